@@ -1,0 +1,53 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <set>
+#include <span>
+#include <vector>
+
+#include "core/data/usage_insights.hpp"
+#include "core/data/usage_window.hpp"
+
+namespace vorn {
+
+/// The latest accepted reading of every limit, and the judgement what to believe when sources disagree.
+class UsageState {
+public:
+    /// The smallest fall within one window instance that can be an early reset, in percentage points. Anything less is
+    /// a stale reading.
+    static constexpr double resetDrop = 10.0;
+
+    /// Takes readings in, in the given order. An older reading never replaces a newer one, and within one window
+    /// instance the used share falls only after a confirmed or announced reset.
+    void merge(std::span<const UsageWindow> incoming);
+
+    /// The user announced an early reset: the next large fall of these kinds is believed at once.
+    void expectReset(std::span<const WindowKind> kinds);
+
+    /// Absent leaves the stored insights in place: output without a breakdown does not erase the last one.
+    void setInsights(std::optional<UsageInsights> insights);
+    [[nodiscard]] const std::optional<UsageInsights>& insights() const { return m_insights; }
+
+    /// As stored, by kind.
+    [[nodiscard]] const std::map<WindowKind, UsageWindow>& windows() const { return m_windows; }
+    /// Every window as it stands at `now`, ordered by kind: one whose reset time has passed has used 0 and no reset
+    /// time, even if no newer reading came.
+    [[nodiscard]] std::vector<UsageWindow> current(Instant now) const;
+
+    [[nodiscard]] std::optional<Instant> lastObservedAt() const;
+    [[nodiscard]] std::optional<Instant> lastObserved(DataSource source) const;
+
+    bool operator==(const UsageState&) const = default;
+
+private:
+    void mergeOne(const UsageWindow& incoming);
+    bool acceptsDrop(const UsageWindow& incoming, const UsageWindow& stored);
+
+    std::map<WindowKind, UsageWindow> m_windows;
+    std::optional<UsageInsights> m_insights;
+    std::map<WindowKind, UsageWindow> m_pendingDrops;  ///< Falls seen once and not yet believed.
+    std::set<WindowKind> m_expectingReset;
+};
+
+}  // namespace vorn

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+
+/// Where Vorn keeps its files. Computed on every call, so a changed environment or override takes effect at once.
+namespace vorn::VornPaths {
+
+/// Replaces the root for every path below; process-wide and thread-safe. Empty restores the default.
+void setRootOverride(std::optional<std::filesystem::path> root);
+std::optional<std::filesystem::path> rootOverride();
+
+/// The override; else `VORN_HOME` as it stands, with a leading "~" expanded; else "Vorn" in the per-user data
+/// directory.
+std::filesystem::path root();
+/// Creates the root and its missing parents, for the user alone. Throws std::filesystem::filesystem_error.
+void ensureRoot();
+
+std::filesystem::path history();             ///< history.jsonl
+std::filesystem::path integrationRecord();   ///< integration.json
+std::filesystem::path statusLineSnapshot();  ///< statusline.json
+std::filesystem::path resetPlan();           ///< reset-plan.json
+std::filesystem::path bridgeExecutable();    ///< bin/vorn-bridge: the copy of the relay that Claude Code runs
+/// The empty directory in which `claude` runs, so that it reads no project. Created on every call; a failure shows
+/// when the process is started.
+std::filesystem::path probeWorkingDirectory();
+
+}  // namespace vorn::VornPaths

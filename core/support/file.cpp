@@ -1,0 +1,208 @@
+#include "core/support/file.hpp"
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#include <fcntl.h>
+#include <pwd.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace vorn {
+namespace fs = std::filesystem;
+namespace {
+
+class Descriptor {
+public:
+    explicit Descriptor(int value) : m_value(value) {}
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor() {
+        if (m_value >= 0) {
+            ::close(m_value);
+        }
+    }
+    [[nodiscard]] int get() const { return m_value; }
+    [[nodiscard]] bool isOpen() const { return m_value >= 0; }
+
+private:
+    int m_value;
+};
+
+[[noreturn]] void fail(const char* what, const fs::path& path) {
+    throw fs::filesystem_error(what, path, std::error_code(errno, std::generic_category()));
+}
+
+void writeAll(int descriptor, std::string_view content, const fs::path& path) {
+    while (!content.empty()) {
+        const ssize_t written = ::write(descriptor, content.data(), content.size());
+        if (written < 0) {
+            if (errno == EINTR) {
+                continue;
+            }
+            fail("cannot write", path);
+        }
+        content.remove_prefix(static_cast<std::size_t>(written));
+    }
+}
+
+/// Where a write to `path` lands: the end of a chain of links, which need not exist.
+fs::path writeTarget(fs::path path) {
+    constexpr int kLongestChain = 40;  // as deep as the kernel itself follows
+    for (int i = 0; i < kLongestChain; ++i) {
+        std::error_code error;
+        if (!fs::is_symlink(fs::symlink_status(path, error))) {
+            return path;
+        }
+        const fs::path next = fs::read_symlink(path);
+        path = next.is_absolute() ? next : path.parent_path() / next;
+    }
+    throw fs::filesystem_error("too many links", path, std::make_error_code(std::errc::too_many_symbolic_link_levels));
+}
+
+void syncDirectory(const fs::path& directory) {
+    const Descriptor descriptor(::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (descriptor.isOpen()) {
+        ::fsync(descriptor.get());
+    }
+}
+
+}  // namespace
+
+std::optional<std::string> environmentValue(const char* name) {
+    const char* value = std::getenv(name);
+    if (value == nullptr || *value == '\0') {
+        return std::nullopt;
+    }
+    return value;
+}
+
+fs::path homeDirectory() {
+    std::string home;
+    if (const auto set = environmentValue("HOME")) {
+        home = *set;
+    } else if (const passwd* entry = ::getpwuid(::getuid()); entry != nullptr && entry->pw_dir != nullptr) {
+        home = entry->pw_dir;
+    }
+    while (home.size() > 1 && home.back() == '/') {
+        home.pop_back();
+    }
+    return home.empty() ? fs::path("/") : fs::path(home);
+}
+
+fs::path expandTilde(std::string_view path) {
+    if (path == "~") {
+        return homeDirectory();
+    }
+    if (path.starts_with("~/")) {
+        path.remove_prefix(2);
+        return homeDirectory() / fs::path(path).relative_path();
+    }
+    return path;
+}
+
+std::optional<std::string> readFile(const fs::path& path, std::size_t limit) {
+    // Without O_NONBLOCK a FIFO in the file's place would hang the caller in open().
+    const Descriptor descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat status {};
+    if (!descriptor.isOpen() || ::fstat(descriptor.get(), &status) != 0 || !S_ISREG(status.st_mode) ||
+        static_cast<std::size_t>(status.st_size) > limit) {
+        return std::nullopt;
+    }
+    std::string content;
+    content.reserve(static_cast<std::size_t>(status.st_size));
+    std::array<char, 65536> buffer;
+    for (;;) {
+        const ssize_t count = ::read(descriptor.get(), buffer.data(), buffer.size());
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count < 0 || content.size() + static_cast<std::size_t>(count) > limit) {
+            return std::nullopt;
+        }
+        if (count == 0) {
+            return content;
+        }
+        content.append(buffer.data(), static_cast<std::size_t>(count));
+    }
+}
+
+void createPrivateDirectories(const fs::path& directory) {
+    std::error_code error;
+    if (fs::is_directory(directory, error) || directory.empty()) {
+        return;
+    }
+    createPrivateDirectories(directory.parent_path() == directory ? fs::path() : directory.parent_path());
+    if (::mkdir(directory.c_str(), 0700) != 0 && errno != EEXIST) {
+        fail("cannot create directory", directory);
+    }
+    if (!fs::is_directory(directory, error)) {
+        throw fs::filesystem_error("not a directory", directory, std::make_error_code(std::errc::not_a_directory));
+    }
+}
+
+void replaceFile(const fs::path& path, std::string_view content) {
+    const fs::path target = writeTarget(path);
+    struct stat old {};
+    const bool exists = ::stat(target.c_str(), &old) == 0;
+    if (exists && !S_ISREG(old.st_mode)) {
+        throw fs::filesystem_error("not a regular file", target, std::make_error_code(std::errc::invalid_argument));
+    }
+    std::string temporary = target.string() + ".XXXXXX";
+    const Descriptor descriptor(::mkostemp(temporary.data(), O_CLOEXEC));
+    if (!descriptor.isOpen()) {
+        fail("cannot create temporary file", temporary);
+    }
+    try {
+        if (exists && ::fchmod(descriptor.get(), old.st_mode & 07777) != 0) {
+            fail("cannot keep the mode", target);
+        }
+        writeAll(descriptor.get(), content, target);
+        if (::fsync(descriptor.get()) != 0) {
+            fail("cannot flush", target);
+        }
+        if (::rename(temporary.c_str(), target.c_str()) != 0) {
+            fail("cannot replace", target);
+        }
+    } catch (...) {
+        ::unlink(temporary.c_str());
+        throw;
+    }
+    syncDirectory(target.parent_path().empty() ? fs::path(".") : target.parent_path());
+}
+
+std::optional<FileLock> FileLock::acquire(const fs::path& path, std::chrono::milliseconds patience) {
+    const int descriptor = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+    if (descriptor < 0) {
+        return std::nullopt;
+    }
+    FileLock lock(descriptor);
+    const auto deadline = std::chrono::steady_clock::now() + patience;
+    while (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
+        if (std::chrono::steady_clock::now() >= deadline) {
+            return std::nullopt;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds{1});
+    }
+    return lock;
+}
+
+FileLock::FileLock(FileLock&& other) noexcept : m_descriptor(std::exchange(other.m_descriptor, -1)) {}
+
+FileLock& FileLock::operator=(FileLock&& other) noexcept {
+    std::swap(m_descriptor, other.m_descriptor);
+    return *this;
+}
+
+FileLock::~FileLock() {
+    if (m_descriptor >= 0) {
+        ::close(m_descriptor);
+    }
+}
+
+}  // namespace vorn

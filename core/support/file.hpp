@@ -1,0 +1,50 @@
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// Files as Vorn treats them: read whole, replaced whole, and never half-written.
+namespace vorn {
+
+/// The value of an environment variable; empty when it is unset or set to the empty text.
+std::optional<std::string> environmentValue(const char* name);
+
+/// The user's home directory without a trailing slash: `HOME`, else the password database, else "/".
+std::filesystem::path homeDirectory();
+
+/// `path` with a leading "~" (alone or before a slash) replaced by the home directory.
+std::filesystem::path expandTilde(std::string_view path);
+
+/// The whole content of a regular file (or what a link to one points at). Empty when it is missing, unreadable, not a
+/// regular file, or larger than `limit` bytes.
+std::optional<std::string> readFile(const std::filesystem::path& path, std::size_t limit = 512U << 20U);
+
+/// Creates `directory` and its missing parents, the new ones with mode 0700. Throws std::filesystem::filesystem_error.
+void createPrivateDirectories(const std::filesystem::path& directory);
+
+/// Replaces the file's content as one step: temporary file in the same directory, flush, rename. A new file gets mode
+/// 0600, an existing one keeps its mode; a symbolic link stays a link and its target is replaced. On failure throws
+/// std::filesystem::filesystem_error, and the old content stands.
+void replaceFile(const std::filesystem::path& path, std::string_view content);
+
+/// An advisory lock between processes, held until destruction. The lock file itself stays.
+class FileLock {
+public:
+    /// Waits at most `patience`; empty when another process still holds it or the file cannot be opened.
+    static std::optional<FileLock> acquire(const std::filesystem::path& path, std::chrono::milliseconds patience);
+
+    FileLock(FileLock&& other) noexcept;
+    FileLock& operator=(FileLock&& other) noexcept;
+    FileLock(const FileLock&) = delete;
+    FileLock& operator=(const FileLock&) = delete;
+    ~FileLock();
+
+private:
+    explicit FileLock(int descriptor) : m_descriptor(descriptor) {}
+    int m_descriptor = -1;
+};
+
+}  // namespace vorn

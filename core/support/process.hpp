@@ -1,0 +1,72 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <exception>
+#include <filesystem>
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "core/support/time.hpp"
+
+namespace vorn {
+
+/// A request from another thread (or a signal handler) to give up a child process. One use.
+class Cancellation {
+public:
+    Cancellation();
+    ~Cancellation();
+    Cancellation(const Cancellation&) = delete;
+    Cancellation& operator=(const Cancellation&) = delete;
+
+    /// Async-signal-safe; may be called any number of times.
+    void cancel() noexcept;
+    [[nodiscard]] bool isCancelled() const noexcept { return m_cancelled.load(); }
+    /// Becomes readable on cancellation, for poll(); -1 when no descriptor could be had.
+    [[nodiscard]] int descriptor() const noexcept { return m_readEnd; }
+
+private:
+    std::atomic<bool> m_cancelled{false};
+    int m_readEnd = -1;
+    int m_writeEnd = -1;
+};
+
+/// Thrown out of `runProcess` after a cancellation, once the child is gone.
+class Cancelled : public std::exception {
+public:
+    [[nodiscard]] const char* what() const noexcept override { return "cancelled"; }
+};
+
+/// The child could not be started; `what()` is the system's reason.
+class LaunchError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+struct ProcessRequest {
+    std::filesystem::path executable;
+    std::vector<std::string> arguments;              ///< Without the program's own name.
+    std::map<std::string, std::string> environment;  ///< The child's whole environment.
+    std::filesystem::path workingDirectory;
+    Seconds timeout{30};
+    std::size_t outputLimit = std::size_t{8} << 20U;  ///< Bytes kept of standard output; the rest is read and dropped.
+    std::size_t errorLimit = std::size_t{64} << 10U;  ///< The same for standard error.
+};
+
+struct ProcessResult {
+    enum class End : std::uint8_t { exited, signalled, timedOut };
+    End end = End::exited;
+    int status = 0;  ///< Exit status, or the number of the signal.
+    std::string standardOutput;
+    std::string standardError;
+};
+
+/// Runs a child in a session of its own with the null device as standard input, drains both outputs while it runs, and
+/// returns when it has ended. After the time limit or a cancellation it is asked to terminate and killed 2 seconds
+/// later; whatever it started goes with it. No zombie, no descriptor, no process is left behind, and the child inherits
+/// no descriptor of ours. Throws LaunchError, Cancelled.
+ProcessResult runProcess(const ProcessRequest& request, const Cancellation* cancellation = nullptr);
+
+}  // namespace vorn

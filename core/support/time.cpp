@@ -40,7 +40,8 @@ public:
         return true;
     }
 
-    void expect(char wanted) { m_ok = accept(wanted) && m_ok; }
+    void expect(char wanted) { require(accept(wanted)); }
+    void require(bool condition) { m_ok = m_ok && condition; }
 
     /// The digits after a full stop as a share of a second.
     double fraction() {
@@ -77,7 +78,9 @@ int zoneOffset(Reader& reader) {
     }
     const int hours = reader.number(2);
     reader.accept(':');
-    return sign * (hours * 60 + reader.number(2));
+    const int minutes = reader.number(2);
+    reader.require(hours <= 23 && minutes <= 59);
+    return sign * (hours * 60 + minutes);
 }
 
 struct Parts {

@@ -1,0 +1,130 @@
+#include "core/support/file.hpp"
+
+#include <csignal>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "tests/support/temporary_directory.hpp"
+
+namespace vorn {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+using test::ScopedEnvironment;
+using test::TemporaryDirectory;
+
+std::vector<std::string> namesIn(const fs::path& directory) {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(directory)) {
+        names.push_back(entry.path().filename());
+    }
+    return names;
+}
+
+mode_t modeOf(const fs::path& path) {
+    struct stat status {};
+    EXPECT_EQ(::stat(path.c_str(), &status), 0) << path;
+    return status.st_mode & 07777;
+}
+
+TEST(ReplaceFile, createsPrivateFilesAndKeepsTheModeOfOthers) {
+    const TemporaryDirectory dir;
+    replaceFile(dir / "new", "one");
+    EXPECT_EQ(modeOf(dir / "new"), 0600U);
+    ::chmod((dir / "new").c_str(), 0644);
+    replaceFile(dir / "new", "two");
+    EXPECT_EQ(modeOf(dir / "new"), 0644U);
+    EXPECT_EQ(test::readAll(dir / "new"), "two");
+    EXPECT_THAT(namesIn(dir.path()), testing::ElementsAre("new"));
+}
+
+TEST(ReplaceFile, writesThroughChainsOfLinks) {
+    const TemporaryDirectory dir;
+    dir.write("real/settings.json", "old");
+    fs::create_symlink("real/settings.json", dir / "second");
+    fs::create_symlink(dir / "second", dir / "first");
+    replaceFile(dir / "first", "new");
+    EXPECT_TRUE(fs::is_symlink(dir / "first"));
+    EXPECT_EQ(test::readAll(dir / "real/settings.json"), "new");
+
+    fs::create_symlink("real/missing.json", dir / "dangling");
+    replaceFile(dir / "dangling", "made");
+    EXPECT_EQ(test::readAll(dir / "real/missing.json"), "made");
+
+    fs::create_symlink("loop", dir / "loop");
+    EXPECT_THROW(replaceFile(dir / "loop", "x"), fs::filesystem_error);
+}
+
+TEST(ReplaceFile, leavesTheOldContentWhenItFails) {
+    const TemporaryDirectory dir;
+    dir.write("file", "old");
+    EXPECT_THROW(replaceFile(dir / "missing/file", "x"), fs::filesystem_error);
+    fs::create_directory(dir / "folder");
+    EXPECT_THROW(replaceFile(dir / "folder", "x"), fs::filesystem_error);
+
+    // A file size limit fails the write half-way, as a full disk does.
+    rlimit old{};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &old), 0);
+    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit small = old;
+    small.rlim_cur = 1000;
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+    EXPECT_THROW(replaceFile(dir / "file", std::string(5000, 'x')), fs::filesystem_error);
+    ::setrlimit(RLIMIT_FSIZE, &old);
+    std::signal(SIGXFSZ, oldHandler);
+    EXPECT_EQ(test::readAll(dir / "file"), "old");
+    EXPECT_THAT(namesIn(dir.path()), testing::UnorderedElementsAre("file", "folder"));
+}
+
+TEST(ReadFile, refusesWhatIsNotARegularFileOfBearableSize) {
+    const TemporaryDirectory dir;
+    dir.write("file", "content");
+    EXPECT_EQ(readFile(dir / "file"), "content");
+    EXPECT_EQ(readFile(dir / "file", 3), std::nullopt);
+    EXPECT_EQ(readFile(dir / "missing"), std::nullopt);
+    EXPECT_EQ(readFile(dir.path()), std::nullopt);
+    ASSERT_EQ(::mkfifo((dir / "fifo").c_str(), 0600), 0);
+    EXPECT_EQ(readFile(dir / "fifo"), std::nullopt);
+}
+
+TEST(CreatePrivateDirectories, makesMissingParentsForTheUserAlone) {
+    const TemporaryDirectory dir;
+    createPrivateDirectories(dir / "a/b/c/");
+    EXPECT_EQ(modeOf(dir / "a"), 0700U);
+    EXPECT_EQ(modeOf(dir / "a/b/c"), 0700U);
+    createPrivateDirectories(dir / "a/b");
+    dir.write("file", "");
+    EXPECT_THROW(createPrivateDirectories(dir / "file/below"), fs::filesystem_error);
+}
+
+TEST(HomeDirectory, comesFromTheEnvironmentOrThePasswordDatabase) {
+    {
+        const ScopedEnvironment home("HOME", "/home/ana//");
+        EXPECT_EQ(homeDirectory(), "/home/ana");
+        EXPECT_EQ(expandTilde("~"), "/home/ana");
+        EXPECT_EQ(expandTilde("~/tmp/v"), "/home/ana/tmp/v");
+        EXPECT_EQ(expandTilde("~other/x"), "~other/x");
+        EXPECT_EQ(expandTilde("/a/~/b"), "/a/~/b");
+    }
+    const ScopedEnvironment unset("HOME", nullptr);
+    EXPECT_TRUE(homeDirectory().is_absolute());
+}
+
+TEST(FileLock, excludesUntilReleased) {
+    const TemporaryDirectory dir;
+    {
+        const auto held = FileLock::acquire(dir / "lock", 0ms);
+        ASSERT_TRUE(held);
+        EXPECT_FALSE(FileLock::acquire(dir / "lock", 5ms));
+    }
+    EXPECT_TRUE(FileLock::acquire(dir / "lock", 0ms));
+    EXPECT_FALSE(FileLock::acquire(dir / "missing/lock", 0ms));
+}
+
+}  // namespace
+}  // namespace vorn

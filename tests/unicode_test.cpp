@@ -1,0 +1,114 @@
+#include <chrono>
+#include <limits>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "core/support/unicode/locale_time.hpp"
+#include "tests/support/temporary_directory.hpp"
+
+namespace vorn {
+namespace {
+
+using namespace std::chrono_literals;
+using std::chrono::sys_days;
+using test::ScopedEnvironment;
+
+const Instant kSundayNight = sys_days{2026y / 11 / 22} + 22h + 16min;
+
+TEST(TimeZoneNames, AreExactlyThoseOfTheDatabase) {
+    for (const char* name : {"Europe/London", "America/Argentina/Buenos_Aires", "UTC", "Etc/UTC", "Etc/GMT+5", "GMT",
+                             "Asia/Kathmandu", "Asia/Katmandu", "EST"}) {
+        EXPECT_TRUE(isTimeZoneName(name)) << name;
+    }
+    for (const char* name : {"", "Mars/Base", "europe/london", "Europe/London ", "AET", "PST", "IST", "CEST", "GMT+1",
+                             "GMT+01:00", "+02:00", "SystemV/EST5EDT", "Etc/Unknown", "US/Pacific-New", "Zürich"}) {
+        EXPECT_FALSE(isTimeZoneName(name)) << name;
+    }
+}
+
+TEST(CurrentTimeZone, FollowsTheVariable) {
+    const struct {
+        const char* variable;
+        const char* zone;
+    } cases[] = {
+        {"Asia/Kathmandu", "Asia/Kathmandu"},
+        {":Europe/Berlin", "Europe/Berlin"},
+        {"/usr/share/zoneinfo/right/America/New_York", "America/New_York"},
+        {"", "UTC"},
+        {"IST-5:30", "GMT+05:30"},
+        {"<-03>3", "GMT-03:00"},
+        {"nonsense", "UTC"},
+    };
+    for (const auto& c : cases) {
+        const ScopedEnvironment variable("TZ", c.variable);
+        EXPECT_EQ(currentTimeZone(), c.zone) << c.variable;
+    }
+    const ScopedEnvironment variable("TZ", nullptr);
+    EXPECT_NE(currentTimeZone(), "");  // whatever this machine has
+}
+
+TEST(LocaleTime, SpeaksTheUsersLocale) {
+    const struct {
+        const char* all;
+        const char* time;
+        const char* lang;
+        const char* clock;
+        const char* weekday;
+    } cases[] = {
+        {nullptr, nullptr, nullptr, "23:16", "Sun"},
+        {"C.UTF-8", "de_DE.UTF-8", "de_DE.UTF-8", "23:16", "Sun"},
+        {"", "POSIX", "de_DE", "23:16", "Sun"},
+        {nullptr, "en_US.UTF-8", "de_DE.UTF-8", "11:16\u202FPM", "Sun"},
+        {nullptr, "", "de_DE.UTF-8@euro", "23:16", "So"},
+        {"sr_RS.UTF-8@latin", nullptr, nullptr, "23:16", "ned"},
+        {"sr_RS@cyrillic", nullptr, nullptr, "23:16", "нед"},
+        {"th_TH.UTF-8", nullptr, nullptr, "23:16", "อา."},
+        {"xx_no such locale", nullptr, nullptr, "23:16", "Sun"},
+    };
+    for (const auto& c : cases) {
+        const ScopedEnvironment all("LC_ALL", c.all);
+        const ScopedEnvironment time("LC_TIME", c.time);
+        const ScopedEnvironment lang("LANG", c.lang);
+        SCOPED_TRACE(c.clock + std::string(c.weekday));
+        EXPECT_EQ(shortTime(kSundayNight, "Europe/Berlin"), c.clock);
+        EXPECT_EQ(shortWeekday(kSundayNight, "Europe/Berlin"), c.weekday);
+    }
+}
+
+TEST(LocaleTime, GivesEveryInstantAnAnswer) {
+    const ScopedEnvironment all("LC_ALL", "C");
+    EXPECT_EQ(shortTime(kSundayNight, "Mars/Base"), "22:16");
+    EXPECT_EQ(shortTime(instantSince1970(std::numeric_limits<double>::quiet_NaN()), "UTC"), "");
+    EXPECT_NE(shortTime(instantSince1970(1e300), "UTC"), "");
+}
+
+TEST(LocaleTime, ComparesDaysInTheZone) {
+    EXPECT_TRUE(isSameDay(kSundayNight, kSundayNight + 44min - 1ms + 60min, "UTC"));
+    EXPECT_FALSE(isSameDay(kSundayNight, kSundayNight + 104min, "UTC"));
+    EXPECT_FALSE(isSameDay(kSundayNight, kSundayNight + 44min, "Europe/Berlin"));
+    // A day of 25 hours: the clock went back in Berlin on 25 October.
+    const Instant midnight = sys_days{2026y / 10 / 24} + 22h;
+    EXPECT_TRUE(isSameDay(midnight, midnight + 24h + 59min, "Europe/Berlin"));
+    EXPECT_FALSE(isSameDay(midnight, midnight + 25h, "Europe/Berlin"));
+    EXPECT_TRUE(isSameDay(instantSince1970(-1), instantSince1970(-86400), "UTC"));
+}
+
+TEST(LocaleTime, MayBeAskedFromSeveralThreads) {
+    std::vector<std::thread> threads;
+    for (const char* zone : {"Europe/Berlin", "Asia/Kathmandu", "Europe/Berlin", "UTC"}) {
+        threads.emplace_back([zone] {
+            for (int i = 0; i < 200; ++i) {
+                EXPECT_NE(shortTime(kSundayNight, zone), "");
+            }
+        });
+    }
+    for (auto& thread : threads) {
+        thread.join();
+    }
+}
+
+}  // namespace
+}  // namespace vorn

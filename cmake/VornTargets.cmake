@@ -52,3 +52,10 @@ function(vorn_test unit)
   target_link_libraries(${unit}_test PRIVATE ${ARG_LINKS} vorn_test_support vorn_options GTest::gmock_main)
   gtest_discover_tests(${unit}_test PROPERTIES TIMEOUT 120 DISCOVERY_TIMEOUT 60)
 endfunction()
+
+# vorn_test_abroad(UNIT ZONE LOCALE): the unit's test once more as a whole, as users elsewhere would run it. The locale
+# need not be installed.
+function(vorn_test_abroad unit zone locale)
+  add_test(NAME ${unit}@${zone},${locale} COMMAND ${unit}_test)
+  set_tests_properties(${unit}@${zone},${locale} PROPERTIES TIMEOUT 120 ENVIRONMENT "TZ=${zone};LC_ALL=${locale}")
+endfunction()

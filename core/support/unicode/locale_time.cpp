@@ -12,7 +12,7 @@
 #include <unicode/smpdtfmt.h>
 
 #include "core/support/file.hpp"
-#include "core/support/unicode/icu_zone.hpp"
+#include "core/support/unicode/icu_conversion.hpp"
 
 namespace vorn {
 namespace {

@@ -4,11 +4,16 @@
 #include <string_view>
 
 #include <unicode/timezone.h>
+#include <unicode/unistr.h>
 
 #include "core/support/time.hpp"
 
-/// Between Vorn's instants and zones and ICU's. For the files of this folder only.
+/// Between Vorn's texts, instants and zones and ICU's. For the files of this folder only.
 namespace vorn {
+
+/// Invalid sequences become U+FFFD. Nothing we read is longer than 256 MiB; of such a text the rest is left out, since
+/// ICU counts in 32 bits.
+icu::UnicodeString toIcuText(std::string_view utf8);
 
 /// A zone of our own for ICU to adopt; an unknown identifier is UTC.
 std::unique_ptr<icu::TimeZone> makeIcuZone(std::string_view zoneId);

@@ -13,26 +13,15 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "core/support/descriptor.hpp"
+
 namespace vorn {
 namespace fs = std::filesystem;
 namespace {
 
-class Descriptor {
-public:
-    explicit Descriptor(int value) : m_value(value) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() {
-        if (m_value >= 0) {
-            ::close(m_value);
-        }
-    }
-    [[nodiscard]] int get() const { return m_value; }
-    [[nodiscard]] bool isOpen() const { return m_value >= 0; }
-
-private:
-    int m_value;
-};
+/// A name that can be told from a user's own copy ("history.jsonl.backup"), so that leftovers may be removed.
+constexpr std::string_view kTemporarySuffix = ".vorn-";
+constexpr std::string_view kTemporaryPattern = "XXXXXX";
 
 [[noreturn]] void fail(const char* what, const fs::path& path) {
     throw fs::filesystem_error(what, path, std::error_code(errno, std::generic_category()));
@@ -65,11 +54,23 @@ fs::path writeTarget(fs::path path) {
     throw fs::filesystem_error("too many links", path, std::make_error_code(std::errc::too_many_symbolic_link_levels));
 }
 
+fs::path directoryOf(const fs::path& file) {
+    return file.has_parent_path() ? file.parent_path() : fs::path(".");
+}
+
 void syncDirectory(const fs::path& directory) {
     const Descriptor descriptor(::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (descriptor.isOpen()) {
         ::fsync(descriptor.get());
     }
+}
+
+/// Whether `path` still leads to the file behind the descriptor.
+bool isNamed(const fs::path& path, int descriptor) {
+    struct stat byName {};
+    struct stat held {};
+    return ::stat(path.c_str(), &byName) == 0 && ::fstat(descriptor, &held) == 0 && byName.st_dev == held.st_dev &&
+           byName.st_ino == held.st_ino;
 }
 
 }  // namespace
@@ -153,7 +154,8 @@ void replaceFile(const fs::path& path, std::string_view content) {
     if (exists && !S_ISREG(old.st_mode)) {
         throw fs::filesystem_error("not a regular file", target, std::make_error_code(std::errc::invalid_argument));
     }
-    std::string temporary = target.string() + ".XXXXXX";
+    std::string temporary = target.string();
+    temporary.append(kTemporarySuffix).append(kTemporaryPattern);
     const Descriptor descriptor(::mkostemp(temporary.data(), O_CLOEXEC));
     if (!descriptor.isOpen()) {
         fail("cannot create temporary file", temporary);
@@ -173,23 +175,43 @@ void replaceFile(const fs::path& path, std::string_view content) {
         ::unlink(temporary.c_str());
         throw;
     }
-    syncDirectory(target.parent_path().empty() ? fs::path(".") : target.parent_path());
+    syncDirectory(directoryOf(target));
+}
+
+void removeAbandonedTemporaries(const fs::path& path) try {
+    const fs::path target = writeTarget(path);
+    const std::string prefix = target.filename().string() + std::string(kTemporarySuffix);
+    const std::size_t length = prefix.size() + kTemporaryPattern.size();
+    for (const fs::directory_entry& entry : fs::directory_iterator(directoryOf(target))) {
+        const std::string name = entry.path().filename().string();
+        std::error_code ignored;
+        if (name.size() == length && name.starts_with(prefix) && fs::is_regular_file(entry.symlink_status(ignored))) {
+            fs::remove(entry.path(), ignored);
+        }
+    }
+} catch (const fs::filesystem_error&) {
+    // Nothing depends on it, and the next call tries again.
 }
 
 std::optional<FileLock> FileLock::acquire(const fs::path& path, std::chrono::milliseconds patience) {
-    const int descriptor = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
-    if (descriptor < 0) {
-        return std::nullopt;
-    }
-    FileLock lock(descriptor);
     const auto deadline = std::chrono::steady_clock::now() + patience;
-    while (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
+    for (;;) {
+        // Opened anew for every try: whoever deletes the lock file must not leave us waiting at one that nobody else
+        // will ever come to.
+        FileLock lock(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+        if (lock.m_descriptor < 0) {
+            return std::nullopt;
+        }
+        const bool granted = ::flock(lock.m_descriptor, LOCK_EX | LOCK_NB) == 0;
+        const bool unsupported = !granted && errno != EWOULDBLOCK && errno != EINTR;
+        if (unsupported || (granted && isNamed(path, lock.m_descriptor))) {
+            return lock;
+        }
         if (std::chrono::steady_clock::now() >= deadline) {
             return std::nullopt;
         }
         std::this_thread::sleep_for(std::chrono::milliseconds{1});
     }
-    return lock;
 }
 
 FileLock::FileLock(FileLock&& other) noexcept : m_descriptor(std::exchange(other.m_descriptor, -1)) {}
@@ -201,6 +223,8 @@ FileLock& FileLock::operator=(FileLock&& other) noexcept {
 
 FileLock::~FileLock() {
     if (m_descriptor >= 0) {
+        // A child between fork and exec shares the lock; closing our end alone would not release it.
+        ::flock(m_descriptor, LOCK_UN);
         ::close(m_descriptor);
     }
 }

@@ -30,7 +30,13 @@ void createPrivateDirectories(const std::filesystem::path& directory);
 /// std::filesystem::filesystem_error, and the old content stands.
 void replaceFile(const std::filesystem::path& path, std::string_view content);
 
-/// An advisory lock between processes, held until destruction. The lock file itself stays.
+/// Removes the temporary files that `replaceFile` left beside `path` when its process was killed. Only for a caller
+/// that keeps everybody else from replacing the file meanwhile.
+void removeAbandonedTemporaries(const std::filesystem::path& path);
+
+/// An advisory lock between processes (and between objects of one process), held until destruction. The lock file
+/// itself stays; when somebody deletes it, the next taker makes a new one. On a file system without locks every taker
+/// gets one at once.
 class FileLock {
 public:
     /// Waits at most `patience`; empty when another process still holds it or the file cannot be opened.

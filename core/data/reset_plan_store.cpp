@@ -1,0 +1,60 @@
+#include "core/data/reset_plan_store.hpp"
+
+#include <system_error>
+#include <utility>
+
+#include "core/support/file.hpp"
+
+namespace vorn {
+namespace fs = std::filesystem;
+namespace {
+
+constexpr std::size_t kLargestFile = std::size_t{16} << 20U;  // bytes
+
+ResetPlan decode(std::string_view text) {
+    const auto document = parseJson(text);
+    if (!document) {
+        throw DecodingError("The reset plan is not JSON.");
+    }
+    return decodeResetPlan(*document, DateCoding::iso8601);
+}
+
+}  // namespace
+
+ResetPlanStore::ResetPlanStore(fs::path file) : m_file(std::move(file)) {}
+
+ResetPlan ResetPlanStore::load() const try {
+    const auto text = readFile(m_file, kLargestFile);
+    return text ? decode(*text) : ResetPlan{};
+} catch (const DecodingError&) {
+    return {};
+}
+
+void ResetPlanStore::save(const ResetPlan& plan) const {
+    createPrivateDirectories(m_file.parent_path());
+    const std::string text = dumpJson(encode(plan, DateCoding::iso8601), /*pretty=*/true);
+    // A date beyond the year 9999 or an id that is no UUID would make the whole plan unreadable: better refuse it.
+    static_cast<void>(decode(text));
+    replaceFile(m_file, text);
+}
+
+ResetPlan ResetPlanStore::edit(const std::function<void(ResetPlan&)>& change,
+                               std::chrono::milliseconds patience) const {
+    createPrivateDirectories(m_file.parent_path());
+    // Beside the plan and not on it: saving puts another file in its place.
+    fs::path lockPath = m_file;
+    lockPath += ".lock";
+    const auto lock = FileLock::acquire(lockPath, patience);
+    if (!lock) {
+        throw fs::filesystem_error("cannot lock", lockPath, std::make_error_code(std::errc::device_or_resource_busy));
+    }
+    const ResetPlan before = load();
+    ResetPlan after = before;
+    change(after);
+    if (after != before) {
+        save(after);
+    }
+    return after;
+}
+
+}  // namespace vorn

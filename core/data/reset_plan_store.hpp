@@ -1,0 +1,37 @@
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <functional>
+
+#include "core/data/reset_plan.hpp"
+
+namespace vorn {
+
+/// The plan's file: one JSON object, made for reading by people too. Dates are kept to the whole second.
+class ResetPlanStore {
+public:
+    /// How long `edit` waits for another process by default: it is called on the application's main thread.
+    static constexpr std::chrono::milliseconds defaultPatience{50};
+
+    explicit ResetPlanStore(std::filesystem::path file);
+
+    /// Never fails: a file that is missing, unreadable or not wholly a plan is the empty plan.
+    [[nodiscard]] ResetPlan load() const;
+
+    /// Replaces the file, creating its directory where that is missing. Throws std::filesystem::filesystem_error, and
+    /// DecodingError for a plan that `load` could not read back; the old file then stands.
+    void save(const ResetPlan& plan) const;
+
+    /// Applies a change to the plan as it stands in the file, with every other editor locked out, so that the
+    /// application and the terminal do not undo each other's changes. Returns the plan as it is now; a change that
+    /// changes nothing writes nothing. Throws as `save` does, and std::filesystem::filesystem_error with
+    /// `device_or_resource_busy` when the lock cannot be had in time.
+    ResetPlan edit(const std::function<void(ResetPlan&)>& change,
+                   std::chrono::milliseconds patience = defaultPatience) const;
+
+private:
+    std::filesystem::path m_file;
+};
+
+}  // namespace vorn

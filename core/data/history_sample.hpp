@@ -1,7 +1,10 @@
 #pragma once
 
+#include <iosfwd>
 #include <optional>
+#include <span>
 #include <string>
+#include <vector>
 
 #include "core/data/usage_window.hpp"
 
@@ -26,5 +29,14 @@ struct HistorySample {
 
     bool operator==(const HistorySample&) const = default;
 };
+
+/// The readings that still hold at `now`, one a kind and ordered by kind, as a process without readings of its own may
+/// start from. For each key that names a kind it is the latest sample observed up to `now` (of equal times the later in
+/// the input), provided that its reset lies after `now`, or, where it has no reset time, that less than the window's
+/// length has passed since. The history does not keep where a reading came from: the source is the usage command.
+std::vector<UsageWindow> newestCurrent(std::span<const HistorySample> samples, Instant now);
+
+/// For test failures.
+void PrintTo(const HistorySample& sample, std::ostream* out);
 
 }  // namespace vorn

@@ -1,0 +1,218 @@
+#include "core/data/history_file.hpp"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <iterator>
+#include <tuple>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "core/data/history_line.hpp"
+#include "core/support/descriptor.hpp"
+#include "core/support/file.hpp"
+
+namespace vorn {
+namespace fs = std::filesystem;
+namespace {
+
+constexpr std::size_t kBlock = std::size_t{256} << 10U;        // bytes read at once; a longer line is no sample
+constexpr off_t kLargestRead = off_t{256} << 20U;              // bytes; eight busy days are under 4 MiB
+constexpr std::size_t kTypicalLine = 64;                       // bytes
+constexpr int kOpenFlags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;  // a FIFO in the file's place must not hang open()
+
+/// The size of a regular file in bytes, -1 for anything else.
+off_t regularSize(const Descriptor& file) {
+    struct stat status {};
+    const bool isRegular = file.isOpen() && ::fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode);
+    return isRegular ? status.st_size : -1;
+}
+
+ssize_t readAt(int file, char* buffer, std::size_t count, off_t offset) {
+    ssize_t got = 0;
+    do {
+        got = ::pread(file, buffer, count, offset);
+    } while (got < 0 && errno == EINTR);
+    return got;
+}
+
+/// Decodes the lines of a file block by block, so that memory holds the samples and not the file.
+class LineScan {
+public:
+    explicit LineScan(std::vector<HistorySample>& samples) : m_samples(samples), m_buffer(kBlock + m_decoder.padding) {}
+
+    void run(int file, off_t size) {
+        off_t offset = std::max<off_t>(0, size - kLargestRead);
+        m_isMidLine = offset > 0;
+        for (;;) {
+            const ssize_t got = readAt(file, m_buffer.data() + m_held, kBlock - m_held, offset);
+            if (got <= 0) {
+                break;
+            }
+            offset += got;
+            m_held += static_cast<std::size_t>(got);
+            takeLines();
+        }
+        take({m_buffer.data(), m_held});
+    }
+
+private:
+    void takeLines() {
+        const char* start = m_buffer.data();
+        const char* const end = start + m_held;
+        while (const void* found = std::memchr(start, '\n', static_cast<std::size_t>(end - start))) {
+            const char* lineFeed = static_cast<const char*>(found);
+            take({start, static_cast<std::size_t>(lineFeed - start)});
+            start = lineFeed + 1;
+        }
+        m_held = static_cast<std::size_t>(end - start);
+        std::memmove(m_buffer.data(), start, m_held);
+        if (m_held == kBlock) {
+            m_held = 0;
+            m_isMidLine = true;
+        }
+    }
+
+    void take(std::string_view line) {
+        if (std::exchange(m_isMidLine, false) || line.empty()) {
+            return;
+        }
+        if (auto sample = m_decoder.decode(line)) {
+            m_samples.push_back(*std::move(sample));
+        }
+    }
+
+    std::vector<HistorySample>& m_samples;
+    HistoryLineDecoder m_decoder;
+    std::vector<char> m_buffer;
+    std::size_t m_held = 0;    ///< Bytes of an unfinished line at the front of the buffer.
+    bool m_isMidLine = false;  ///< The beginning of the current line was not kept.
+};
+
+std::vector<HistorySample> readSamples(int file, off_t size) {
+    std::vector<HistorySample> samples;
+    samples.reserve(static_cast<std::size_t>(std::min(size, kLargestRead)) / kTypicalLine);
+    LineScan(samples).run(file, size);
+    return samples;
+}
+
+std::string encodeLines(std::span<const HistorySample> samples) {
+    std::string lines;
+    lines.reserve(samples.size() * kTypicalLine);
+    for (const HistorySample& sample : samples) {
+        appendHistoryLine(lines, sample);
+    }
+    return lines;
+}
+
+/// One write at the end of the file, or none: what a full disk left of it is taken back. Nothing is flushed to the
+/// disk, since the caller may be drawing a window; a power failure can cost the last seconds.
+bool appendWhole(int file, off_t size, std::string lines) {
+    char last = '\n';
+    if (size > 0 && readAt(file, &last, 1, size - 1) != 1) {
+        return false;
+    }
+    if (last != '\n') {
+        // Somebody was stopped in the middle of a line. It costs itself, never its successor.
+        lines.insert(lines.begin(), '\n');
+    }
+    ssize_t written = 0;
+    do {
+        written = ::write(file, lines.data(), lines.size());
+    } while (written < 0 && errno == EINTR);
+    if (std::cmp_equal(written, lines.size())) {
+        return true;
+    }
+    if (written > 0 && ::ftruncate(file, size) != 0) {
+        return false;  // The torn line stays; the next append starts a new one.
+    }
+    return false;
+}
+
+bool replaceQuietly(const fs::path& path, std::string_view content) try {
+    replaceFile(path, content);
+    return true;
+} catch (const fs::filesystem_error&) {
+    return false;
+}
+
+bool isBefore(const HistorySample& one, const HistorySample& other) {
+    return std::tie(one.observedAt, one.kindKey, one.usedPercent, one.resetsAt) <
+           std::tie(other.observedAt, other.kindKey, other.usedPercent, other.resetsAt);
+}
+
+/// What `stored` has and `known` has not.
+std::vector<HistorySample> foreignSamples(std::vector<HistorySample> stored, std::vector<HistorySample> known) {
+    std::ranges::sort(stored, isBefore);
+    std::ranges::sort(known, isBefore);
+    std::vector<HistorySample> foreign;
+    std::ranges::set_difference(stored, known, std::back_inserter(foreign), isBefore);
+    return foreign;
+}
+
+void mergeStored(std::vector<HistorySample>& samples, std::vector<HistorySample> stored, Instant cutoff) {
+    std::erase_if(stored, [&](const HistorySample& sample) { return sample.observedAt < cutoff; });
+    const auto foreign = foreignSamples(std::move(stored), samples);
+    if (!foreign.empty()) {
+        samples.insert(samples.end(), foreign.begin(), foreign.end());
+        std::ranges::stable_sort(samples, {}, &HistorySample::observedAt);
+    }
+}
+
+/// A directory that cannot be made shows when the file in it is opened.
+void makeDirectoryFor(const fs::path& path) try {
+    createPrivateDirectories(path.parent_path());
+} catch (const fs::filesystem_error&) {
+}
+
+}  // namespace
+
+HistoryFile::HistoryFile(fs::path path, std::chrono::milliseconds patience)
+    : m_path(std::move(path)), m_lockPath(m_path), m_patience(patience) {
+    m_lockPath += ".lock";
+}
+
+std::vector<HistorySample> HistoryFile::read() const {
+    const Descriptor file(::open(m_path.c_str(), O_RDONLY | kOpenFlags));
+    const off_t size = regularSize(file);
+    return size < 0 ? std::vector<HistorySample>{} : readSamples(file.get(), size);
+}
+
+bool HistoryFile::append(std::span<const HistorySample> samples) const {
+    makeDirectoryFor(m_path);
+    const auto lock = FileLock::acquire(m_lockPath, m_patience);
+    if (!lock) {
+        return false;
+    }
+    const Descriptor file(::open(m_path.c_str(), O_RDWR | O_APPEND | kOpenFlags));
+    if (!file.isOpen() && errno == ENOENT) {
+        return replaceQuietly(m_path, encodeLines(samples));
+    }
+    const off_t size = regularSize(file);
+    return size >= 0 && appendWhole(file.get(), size, encodeLines(samples));
+}
+
+bool HistoryFile::rewrite(std::vector<HistorySample>& samples, Instant cutoff) const {
+    makeDirectoryFor(m_path);
+    const auto lock = FileLock::acquire(m_lockPath, m_patience);
+    if (!lock) {
+        return false;
+    }
+    // Opened for writing as well: a file that the user made read-only is not replaced behind their back, and one that
+    // cannot be read may hold lines of another process.
+    const Descriptor file(::open(m_path.c_str(), O_RDWR | kOpenFlags));
+    if (file.isOpen() || errno != ENOENT) {
+        const off_t size = regularSize(file);
+        if (size < 0) {
+            return false;
+        }
+        mergeStored(samples, readSamples(file.get(), size), cutoff);
+    }
+    removeAbandonedTemporaries(m_path);
+    return replaceQuietly(m_path, encodeLines(samples));
+}
+
+}  // namespace vorn

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "core/data/history_sample.hpp"
+
+/// One sample as one line of JSON: "k" the key of its kind, "u" the used percent, "r" the reset time where there is
+/// one, "t" the time of observation; times are seconds since 1970, and every number reads back as exactly itself.
+namespace vorn {
+
+/// Whether the sample can be written: JSON has no infinity.
+bool isStorable(const HistorySample& sample);
+
+/// Appends a storable sample and its line feed.
+void appendHistoryLine(std::string& lines, const HistorySample& sample);
+
+/// Reads lines back. Reuses its memory from line to line; not for use by two threads at once.
+class HistoryLineDecoder {
+public:
+    /// How many bytes behind a line have to be readable; their values do not matter.
+    static constexpr std::size_t padding = 64;
+
+    HistoryLineDecoder();
+    ~HistoryLineDecoder();
+    HistoryLineDecoder(const HistoryLineDecoder&) = delete;
+    HistoryLineDecoder& operator=(const HistoryLineDecoder&) = delete;
+
+    /// `line` without its line feed. Empty unless it is one JSON object with a text "k", finite numbers "u" and "t",
+    /// and a finite number, null or nothing as "r"; other members are ignored.
+    std::optional<HistorySample> decode(std::string_view line);
+
+private:
+    struct Parser;
+    std::unique_ptr<Parser> m_parser;
+};
+
+}  // namespace vorn

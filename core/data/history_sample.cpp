@@ -1,0 +1,43 @@
+#include "core/data/history_sample.hpp"
+
+#include <algorithm>
+#include <map>
+#include <ostream>
+#include <string_view>
+
+namespace vorn {
+namespace {
+
+bool isCurrent(const HistorySample& sample, const WindowKind& kind, Instant now) {
+    return sample.resetsAt ? *sample.resetsAt > now : now - sample.observedAt < kind.length();
+}
+
+}  // namespace
+
+std::vector<UsageWindow> newestCurrent(std::span<const HistorySample> samples, Instant now) {
+    std::map<std::string_view, const HistorySample*> newest;
+    for (const HistorySample& sample : samples) {
+        if (sample.observedAt <= now) {
+            const HistorySample*& best = newest[sample.kindKey];
+            best = best == nullptr || sample.observedAt >= best->observedAt ? &sample : best;
+        }
+    }
+    std::vector<UsageWindow> windows;
+    for (const auto& [key, sample] : newest) {
+        if (const auto kind = sample->kind(); kind && isCurrent(*sample, *kind, now)) {
+            windows.push_back({*kind, sample->usedPercent, sample->resetsAt, sample->observedAt});
+        }
+    }
+    std::ranges::sort(windows, {}, &UsageWindow::kind);
+    return windows;
+}
+
+void PrintTo(const HistorySample& sample, std::ostream* out) {
+    *out << sample.kindKey << ' ' << sample.usedPercent << "% observed "
+         << formatIso8601Milliseconds(sample.observedAt);
+    if (sample.resetsAt) {
+        *out << " resets " << formatIso8601Milliseconds(*sample.resetsAt);
+    }
+}
+
+}  // namespace vorn

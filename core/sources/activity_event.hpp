@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "core/support/shared_text.hpp"
 #include "core/support/time.hpp"
 
 namespace vorn {
@@ -18,7 +19,9 @@ struct TokenCounts {
 
     [[nodiscard]] std::int64_t total() const { return input + output + cacheRead + cacheWrite5m + cacheWrite1h; }
     /// Cost-weighted tokens: relative to one input token of a Sonnet model.
-    [[nodiscard]] double weight(std::string_view model) const;
+    [[nodiscard]] double weight(std::string_view model) const { return weightSixtieths(model) / 60; }
+    /// Sixty times the weight. A whole number, so sums of it are exact (up to 2^53) in whatever order they are formed.
+    [[nodiscard]] double weightSixtieths(std::string_view model) const;
     bool operator==(const TokenCounts&) const = default;
 };
 
@@ -26,16 +29,20 @@ struct TokenCounts {
 /// 5/3.
 double familyMultiplier(std::string_view model);
 
+/// What the work in a directory is called: its last component (trailing slashes do not count, "/" stays "/"); "Unknown"
+/// when `cwd` is empty. Points into `cwd` or at a constant.
+std::string_view projectName(std::string_view cwd);
+
 /// One assistant reply that used tokens.
 struct ActivityEvent {
     Instant timestamp;  ///< When the reply was written.
-    std::string model;  ///< "unknown" when the transcript does not say.
-    std::string cwd;    ///< Working directory of the conversation; may be empty.
+    SharedText model;   ///< "unknown" when the transcript does not say.
+    SharedText cwd;     ///< Working directory of the conversation; may be empty.
     TokenCounts tokens;
 
     [[nodiscard]] double weight() const { return tokens.weight(model); }
-    /// The last component of `cwd` (trailing slashes do not count, "/" stays "/"); "Unknown" when there is none.
-    [[nodiscard]] std::string project() const;
+    /// See `projectName`.
+    [[nodiscard]] std::string project() const { return std::string(projectName(cwd)); }
     bool operator==(const ActivityEvent&) const = default;
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <span>
 #include <string>
@@ -39,22 +40,28 @@ public:
     /// Their summed weight. Takes logarithmic time.
     [[nodiscard]] double weight(Instant since, Instant until) const;
 
-    /// Buckets of `width` from `from` on; the last may reach past `to`. Empty when `to` is not later than `from` or
-    /// `width` is not positive.
+    /// More buckets than this nobody can look at, and they would only cost memory.
+    static constexpr std::size_t kMaximumBuckets = 1'000'000;
+    /// Buckets of `width` from `from` on; the last may reach past `to`. Empty when `to` is not later than `from`,
+    /// `width` is not positive, one of them is not finite, or there would be more than `kMaximumBuckets`.
     [[nodiscard]] std::vector<Bucket> timeline(Instant from, Instant to, Seconds width) const;
 
-    /// The `limit` largest, then "Other" for the rest, if any. Shares add up to 1.
+    /// Of the events from `since` on the `limit` largest, by name where equal, then "Other" for the rest, if any.
+    /// Shares add up to 1. Empty when nothing weighs anything.
     [[nodiscard]] std::vector<Slice> projects(Instant since, std::size_t limit) const;
     [[nodiscard]] std::vector<Slice> models(Instant since, std::size_t limit) const;
 
-    /// A display name for a model identifier: "claude-opus-5-5" gives "Opus".
+    /// A display name for a model identifier: "claude-opus-5-5" gives "Opus". Letters and digits are the ASCII ones, as
+    /// in every identifier there is.
     static std::string modelFamily(std::string_view model);
 
     bool operator==(const ActivitySummary& other) const { return m_events == other.m_events; }
 
 private:
+    [[nodiscard]] std::size_t indexOf(Instant instant) const;
+
     std::vector<ActivityEvent> m_events;
-    std::vector<double> m_weightUpTo;  ///< m_weightUpTo[i]: weight of the first i events.
+    std::vector<double> m_sixtiethsUpTo;  ///< [i]: sixty times the weight of the first i events; empty without events.
 };
 
 }  // namespace vorn

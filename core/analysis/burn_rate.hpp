@@ -2,9 +2,10 @@
 
 #include <cstdint>
 #include <optional>
-#include <span>
+#include <vector>
 
-#include "core/data/history_sample.hpp"
+#include "core/analysis/matching_samples.hpp"
+#include "core/data/usage_window.hpp"
 #include "core/sources/activity_summary.hpp"
 
 namespace vorn {
@@ -17,7 +18,11 @@ enum class RateBasis : std::uint8_t {
     none,           ///< no rate could be formed
 };
 
+/// "localActivity", "recent", "windowAverage", "none": the form written in JSON.
 const char* rawValue(RateBasis basis);
+
+/// At or below this many points per hour nothing is being used: a whole limit would last over a year.
+inline constexpr double kNegligibleRatePerHour = 0.01;
 
 /// The part of one window instance after an early reset: readings before it no longer count.
 struct WindowEpoch {
@@ -35,15 +40,47 @@ struct Thresholds {
 };
 
 struct BurnRate {
-    std::optional<double> perHour;  ///< Percentage points per hour, never negative.
+    std::optional<double> perHour{};  ///< Percentage points per hour, never negative.
     RateBasis basis = RateBasis::none;
     bool operator==(const BurnRate&) const = default;
 };
 
-struct RatePoint {
-    Instant time;
-    double value = 0;  ///< used percent
+struct BurnRateInput {
+    Seconds elapsed{};  ///< Since the window began.
+    /// The window's recorded readings. Must outlive the call.
+    const MatchingSamples& history;
+    const ActivitySummary* activity = nullptr;  ///< Null when local activity is switched off.
+    Instant now;
+    Thresholds thresholds{};
 };
+
+/// How fast the window is being used: by local activity (session only), else the slope of recent readings, else the
+/// average since the window or its epoch began; the first that can be formed.
+BurnRate burnRate(const UsageWindow& window, const BurnRateInput& input);
+
+/// The last early reset within the instance: a fall between consecutive readings by `UsageState::resetDrop` or more.
+std::optional<WindowEpoch> epoch(const MatchingSamples& history);
+
+/// Least-squares slope in points per hour, negative when falling. Of points with one time the last given counts. Empty
+/// with fewer than two times or when they span less than `minimumSpan`.
+std::optional<double> slopePerHour(std::vector<RatePoint> points, Seconds minimumSpan);
+
+/// The stretch of local activity whose weight makes the present rate.
+inline constexpr Seconds kLocalActivitySpan{1200};
+
+struct LocalRateInput {
+    const ActivitySummary& activity;  ///< Must outlive the call.
+    Instant now;
+    Seconds recentSpan = kLocalActivitySpan;
+    std::optional<WindowEpoch> epoch{};
+};
+
+/// The window's rise per unit of local token weight, applied to the weight of the recent span: points per hour, 0 when
+/// nothing happened lately. Empty while the window rose too little to calibrate by, or is too young.
+std::optional<double> localRate(const UsageWindow& window, const LocalRateInput& input);
+
+/// `rise` (percentage points) over `time`, never negative.
+std::optional<double> averagePerHour(double rise, Seconds time);
 
 }  // namespace VornEngine
 }  // namespace vorn

@@ -12,8 +12,8 @@ struct AssessmentInput {
     const MatchingSamples& history;
     const ActivitySummary* activity = nullptr;  ///< Null when local activity is switched off.
     Instant now;
-    std::optional<Instant>
-        plannedResetAt;  ///< From the reset plan; counts only between now and the window's own reset.
+    /// From the reset plan; counts only between now and the window's own reset.
+    std::optional<Instant> plannedResetAt{};
     Thresholds thresholds{};
 };
 

@@ -71,7 +71,7 @@ inline constexpr Seconds kLocalActivitySpan{1200};
 struct LocalRateInput {
     const ActivitySummary& activity;  ///< Must outlive the call.
     Instant now;
-    Seconds recentSpan = kLocalActivitySpan;
+    Seconds recentSpan = kLocalActivitySpan;  ///< How far back the present reaches.
     std::optional<WindowEpoch> epoch{};
 };
 

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <exception>
 #include <filesystem>
 #include <map>
@@ -9,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "core/support/descriptor.hpp"
 #include "core/support/time.hpp"
 
 namespace vorn {
@@ -17,7 +19,7 @@ namespace vorn {
 class Cancellation {
 public:
     Cancellation();
-    ~Cancellation();
+    ~Cancellation() = default;
     Cancellation(const Cancellation&) = delete;
     Cancellation& operator=(const Cancellation&) = delete;
 
@@ -25,12 +27,12 @@ public:
     void cancel() noexcept;
     [[nodiscard]] bool isCancelled() const noexcept { return m_cancelled.load(); }
     /// Becomes readable on cancellation, for poll(); -1 when no descriptor could be had.
-    [[nodiscard]] int descriptor() const noexcept { return m_readEnd; }
+    [[nodiscard]] int descriptor() const noexcept { return m_readEnd.get(); }
 
 private:
     std::atomic<bool> m_cancelled{false};
-    int m_readEnd = -1;
-    int m_writeEnd = -1;
+    Descriptor m_readEnd;
+    Descriptor m_writeEnd;
 };
 
 /// Thrown out of `runProcess` after a cancellation, once the child is gone.
@@ -46,10 +48,10 @@ public:
 };
 
 struct ProcessRequest {
-    std::filesystem::path executable;
-    std::vector<std::string> arguments;              ///< Without the program's own name.
+    std::filesystem::path executable;    ///< A relative one starts from our own directory, not from the child's.
+    std::vector<std::string> arguments;  ///< Without the program's own name.
     std::map<std::string, std::string> environment;  ///< The child's whole environment.
-    std::filesystem::path workingDirectory;
+    std::filesystem::path workingDirectory;          ///< Empty for our own.
     Seconds timeout{30};
     std::size_t outputLimit = std::size_t{8} << 20U;  ///< Bytes kept of standard output; the rest is read and dropped.
     std::size_t errorLimit = std::size_t{64} << 10U;  ///< The same for standard error.
@@ -65,8 +67,10 @@ struct ProcessResult {
 
 /// Runs a child in a session of its own with the null device as standard input, drains both outputs while it runs, and
 /// returns when it has ended. After the time limit or a cancellation it is asked to terminate and killed 2 seconds
-/// later; whatever it started goes with it. No zombie, no descriptor, no process is left behind, and the child inherits
-/// no descriptor of ours. Throws LaunchError, Cancelled.
+/// later. What it started goes with it: its session, its descendants in others, and whoever holds its outputs open.
+/// (A daemon goes unnoticed when it left the session, closed the outputs and lost its parent before.) No zombie and no
+/// descriptor is left behind, and the child inherits no descriptor of ours. Any thread; touches no signal handler and
+/// no other child. Throws LaunchError, Cancelled.
 ProcessResult runProcess(const ProcessRequest& request, const Cancellation* cancellation = nullptr);
 
 }  // namespace vorn

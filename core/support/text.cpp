@@ -82,4 +82,11 @@ std::string asciiLower(std::string_view text) {
     return lower;
 }
 
+std::string asciiUpper(std::string_view text) {
+    std::string upper(text);
+    std::ranges::transform(upper, upper.begin(),
+                           [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
+    return upper;
+}
+
 }  // namespace vorn

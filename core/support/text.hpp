@@ -13,7 +13,8 @@ std::string repairUtf8(std::string_view bytes);
 /// At most the first `count` code points of valid UTF-8.
 std::string_view firstCodePoints(std::string_view text, std::size_t count);
 
-/// ASCII letters in lower case; everything else unchanged.
+/// ASCII letters in lower or upper case; everything else unchanged.
 std::string asciiLower(std::string_view text);
+std::string asciiUpper(std::string_view text);
 
 }  // namespace vorn

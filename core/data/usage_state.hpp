@@ -24,6 +24,8 @@ public:
 
     /// The user announced an early reset: the next large fall of these kinds is believed at once.
     void expectReset(std::span<const WindowKind> kinds);
+    /// Announced resets that have not been seen yet.
+    [[nodiscard]] const std::set<WindowKind>& expectingReset() const { return m_expectingReset; }
 
     /// Absent leaves the stored insights in place: output without a breakdown does not erase the last one.
     void setInsights(std::optional<UsageInsights> insights);

@@ -74,6 +74,10 @@ fs::path resetPlan() {
     return root() / "reset-plan.json";
 }
 
+fs::path probeRecord() {
+    return root() / "probe.json";
+}
+
 fs::path bridgeExecutable() {
     return root() / "bin/vorn-bridge";
 }

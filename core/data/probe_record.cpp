@@ -1,0 +1,103 @@
+#include "core/data/probe_record.hpp"
+
+#include <algorithm>
+
+#include "core/support/file.hpp"
+#include "core/support/json.hpp"
+
+namespace vorn {
+namespace {
+
+constexpr int kMostDoublings = 4;
+constexpr std::size_t kLargestFile = 1U << 16U;
+
+/// The elements of a list that may be missing.
+nlohmann::json arrayOf(const nlohmann::json& value, const char* key) {
+    const auto* list = findMember(value, key);
+    return list != nullptr && list->is_array() ? *list : nlohmann::json::array();
+}
+
+ProbeRecord decode(const nlohmann::json& value) {
+    ProbeRecord record;
+    if (const auto* at = findMember(value, "lastProbeAt")) {
+        record.lastProbeAt = decodeDate(*at, DateCoding::iso8601);
+    }
+    const auto failures = decodeInteger(requireMember(value, "consecutiveFailures"));
+    record.consecutiveFailures = static_cast<int>(std::clamp<std::int64_t>(failures, 0, 1000));
+    if (const auto* error = findMember(value, "lastError")) {
+        record.lastError = decodeText(*error);
+    }
+    for (const auto& reading : arrayOf(value, "readings")) {
+        record.readings.push_back(decodeUsageWindow(reading, DateCoding::secondsSince1970));
+    }
+    for (const auto& kind : arrayOf(value, "expectedResets")) {
+        record.expectedResets.insert(decodeWindowKind(kind));
+    }
+    return record;
+}
+
+nlohmann::json encode(const ProbeRecord& record) {
+    nlohmann::json value = {{"consecutiveFailures", record.consecutiveFailures}};
+    if (record.lastProbeAt) {
+        value["lastProbeAt"] = encodeDate(*record.lastProbeAt, DateCoding::iso8601);
+    }
+    if (!record.lastError.empty()) {
+        value["lastError"] = record.lastError;
+    }
+    for (const UsageWindow& reading : record.readings) {
+        value["readings"].push_back(encode(reading, DateCoding::secondsSince1970));
+    }
+    for (const WindowKind& kind : record.expectedResets) {
+        value["expectedResets"].push_back(encode(kind));
+    }
+    return value;
+}
+
+}  // namespace
+
+ProbeRecord ProbeRecord::afterSuccess(std::vector<UsageWindow> readings, std::set<WindowKind> expected, Instant now) {
+    return {.lastProbeAt = now, .readings = std::move(readings), .expectedResets = std::move(expected)};
+}
+
+ProbeRecord ProbeRecord::afterFailure(Instant now, std::string error) const {
+    ProbeRecord next = *this;
+    next.lastProbeAt = now;
+    ++next.consecutiveFailures;
+    next.lastError = std::move(error);
+    return next;
+}
+
+Seconds probeInterval(int consecutiveFailures, Seconds refresh) {
+    return refresh * (1 << std::clamp(consecutiveFailures, 0, kMostDoublings));
+}
+
+bool mayRetryProbe(const ProbeRecord& record, Seconds refresh, Instant now) {
+    if (!record.lastProbeAt || record.consecutiveFailures == 0 || now < *record.lastProbeAt) {
+        return true;
+    }
+    return now - *record.lastProbeAt >= probeInterval(record.consecutiveFailures, refresh);
+}
+
+ProbeRecord ProbeRecordStore::load() const {
+    const auto content = readFile(m_file, kLargestFile);
+    const auto document = content ? parseJson(*content) : std::nullopt;
+    if (!document) {
+        return {};
+    }
+    try {
+        return decode(*document);
+    } catch (const DecodingError&) {
+        return {};
+    }
+}
+
+void ProbeRecordStore::save(const ProbeRecord& record) const {
+    try {
+        createPrivateDirectories(m_file.parent_path());
+        replaceFile(m_file, dumpJson(encode(record), true) + "\n");
+    } catch (const std::filesystem::filesystem_error&) {
+        // Nothing depends on it.
+    }
+}
+
+}  // namespace vorn

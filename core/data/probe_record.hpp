@@ -1,0 +1,51 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "core/data/usage_window.hpp"
+
+namespace vorn {
+
+/// What is remembered of asking the client between runs and between programs, so that a status bar that refreshes every
+/// few seconds never hammers a client that fails.
+struct ProbeRecord {
+    std::optional<Instant> lastProbeAt;  ///< When the last probe finished, successfully or not.
+    int consecutiveFailures = 0;         ///< Since the last success; never negative.
+    std::string lastError;               ///< Its text for people; empty after a success.
+    /// The last answer as it was read, before any judgement: a large fall needs a second reading to be believed, and
+    /// the next program to ask must know of the first.
+    std::vector<UsageWindow> readings;
+    std::set<WindowKind> expectedResets;  ///< Announced by the user and not seen yet.
+
+    /// `expected`: what of the announced resets is still to come.
+    [[nodiscard]] static ProbeRecord afterSuccess(std::vector<UsageWindow> readings, std::set<WindowKind> expected,
+                                                  Instant now);
+    [[nodiscard]] ProbeRecord afterFailure(Instant now, std::string error) const;
+
+    bool operator==(const ProbeRecord&) const = default;
+};
+
+/// How long to wait after the last probe: `refresh` after a success, doubled by each failure up to 16 times.
+Seconds probeInterval(int consecutiveFailures, Seconds refresh);
+
+/// Whether a failed probe may be tried again at `now`; true as well after a success, or when the clock was set back to
+/// before the last probe.
+bool mayRetryProbe(const ProbeRecord& record, Seconds refresh, Instant now);
+
+/// The record as a small JSON file. A missing or malformed file is an empty record; a failure to write is ignored,
+/// since all that is lost is some patience.
+class ProbeRecordStore {
+public:
+    explicit ProbeRecordStore(std::filesystem::path file) : m_file(std::move(file)) {}
+    [[nodiscard]] ProbeRecord load() const;
+    void save(const ProbeRecord& record) const;
+
+private:
+    std::filesystem::path m_file;
+};
+
+}  // namespace vorn

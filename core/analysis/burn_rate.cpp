@@ -43,12 +43,11 @@ struct RateRules {
 RateRules rateRules(const WindowKind& kind, const Thresholds& thresholds) {
     if (kind.isSession()) {
         return {.usesLocalActivity = true,
-                .lookBack = 45min,
+                .lookBack = recentLookBack(kind),
                 .minimumSpan = thresholds.minimumRecentSpan,
                 .minimumAge = 45min};
     }
-    // A day covers one sleep and one working day, so that neither passes for the pace of the week.
-    return {.usesLocalActivity = false, .lookBack = 24h, .minimumSpan = 6h, .minimumAge = 90720s};
+    return {.usesLocalActivity = false, .lookBack = recentLookBack(kind), .minimumSpan = 6h, .minimumAge = 90720s};
 }
 
 std::optional<double> recentRate(const UsageWindow& window, const BurnRateInput& input, const RateRules& rules,
@@ -81,6 +80,14 @@ void collapseTimes(std::vector<RatePoint>& points) {
 }
 
 }  // namespace
+
+Seconds recentLookBack(const WindowKind& kind) {
+    if (kind.isSession()) {
+        return 45min;
+    }
+    // A day covers one sleep and one working day, so that neither passes for the pace of the week.
+    return 24h;
+}
 
 BurnRate burnRate(const UsageWindow& window, const BurnRateInput& input) {
     const RateRules rules = rateRules(window.kind, input.thresholds);

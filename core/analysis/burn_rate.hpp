@@ -58,6 +58,9 @@ struct BurnRateInput {
 /// average since the window or its epoch began; the first that can be formed.
 BurnRate burnRate(const UsageWindow& window, const BurnRateInput& input);
 
+/// How far back the readings reach whose slope is a `recent` rate: 45 minutes for the session, a day for weeks.
+Seconds recentLookBack(const WindowKind& kind);
+
 /// The last early reset within the instance: a fall between consecutive readings by `UsageState::resetDrop` or more.
 std::optional<WindowEpoch> epoch(const MatchingSamples& history);
 

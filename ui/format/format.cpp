@@ -43,6 +43,11 @@ std::string whole(double value) {
     return number(std::round(value), 0);
 }
 
+/// "45 min", "24 h": where there is room to say the unit.
+std::string longDuration(Seconds time) {
+    return time < 1h ? whole(time / 1min) + " min" : whole(time / 1h) + " h";
+}
+
 /// Nothing has been used of the window's instance and it has no end yet, or it begins only later.
 bool hasNotStarted(const UsageWindow& window, Instant now) {
     if (!window.resetsAt) {
@@ -192,6 +197,28 @@ std::string rate(double pointsPerHour) {
 std::string rate(double pointsPerHour, const WindowKind& kind) {
     constexpr double kHoursPerDay = 24;
     return kind.isSession() ? rate(pointsPerHour) : rateText(pointsPerHour * kHoursPerDay, "%/day");
+}
+
+std::string basis(RateBasis basis, const WindowKind& kind) {
+    switch (basis) {
+        case RateBasis::localActivity:
+            return "from local activity";
+        case RateBasis::recent:
+            return "last " + longDuration(VornEngine::recentLookBack(kind));
+        case RateBasis::windowAverage:
+            return "average";
+        case RateBasis::none:
+            break;
+    }
+    return "no rate yet";
+}
+
+std::string pace(double paceDelta) {
+    const std::string points = whole(std::abs(paceDelta));
+    if (points == "0" || points == kNoNumber) {
+        return "on even pace";
+    }
+    return points + (points == "1" ? " point " : " points ") + (paceDelta > 0 ? "ahead of" : "behind") + " even pace";
 }
 
 std::string clock(Instant instant, Instant now) {

@@ -22,6 +22,11 @@ std::string rate(double pointsPerHour);
 /// The same in the measure of the window: per hour for the session, per day for weeks ("11%/day").
 std::string rate(double pointsPerHour, const WindowKind& kind);
 
+/// What a burn rate was formed from: "from local activity", "last 45 min", "last 24 h", "average".
+std::string basis(RateBasis basis, const WindowKind& kind);
+/// How far from even use: "12 points ahead of even pace", "1 point behind even pace", "on even pace".
+std::string pace(double paceDelta);
+
 /// The time of day in the user's locale and time zone, with the weekday in front when it is not the day of `now`.
 std::string clock(Instant instant, Instant now);
 

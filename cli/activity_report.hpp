@@ -1,0 +1,45 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "cli/terminal.hpp"
+#include "core/sources/activity_summary.hpp"
+
+namespace vorn::cli {
+
+/// What was done on this machine in a span of time.
+struct ActivityReport {
+    /// The weight of one of the customary spans, for comparison.
+    struct Total {
+        const char* label;
+        Seconds span;
+        double weight;  ///< Cost-weighted tokens.
+    };
+
+    Instant now;
+    Seconds since{};             ///< The span looked at, ending at `now`.
+    std::filesystem::path root;  ///< Where the transcripts were looked for.
+    std::size_t events = 0;
+    TokenCounts tokens;
+    double weight = 0;
+    std::vector<Total> totals;  ///< Of the spans that lie within what was read.
+    Seconds bucket{};
+    std::vector<ActivitySummary::Bucket> timeline;
+    std::vector<ActivitySummary::Slice> projects;
+    std::vector<ActivitySummary::Slice> models;
+    std::optional<Instant> lastEventAt;
+};
+
+/// `activity` must reach back over `since` and over every span that `totals` is to hold.
+ActivityReport reportActivity(const ActivitySummary& activity, Instant now, Seconds since, std::filesystem::path root);
+
+std::string renderActivity(const ActivityReport& report, const Terminal& terminal);
+
+/// For programs; the keys are documented in docs/json.md and stay.
+nlohmann::json activityJson(const ActivityReport& report);
+
+}  // namespace vorn::cli

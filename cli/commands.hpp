@@ -1,0 +1,30 @@
+#pragma once
+
+#include "core/support/process.hpp"
+
+namespace CLI {
+class App;
+}
+
+/// The subcommands of vornctl. Each adds itself to the command line; when it is the one that was called, its exit
+/// status is left in `exitStatus`.
+namespace vorn::cli {
+
+/// Exit statuses, the same for every command.
+enum ExitStatus : int {
+    kDone = 0,
+    kFailed = 1,  ///< Nothing could be shown, or a change could not be made.
+    kWrongUsage = 2,
+    kInterrupted = 130,
+};
+
+struct CommandContext {
+    Cancellation& cancellation;  ///< Cancelled by an interrupt from the keyboard.
+    int exitStatus = kDone;
+};
+
+void addStatusCommand(CLI::App& app, CommandContext& context);
+void addActivityCommand(CLI::App& app, CommandContext& context);
+void addPlanCommand(CLI::App& app, CommandContext& context);
+
+}  // namespace vorn::cli

@@ -1,0 +1,140 @@
+#include "cli/live_readings.hpp"
+
+#include <algorithm>
+#include <utility>
+
+#include "core/data/history_store.hpp"
+#include "core/data/probe_record.hpp"
+#include "core/data/reset_plan_store.hpp"
+#include "core/data/usage_state.hpp"
+#include "core/data/vorn_paths.hpp"
+#include "core/sources/claude_locator.hpp"
+#include "core/sources/local_activity_scanner.hpp"
+#include "core/sources/probe_error.hpp"
+#include "core/sources/usage_command_probe.hpp"
+
+namespace vorn::cli {
+namespace {
+
+/// How often a client is asked that answers; failures are spaced from it.
+constexpr Seconds kRefresh{300};
+constexpr Seconds kProbeTimeout{30};
+
+/// One run: what is known so far and what it may still do.
+class LiveRun {
+public:
+    LiveRun(const LiveRequest& request, const Cancellation& cancellation)
+        : m_request(request), m_cancellation(cancellation), m_history(VornPaths::history()) {}
+
+    Readings read() {
+        m_state.merge(newestCurrent(m_history.all(), now()));
+        const std::vector expected(m_record.expectedResets.begin(), m_record.expectedResets.end());
+        m_state.expectReset(expected);
+        m_state.merge(m_record.readings);
+        if (mayProbe()) {
+            probe();
+        }
+        return collect();
+    }
+
+private:
+    [[nodiscard]] Instant now() const { return m_request.now.value_or(systemNow()); }
+    [[nodiscard]] bool mayWrite() const { return !m_request.now; }
+
+    bool mayProbe() {
+        if (m_request.probing != Probing::whenStale) {
+            return m_request.probing == Probing::always;
+        }
+        const auto newest = m_state.lastObservedAt();
+        // A reading from the future (the clock was set back) says nothing about now.
+        if (newest && *newest <= now() && now() - *newest <= m_request.staleAfter) {
+            return false;
+        }
+        if (mayRetryProbe(m_record, kRefresh, now())) {
+            return true;
+        }
+        m_failure =
+            ProbeFailure{.message = m_record.lastError,
+                         .retryAt = *m_record.lastProbeAt + probeInterval(m_record.consecutiveFailures, kRefresh)};
+        return false;
+    }
+
+    void probe() {
+        try {
+            auto result = ask();
+            take(result);
+            remember(ProbeRecord::afterSuccess(std::move(result.windows), m_state.expectingReset(), now()));
+        } catch (const ProbeError& error) {
+            m_failure = ProbeFailure{.message = error.what(), .advice = error.advice()};
+            remember(m_record.afterFailure(now(), error.what()));
+        }
+    }
+
+    [[nodiscard]] UsageCommandParser::Result ask() const {
+        const auto executable = ClaudeLocator::locate(m_request.claudePath);
+        if (!executable) {
+            throw ProbeError(ProbeError::Kind::claudeNotFound);
+        }
+        const UsageCommandProbe usage{.executable = *executable, .timeout = kProbeTimeout};
+        return usage.run([this] { return now(); }, &m_cancellation);
+    }
+
+    /// Records what the state then holds, not what came: a stale low reading is held there.
+    void take(const UsageCommandParser::Result& result) {
+        m_state.merge(result.windows);
+        m_state.setInsights(result.insights);
+        std::vector<UsageWindow> believed;
+        for (const UsageWindow& window : result.windows) {
+            believed.push_back(m_state.windows().at(window.kind));
+        }
+        if (mayWrite()) {
+            m_history.record(believed, now());
+        }
+    }
+
+    void remember(const ProbeRecord& record) const {
+        if (mayWrite()) {
+            m_records.save(record);
+        }
+    }
+
+    Readings collect() {
+        Readings readings{.windows = m_state.current(now()),
+                          .insights = m_state.insights(),
+                          .history = m_history.all(),
+                          .plan = ResetPlanStore(VornPaths::resetPlan()).load().pruned(now()),
+                          .failure = std::move(m_failure)};
+        if (m_request.wholeWeek) {
+            readings.activity = scan(WindowKind::week().length());
+        } else if (sessionRateNeedsActivity(readings.windows)) {
+            // Nothing older than a session can enter its rate, so nothing older is read.
+            readings.activity = scan(WindowKind::session().length());
+        }
+        return readings;
+    }
+
+    [[nodiscard]] ActivitySummary scan(Seconds lookback) const {
+        return ActivitySummary(LocalActivityScanner(LocalActivityScanner::defaultRoot(), lookback).scan(now()));
+    }
+
+    static bool sessionRateNeedsActivity(const std::vector<UsageWindow>& windows) {
+        return std::ranges::any_of(
+            windows, [](const UsageWindow& window) { return window.kind.isSession() && window.resetsAt.has_value(); });
+    }
+
+    const LiveRequest& m_request;
+    const Cancellation& m_cancellation;
+    HistoryStore m_history;
+    const ProbeRecordStore m_records{VornPaths::probeRecord()};
+    const ProbeRecord m_record = m_records.load();
+    UsageState m_state;
+    std::optional<ProbeFailure> m_failure;
+};
+
+}  // namespace
+
+Readings readLive(const LiveRequest& request, const Cancellation& cancellation) {
+    return LiveRun(request, cancellation).read();
+}
+
+}  // namespace vorn::cli

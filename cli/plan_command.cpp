@@ -1,0 +1,218 @@
+#include <algorithm>
+#include <functional>
+#include <iostream>
+#include <memory>
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include "cli/argument_checks.hpp"
+#include "cli/commands.hpp"
+#include "cli/terminal.hpp"
+#include "core/data/probe_record.hpp"
+#include "core/data/reset_plan_store.hpp"
+#include "core/data/usage_state.hpp"
+#include "core/data/vorn_paths.hpp"
+#include "core/sources/usage_command_parser.hpp"
+#include "core/support/json.hpp"
+#include "core/support/text.hpp"
+#include "core/support/unicode/display_width.hpp"
+#include "core/support/uuid.hpp"
+#include "ui/format/format.hpp"
+
+namespace vorn::cli {
+namespace {
+
+/// Longer than the application waits: a person at a terminal would rather wait than type again.
+constexpr std::chrono::milliseconds kPatience{2000};
+
+/// A change that cannot be made as asked; `what()` says why and what to do.
+class PlanError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+struct PlanArguments {
+    std::string when;
+    std::string scope = "all";
+    std::string note;
+    std::string which;
+    std::int64_t banked = 0;
+    bool json = false;
+    std::optional<Instant> now;
+
+    [[nodiscard]] Instant moment() const { return now.value_or(systemNow()); }
+};
+
+PlannedReset::Scope scopeOf(const std::string& name) {
+    const auto* found = std::ranges::find_if(PlannedReset::allScopes,
+                                             [&](PlannedReset::Scope scope) { return name == rawValue(scope); });
+    return found == PlannedReset::allScopes.end() ? PlannedReset::Scope::all : *found;
+}
+
+ResetPlan edit(Instant now, const std::function<void(ResetPlan&)>& change) {
+    return ResetPlanStore(VornPaths::resetPlan())
+        .edit(
+            [&](ResetPlan& plan) {
+                change(plan);
+                plan = plan.pruned(now);
+            },
+            kPatience);
+}
+
+void print(const ResetPlan& plan, Instant now) {
+    const Terminal terminal = describeTerminal(STDOUT_FILENO);
+    if (plan.planned.empty()) {
+        std::cout << "None. Add one when a reset is announced or you expect one, and Vorn will plan each limit it cuts "
+                     "short to finish by then.\n";
+    }
+    for (std::size_t i = 0; i < plan.planned.size(); ++i) {
+        const PlannedReset& reset = plan.planned[i];
+        std::cout << fmt::format("{:>3}  {}  {}  {}\n", i + 1, formatIso8601(reset.date),
+                                 fitted(label(reset.scope), 14), printable(reset.note));
+        if (reset.date <= now) {
+            std::cout << paint(terminal, Ink::faint, "     passed; it will be dropped a day after its date\n");
+        }
+    }
+    std::cout << fmt::format("{} banked\n", plan.banked);
+}
+
+void list(const PlanArguments& arguments) {
+    const Instant now = arguments.moment();
+    const ResetPlan plan = ResetPlanStore(VornPaths::resetPlan()).load().pruned(now);
+    if (arguments.json) {
+        std::cout << dumpJson(encode(plan, DateCoding::iso8601), true) << "\n";
+        return;
+    }
+    print(plan, now);
+}
+
+Instant momentIn(const std::string& text, Instant now) {
+    auto moment = parseIso8601(text, Fraction::optional);
+    if (!moment) {
+        moment = UsageCommandParser::parseResetTime(text, now);
+    }
+    if (!moment) {
+        throw PlanError("cannot read \"" + text + "\" as a time; write 2026-11-26T18:00:00Z, \"Nov 26, 6pm\" or 18:00");
+    }
+    if (*moment <= now) {
+        throw PlanError(formatIso8601(*moment) + " has passed; a planned reset lies in the future");
+    }
+    return *moment;
+}
+
+void add(const PlanArguments& arguments) {
+    const Instant now = arguments.moment();
+    const PlannedReset reset{.id = randomUuid(),
+                             .date = momentIn(arguments.when, now),
+                             .scope = scopeOf(arguments.scope),
+                             .note = arguments.note};
+    print(edit(now, [&](ResetPlan& plan) { plan.planned.push_back(reset); }), now);
+}
+
+/// The entry with that number in the list, or whose identifier begins so.
+std::vector<PlannedReset>::const_iterator find(const ResetPlan& plan, const std::string& which) {
+    const std::string wanted = asciiUpper(which);
+    for (auto entry = plan.planned.begin(); entry != plan.planned.end(); ++entry) {
+        const auto number = std::to_string(entry - plan.planned.begin() + 1);
+        if (which == number || (which.size() >= 8 && entry->id.starts_with(wanted))) {
+            return entry;
+        }
+    }
+    throw PlanError("there is no planned reset " + which + "; vornctl plan list shows the numbers");
+}
+
+void removeEntry(const PlanArguments& arguments) {
+    const Instant now = arguments.moment();
+    print(edit(now,
+               [&](ResetPlan& plan) {
+                   plan = plan.pruned(now);  // the numbers are those of the list
+                   plan.planned.erase(find(plan, arguments.which));
+               }),
+          now);
+}
+
+void bank(const PlanArguments& arguments) {
+    const Instant now = arguments.moment();
+    print(edit(now, [&](ResetPlan& plan) { plan.banked = arguments.banked; }), now);
+}
+
+/// The next large fall of the limits it covers is then taken at face value.
+void expectResets(PlannedReset::Scope scope) {
+    const ProbeRecordStore records(VornPaths::probeRecord());
+    ProbeRecord record = records.load();
+    std::set<WindowKind> kinds = {WindowKind::session(), WindowKind::week()};
+    for (const UsageWindow& reading : record.readings) {
+        kinds.insert(reading.kind);
+    }
+    for (const WindowKind& kind : kinds) {
+        if (PlannedReset{.scope = scope}.covers(kind)) {
+            record.expectedResets.insert(kind);
+        }
+    }
+    records.save(record);
+}
+
+void redeem(const PlanArguments& arguments) {
+    const Instant now = arguments.moment();
+    const ResetPlan plan =
+        edit(now, [](ResetPlan& edited) { edited.banked = std::max<std::int64_t>(0, edited.banked - 1); });
+    expectResets(scopeOf(arguments.scope));
+    std::cout << "After redeeming in Claude's Settings → Usage → Resets: Vorn takes the drop at face value instead of "
+                 "treating it as a stale reading.\n";
+    print(plan, now);
+}
+
+int guarded(const PlanArguments& arguments, void (*action)(const PlanArguments&)) {
+    try {
+        action(arguments);
+        return kDone;
+    } catch (const std::runtime_error& error) {
+        std::cerr << "vornctl: " << error.what() << "\n";
+        return kFailed;
+    }
+}
+
+CLI::App* addAction(CLI::App& plan, const char* name, const char* description,
+                    const std::shared_ptr<PlanArguments>& arguments, CommandContext& context,
+                    void (*action)(const PlanArguments&)) {
+    CLI::App* command = plan.add_subcommand(name, description);
+    command->callback([arguments, &context, action] { context.exitStatus = guarded(*arguments, action); });
+    return command;
+}
+
+}  // namespace
+
+void addPlanCommand(CLI::App& app, CommandContext& context) {
+    auto arguments = std::make_shared<PlanArguments>();
+    CLI::App* plan = app.add_subcommand("plan", "Resets that you expect ahead of schedule, or hold and can redeem");
+    plan->require_subcommand(1);
+    const auto scopes = CLI::IsMember({"all", "session", "week"}).description("");
+
+    auto* adding = addAction(*plan, "add", "Plan a reset", arguments, context, add);
+    adding->add_option("when", arguments->when, "2026-11-26T18:00:00Z, \"Nov 26, 6pm (Europe/Berlin)\", 18:00")
+        ->required();
+    adding->add_option("--scope", arguments->scope, "What it resets: all, session or week")
+        ->type_name("SCOPE")
+        ->check(scopes);
+    adding->add_option("--note", arguments->note, "A text of your own")->type_name("TEXT");
+
+    auto* removing = addAction(*plan, "remove", "Remove a planned reset", arguments, context, removeEntry);
+    removing->add_option("which", arguments->which, "Its number in the list, or its identifier")->required();
+
+    auto* listing = addAction(*plan, "list", "Show the plan", arguments, context, list);
+    listing->add_flag("--json", arguments->json, "Print the plan as JSON");
+    addNowOption(*listing, arguments->now);
+
+    auto* banking = addAction(*plan, "bank", "Note how many resets you hold", arguments, context, bank);
+    banking->add_option("count", arguments->banked, "Resets you've been given and can redeem later")
+        ->required()
+        ->check(CLI::Range(std::int64_t{0}, std::int64_t{1000000}).description(""));
+
+    auto* redeeming = addAction(*plan, "redeem", "Say that you redeem a banked reset now", arguments, context, redeem);
+    redeeming->add_option("--scope", arguments->scope, "What it resets: all, session or week")
+        ->type_name("SCOPE")
+        ->check(scopes);
+}
+
+}  // namespace vorn::cli

@@ -1,0 +1,138 @@
+#include "cli/terminal.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include "core/support/file.hpp"
+
+namespace vorn::cli {
+namespace {
+
+constexpr std::size_t kEighths = 8;
+/// A part of a cell, filled from its left edge, in eighths.
+constexpr std::array<const char*, kEighths> kPartialBlocks = {" ", "▏", "▎", "▍", "▌", "▋", "▊", "▉"};
+
+double clampShare(double share) {
+    return std::isfinite(share) ? std::clamp(share, 0.0, 1.0) : 0.0;
+}
+
+/// The cell a share points into.
+std::size_t cellAt(double share, std::size_t cells) {
+    return std::min(cells - 1, static_cast<std::size_t>(clampShare(share) * static_cast<double>(cells)));
+}
+
+const char* escapeFor(Ink ink) {
+    switch (ink) {
+        case Ink::strong:
+            return "\x1b[1m";
+        case Ink::faint:
+            return "\x1b[2m";
+        case Ink::accent:
+        case Ink::comfortable:
+            return "\x1b[34m";
+        case Ink::watch:
+            return "\x1b[33m";
+        case Ink::atRisk:
+            return "\x1b[1;33m";
+        case Ink::limited:
+            break;
+    }
+    return "\x1b[1;31m";
+}
+
+std::string drawPlain(const Bar& bar) {
+    const auto reach = [&](double share) {
+        return static_cast<std::size_t>(std::lround(clampShare(share) * static_cast<double>(bar.cells)));
+    };
+    std::string drawn(bar.cells, '.');
+    std::fill_n(drawn.begin(), reach(bar.projected.value_or(0)), '-');
+    std::fill_n(drawn.begin(), reach(bar.filled), '#');
+    if (bar.tick) {
+        drawn[cellAt(*bar.tick, bar.cells)] = '|';
+    }
+    return drawn;
+}
+
+}  // namespace
+
+Terminal describeTerminal(int descriptor) {
+    Terminal terminal;
+    terminal.interactive = ::isatty(descriptor) == 1;
+    terminal.colour =
+        terminal.interactive && !environmentValue("NO_COLOR") && environmentValue("TERM").value_or("dumb") != "dumb";
+    winsize size{};
+    if (::ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0) {
+        terminal.width = size.ws_col;
+    }
+    return terminal;
+}
+
+Ink inkFor(VornStatus status) {
+    switch (status) {
+        case VornStatus::comfortable:
+            return Ink::comfortable;
+        case VornStatus::watch:
+            return Ink::watch;
+        case VornStatus::atRisk:
+            return Ink::atRisk;
+        case VornStatus::limited:
+            break;
+    }
+    return Ink::limited;
+}
+
+std::string paint(const Terminal& terminal, Ink ink, std::string_view text) {
+    if (!terminal.colour || text.empty()) {
+        return std::string(text);
+    }
+    return escapeFor(ink) + std::string(text) + "\x1b[0m";
+}
+
+const char* shapeFor(VornStatus status) {
+    switch (status) {
+        case VornStatus::comfortable:
+            return "●";
+        case VornStatus::watch:
+            return "◆";
+        case VornStatus::atRisk:
+            return "▲";
+        case VornStatus::limited:
+            break;
+    }
+    return "■";
+}
+
+std::string drawBar(const Terminal& terminal, const Bar& bar) {
+    if (bar.cells == 0) {
+        return {};
+    }
+    if (!terminal.colour) {
+        return drawPlain(bar);
+    }
+    const auto eighths =
+        static_cast<std::size_t>(std::lround(clampShare(bar.filled) * static_cast<double>(bar.cells * kEighths)));
+    const std::size_t whole = eighths / kEighths;
+    const std::size_t tick = bar.tick ? cellAt(*bar.tick, bar.cells) : bar.cells;
+    const std::size_t projected = bar.projected ? cellAt(*bar.projected, bar.cells) + 1 : 0;
+    std::string drawn;
+    for (std::size_t cell = 0; cell < bar.cells; ++cell) {
+        if (cell == tick) {
+            drawn += paint(terminal, Ink::strong, "│");
+        } else if (cell < whole) {
+            drawn += paint(terminal, bar.ink, "█");
+        } else if (cell == whole && eighths % kEighths != 0) {
+            drawn += paint(terminal, bar.ink, kPartialBlocks.at(eighths % kEighths));
+        } else if (cell < projected) {
+            drawn += paint(terminal, bar.ink, "░");
+        } else {
+            drawn += paint(terminal, Ink::faint, "·");
+        }
+    }
+    return drawn;
+}
+
+}  // namespace vorn::cli

@@ -36,42 +36,43 @@ std::optional<ProbeError> errorOf(Call call) {
     return std::nullopt;
 }
 
+std::string repeated(int count, std::string_view piece) {
+    std::string text;
+    for (int i = 0; i < count; ++i) {
+        text += piece;
+    }
+    return text;
+}
+
 TEST(UsageCommandProbeInterpret, TellsWhyThereIsNoReading) {
-    const std::string umlauts = [] {
-        std::string text;
-        for (int i = 0; i < 300; ++i) {
-            text += "ü";
-        }
-        return text;
-    }();
-    const std::string windowLine = "Current session: 23% used";
+    constexpr Kind kUnread = Kind::unrecognizedOutput;
+    const std::string umlauts = repeated(300, "ü");
     const struct {
         const char* name;
         std::string output;
         Kind kind;
         std::string payload;
     } cases[] = {
-        {"nothing", "", Kind::unrecognizedOutput, ""},
-        {"no JSON", "Segmentation fault", Kind::unrecognizedOutput, "Segmentation fault"},
-        {"cut off", R"({"result": "Current ses)", Kind::unrecognizedOutput, R"({"result": "Current ses)"},
-        {"more than one", R"({"result": "Current session: 2% used"} {})", Kind::unrecognizedOutput,
-         R"({"result": "Current session: 2% used"} {})"},
-        {"not an object", R"(["result"])", Kind::unrecognizedOutput, R"(["result"])"},
-        {"a bare text", R"("result")", Kind::unrecognizedOutput, R"("result")"},
-        {"bytes", "\xff\xfe{", Kind::unrecognizedOutput, "\uFFFD\uFFFD{"},
-        {"300 bytes cut a character", "x" + umlauts, Kind::unrecognizedOutput, "x" + umlauts.substr(0, 298) + "\uFFFD"},
-        {"empty object", "{}", Kind::unrecognizedOutput, ""},
-        {"result is a number", R"({"result": 23})", Kind::unrecognizedOutput, ""},
-        {"result is elsewhere", R"({"usage": {"result": "Current session: 2% used"}})", Kind::unrecognizedOutput, ""},
-        {"result is replaced", R"({"result": "Current session: 2% used", "result": ["x"]})", Kind::unrecognizedOutput,
-         ""},
-        {"300 characters", R"({"result": ")" + umlauts + R"(ü"})", Kind::unrecognizedOutput, umlauts},
-        {"an error", R"({"is_error": true, "result": ")" + windowLine + R"("})", Kind::commandFailed, windowLine},
+        {"nothing", "", kUnread, ""},
+        {"no JSON", "Segmentation fault", kUnread, "Segmentation fault"},
+        {"cut off", R"({"result": "Current ses)", kUnread, R"({"result": "Current ses)"},
+        {"more than one", "{} {}", kUnread, "{} {}"},
+        {"not an object", R"(["result"])", kUnread, R"(["result"])"},
+        {"bytes", "\xff\xfe{", kUnread, "\uFFFD\uFFFD{"},
+        {"300 bytes cut a character", "x" + umlauts, kUnread, "x" + umlauts.substr(0, 298) + "\uFFFD"},
+        {"empty object", "{}", kUnread, ""},
+        {"result is a number", R"({"result": 23})", kUnread, ""},
+        {"result is elsewhere", R"({"usage": {"result": "Current session: 2% used"}})", kUnread, ""},
+        {"result is replaced", R"({"result": "Current session: 2% used", "result": []})", kUnread, ""},
+        {"300 characters", R"({"result": ")" + umlauts + R"(ü"})", kUnread, umlauts},
+        {"an error", R"({"is_error": true, "result": "Current session: 2% used"})", Kind::commandFailed,
+         "Current session: 2% used"},
         {"an error without a text", R"({"result": null, "is_error": true})", Kind::commandFailed, ""},
         {"no key", R"({"result": "Invalid API key, please log in"})", Kind::notSubscription, ""},
         {"no plan", R"({"result": "/usage is Only Available for SUBSCRIPTION plans."})", Kind::notSubscription, ""},
-        {"not signed in", R"({"is_error": false, "result": "Total cost: $0.00"})", Kind::unrecognizedOutput,
-         "Total cost: $0.00"},
+        {"not signed in", R"({"is_error": false, "result": "Total cost: 0"})", kUnread, "Total cost: 0"},
+        {"deep arrays", std::string(5000000, '['), kUnread, std::string(300, '[')},
+        {"deep objects", repeated(1000000, R"({"a":)"), kUnread, repeated(60, R"({"a":)")},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -95,17 +96,6 @@ TEST(UsageCommandProbeInterpret, ReadsTheResultAroundWhateverElseThereIs) {
         EXPECT_EQ(result.windows[0].usedPercent, 23);
         EXPECT_EQ(result.windows[0].observedAt, kNow);
     }
-}
-
-TEST(UsageCommandProbeInterpret, IsNotBroughtDownByDepth) {
-    const std::string arrays(5000000, '[');
-    std::string objects;
-    for (int i = 0; i < 1000000; ++i) {
-        objects += R"({"a":)";
-    }
-    EXPECT_EQ(errorOf([&] { UsageCommandProbe::interpret(arrays, kNow); }),
-              ProbeError(Kind::unrecognizedOutput, std::string(300, '[')));
-    EXPECT_EQ(errorOf([&] { UsageCommandProbe::interpret(objects, kNow); })->kind(), Kind::unrecognizedOutput);
 }
 
 /// A client made of a shell script, in a home of its own.
@@ -152,18 +142,13 @@ TEST_F(UsageCommandProbeTest, AsksInPrintModeInAnEmptyDirectory) {
     };
     EXPECT_EQ(environment("/c d"), "CLAUDE_CONFIG_DIR=/c d\nHOME=" + home + "\n" + rest);
     EXPECT_EQ(environment(""), "HOME=" + home + "\n" + rest);
+    const ScopedEnvironment noHome("HOME", nullptr);
+    EXPECT_THAT(environment(nullptr), testing::StartsWith("LANG="));
 
     const auto error = errorOfRun(probe(R"(printf '%s|' "$@"; pwd; ls -A)"));
     EXPECT_EQ(error, ProbeError(Kind::unrecognizedOutput,
                                 "-p|/usage|--safe-mode|--no-session-persistence|--output-format|json|" +
                                     (m_directory / "vorn/probe").string() + "\n"));
-}
-
-TEST_F(UsageCommandProbeTest, WorksWithoutHome) {
-    const ScopedEnvironment noHome("HOME", nullptr);
-    const std::string output = UsageCommandProbe::execute(m_directory.executable("claude", "env"), {}, 10s);
-    EXPECT_THAT(output, testing::HasSubstr("/.local/bin:"));
-    EXPECT_THAT(output, testing::Not(testing::HasSubstr("HOME=")));
 }
 
 TEST_F(UsageCommandProbeTest, TellsWhatWentWrong) {

@@ -254,7 +254,8 @@ private:
     void collectLater() const noexcept {
         try {
             std::thread([pid = m_pid] { ::waitpid(pid, nullptr, 0); }).detach();
-        } catch (const std::system_error&) {  // NOLINT(bugprone-empty-catch): then a zombie is what remains
+        } catch (const std::system_error&) {
+            // Then a zombie is what remains.
         }
     }
 

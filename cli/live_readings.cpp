@@ -19,12 +19,16 @@ namespace {
 /// How often a client is asked that answers; failures are spaced from it.
 constexpr Seconds kRefresh{300};
 constexpr Seconds kProbeTimeout{30};
+/// For another process that is writing the history: what is not written when this one ends is lost.
+constexpr std::chrono::milliseconds kPatience{2000};
 
 /// One run: what is known so far and what it may still do.
 class LiveRun {
 public:
     LiveRun(const LiveRequest& request, const Cancellation& cancellation)
-        : m_request(request), m_cancellation(cancellation), m_history(VornPaths::history()) {}
+        : m_request(request),
+          m_cancellation(cancellation),
+          m_history(VornPaths::history(), HistoryStore::defaultRetention, HistoryStore::defaultHeartbeat, kPatience) {}
 
     Readings read() {
         m_state.merge(newestCurrent(m_history.all(), now()));

@@ -13,7 +13,7 @@ struct AssessmentInput {
     const ActivitySummary* activity = nullptr;  ///< Null when local activity is switched off.
     Instant now;
     /// From the reset plan; counts only between now and the window's own reset.
-    std::optional<Instant> plannedResetAt{};
+    std::optional<Instant> plannedResetAt;
     Thresholds thresholds{};
 };
 

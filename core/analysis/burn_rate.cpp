@@ -71,12 +71,17 @@ std::optional<double> averageRate(const UsageWindow& window, const BurnRateInput
 
 /// In order of time; of points with one time only the last given is left.
 void collapseTimes(std::vector<RatePoint>& points) {
-    std::ranges::stable_sort(points, {}, &RatePoint::time);
-    // From the back, since unique keeps the first of equals.
-    std::ranges::reverse(points);
-    const auto doubles = std::ranges::unique(points, {}, &RatePoint::time);
-    points.erase(doubles.begin(), doubles.end());
-    std::ranges::reverse(points);
+    if (!std::ranges::is_sorted(points, {}, &RatePoint::time)) {
+        std::ranges::stable_sort(points, {}, &RatePoint::time);
+    }
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        const bool isOvertaken = i + 1 < points.size() && points[i + 1].time == points[i].time;
+        if (!isOvertaken) {
+            points[kept++] = points[i];
+        }
+    }
+    points.resize(kept);
 }
 
 }  // namespace

@@ -40,7 +40,7 @@ struct Thresholds {
 };
 
 struct BurnRate {
-    std::optional<double> perHour{};  ///< Percentage points per hour, never negative.
+    std::optional<double> perHour;  ///< Percentage points per hour, never negative.
     RateBasis basis = RateBasis::none;
     bool operator==(const BurnRate&) const = default;
 };
@@ -75,7 +75,7 @@ struct LocalRateInput {
     const ActivitySummary& activity;  ///< Must outlive the call.
     Instant now;
     Seconds recentSpan = kLocalActivitySpan;  ///< How far back the present reaches.
-    std::optional<WindowEpoch> epoch{};
+    std::optional<WindowEpoch> epoch;
 };
 
 /// The window's rise per unit of local token weight, applied to the weight of the recent span: points per hour, 0 when

@@ -16,7 +16,7 @@ struct RateReading {
                                             Horizon::window};
 
     Horizon horizon = Horizon::now;
-    std::optional<double> ratePerHour{};  ///< Percentage points per hour; absent when the horizon has too little data.
+    std::optional<double> ratePerHour;  ///< Percentage points per hour; absent when the horizon has too little data.
     bool operator==(const RateReading&) const = default;
 };
 

@@ -25,6 +25,7 @@ using Course = std::vector<std::pair<Seconds, double>>;
 
 inline MatchingSamples history(const Course& course) {
     std::vector<VornEngine::RatePoint> points;
+    points.reserve(course.size());
     for (const auto& [time, value] : course) {
         points.push_back({kNow + time, value});
     }
@@ -34,6 +35,7 @@ inline MatchingSamples history(const Course& course) {
 /// Replies of the given weights at times relative to `kNow`.
 inline ActivitySummary activity(const std::vector<std::pair<Seconds, int>>& weights) {
     std::vector<ActivityEvent> events;
+    events.reserve(weights.size());
     for (const auto& [time, weight] : weights) {
         events.push_back({.timestamp = kNow + time, .model = "sonnet", .cwd = "/p", .tokens = {.input = weight}});
     }

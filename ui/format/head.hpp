@@ -10,8 +10,8 @@ namespace vorn::Format {
 /// What stands over everything when one sentence has to speak for all windows.
 struct Head {
     std::string headline;
-    std::string reason;                ///< Which window it is about; empty when `headline` is a verdict.
-    std::optional<VornSteer> steer{};  ///< What `headline` says, for an arrow beside it; absent for a verdict.
+    std::string reason;              ///< Which window it is about; empty when `headline` is a verdict.
+    std::optional<VornSteer> steer;  ///< What `headline` says, for an arrow beside it; absent for a verdict.
     bool operator==(const Head&) const = default;
 };
 

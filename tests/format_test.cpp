@@ -21,83 +21,35 @@ VornSteer steerBy(double factor, const WindowKind& kind = WindowKind::session())
     return {.kind = kind, .factor = factor};
 }
 
-TEST(Format, writesNumbers) {
-    const auto session = [](double value) {
-        return Format::rate(value, WindowKind::session());
-    };
-    const auto week = [](double value) {
-        return Format::rate(value, WindowKind::week());
-    };
-    const auto perHour = [](double value) {
-        return Format::rate(value);
-    };
-    const auto duration = [](double value) {
-        return Format::duration(Seconds{value});
-    };
-    const auto factor = [](double value) {
-        return Format::factor(steerBy(value));
-    };
-    const struct {
-        std::string (*format)(double);
-        std::vector<std::pair<double, const char*>> texts;
-    } cases[] = {
-        {Format::percent,
-         {{42.5, "43%"}, {42.4, "42%"}, {-0.4, "0%"}, {-0.0, "0%"}, {-2.5, "-3%"}, {130, "130%"}, {kNan, "—%"}}},
-        {duration,
-         {{29, "<1m"},
-          {30, "1m"},
-          {3569, "59m"},
-          {3570, "1h"},
-          {3600, "1h"},
-          {5400, "1h 30m"},
-          {7200, "2h"},
-          {86369, "23h 59m"},
-          {86370, "1d"},
-          {88200, "1d"},
-          {89999, "1d 1h"},
-          {107940, "1d 5h"},
-          {604800, "7d"},
-          {-500, "<1m"},
-          {kNan, "—"},
-          {-kInfinity, "<1m"},
-          {1e12, "11574074d 1h"}}},
-        {Format::multiplier,
-         {{2.35, "2.4×"}, {0.64, "0.6×"}, {0.25, "0.2×"}, {9.96, "10.0×"}, {12.5, "13×"}, {-0.01, "0.0×"}}},
-        {factor,
-         {{0, "■"},
-          {-1, "■"},
-          {0.64, "↓0.6×"},
-          {0.999, "↓1.0×"},
-          {1, "→"},
-          {1.249, "→"},
-          {1.25, "↑1.2×"},
-          {1.84, "↑1.8×"},
-          {3.999, "↑4.0×"},
-          {4, "↑"},
-          {kInfinity, "↑"}}},
-        {Format::sessionsLeft,
-         {{6.54, "6.5×5h"}, {0, "0.0×5h"}, {10, "10×5h"}, {12.5, "12×5h"}, {kInfinity, "∞×5h"}, {kNan, "∞×5h"}}},
-        {Format::times, {{0.5, "×0.50"}, {1, "×1.0"}, {1.84, "×1.8"}, {4, "×4+"}, {kInfinity, "idle"}, {kNan, "idle"}}},
-        {perHour,
-         {{35, "35%/h"},
-          {34.5, "35%/h"},
-          {9.96, "10%/h"},
-          {9.94, "9.9%/h"},
-          {4.04, "4%/h"},
-          {0.4, "0.4%/h"},
-          {0.05, "0.1%/h"},
-          {0.04, "<0.1%/h"},
-          {0, "0%/h"},
-          {-5, "0%/h"},
-          {kInfinity, "—"}}},
-        {session, {{35, "35%/h"}}},
-        {week, {{0.46, "11%/day"}, {0.05, "1.2%/day"}, {0, "0%/day"}, {kNan, "—"}}},
-    };
-    for (const auto& c : cases) {
-        for (const auto& [value, text] : c.texts) {
-            EXPECT_EQ(c.format(value), text) << value;
-        }
+template <typename Formatter>
+std::string texts(Formatter formatter, const std::vector<double>& values) {
+    std::string all;
+    for (const double value : values) {
+        all += (all.empty() ? "" : " | ") + formatter(value);
     }
+    return all;
+}
+
+TEST(Format, writesNumbers) {
+    EXPECT_EQ(texts(Format::percent, {42.5, 42.4, -0.4, -0.0, -2.5, 130, kNan}),
+              "43% | 42% | 0% | 0% | -3% | 130% | —%");
+    EXPECT_EQ(
+        texts([](double s) { return Format::duration(Seconds{s}); },
+              {29, 30, 3569, 3570, 3600, 5400, 7200, 86369, 86370, 88200, 89999, 107940, 604800, -500, kNan, 1e12}),
+        "<1m | 1m | 59m | 1h | 1h | 1h 30m | 2h | 23h 59m | 1d | 1d | 1d 1h | 1d 5h | 7d | <1m | — | 11574074d 1h");
+    EXPECT_EQ(texts(Format::multiplier, {2.35, 0.64, 0.25, 9.96, 12.5, -0.01}),
+              "2.4× | 0.6× | 0.2× | 10.0× | 13× | 0.0×");
+    EXPECT_EQ(texts([](double factor) { return Format::factor(steerBy(factor)); },
+                    {0, -1, 0.64, 0.999, 1, 1.249, 1.25, 1.84, 3.999, 4, kInfinity}),
+              "■ | ■ | ↓0.6× | ↓1.0× | → | → | ↑1.2× | ↑1.8× | ↑4.0× | ↑ | ↑");
+    EXPECT_EQ(texts(Format::sessionsLeft, {6.54, 0, 10, 12.5, kInfinity, kNan}),
+              "6.5×5h | 0.0×5h | 10×5h | 12×5h | ∞×5h | ∞×5h");
+    EXPECT_EQ(texts(Format::times, {0.5, 1, 1.84, 4, kInfinity, kNan}), "×0.50 | ×1.0 | ×1.8 | ×4+ | idle | idle");
+    EXPECT_EQ(texts([](double rate) { return Format::rate(rate, WindowKind::session()); },
+                    {35, 34.5, 9.96, 9.94, 4.04, 0.4, 0.05, 0.04, 0, -5, kInfinity}),
+              "35%/h | 35%/h | 10%/h | 9.9%/h | 4%/h | 0.4%/h | 0.1%/h | <0.1%/h | 0%/h | 0%/h | —");
+    EXPECT_EQ(texts([](double rate) { return Format::rate(rate, WindowKind::week()); }, {0.46, 0.05, 0, kNan}),
+              "11%/day | 1.2%/day | 0%/day | —");
 }
 
 TEST(Format, writesSteering) {
@@ -121,29 +73,27 @@ TEST(Format, writesSteering) {
     EXPECT_EQ(Format::steerReason(steerBy(1, WindowKind::weekModel("Opus"))), "Week · Opus is the tight one");
 }
 
-struct VerdictCase {
-    const char* text;
+/// A session that is `used` and resets at the given time from now (never at 0), with what was made of it.
+struct Session {
     VornStatus status;
-    double used = 40;
-    std::optional<Seconds> resetsIn = 2h;
-    std::optional<double> rate{};
-    std::optional<double> projected{};
-    std::optional<Seconds> toLimit{};
-    std::optional<Seconds> planned{};
+    double used;
+    Seconds resetsIn;
+    std::optional<double> rate;
+    std::optional<double> projected;
+    std::optional<Seconds> toLimit;
+    std::optional<Seconds> planned;
 };
 
-WindowAssessment assessmentOf(const VerdictCase& c) {
-    WindowAssessment assessment{.window = reading(WindowKind::session(), c.used, c.resetsIn.value_or(0s))};
-    if (!c.resetsIn) {
+WindowAssessment assessmentOf(const Session& session) {
+    WindowAssessment assessment{.window = reading(WindowKind::session(), session.used, session.resetsIn)};
+    if (session.resetsIn == 0s) {
         assessment.window.resetsAt.reset();
     }
-    assessment.status = c.status;
-    assessment.ratePerHour = c.rate;
-    assessment.projectedAtReset = c.projected;
-    assessment.timeToLimit = c.toLimit;
-    if (c.planned) {
-        assessment.plannedResetAt = kNow + *c.planned;
-    }
+    assessment.status = session.status;
+    assessment.ratePerHour = session.rate;
+    assessment.projectedAtReset = session.projected;
+    assessment.timeToLimit = session.toLimit;
+    assessment.plannedResetAt = session.planned ? std::optional<Instant>(kNow + *session.planned) : std::nullopt;
     return assessment;
 }
 
@@ -151,41 +101,32 @@ TEST(Format, writesVerdictsInTheUsersTime) {
     const ScopedEnvironment zone("TZ", "Europe/Berlin");
     const ScopedEnvironment locale("LC_ALL", "C");
     using enum VornStatus;
-    const VerdictCase cases[] = {
-        {.text = "Lands around 60% at reset", .status = comfortable, .rate = 10, .projected = 60},
-        {.text = "Plenty of room", .status = comfortable},
-        {.text = "Idle · nothing burning", .status = comfortable, .rate = 0, .projected = 40},
-        {.text = "Not started", .status = comfortable, .used = 0, .resetsIn = {}},
-        {.text = "Plenty of room", .status = comfortable, .used = 0.1, .resetsIn = {}},
-        {.text = "Not started", .status = comfortable, .used = 0, .resetsIn = 5h + 1s, .rate = 0, .projected = 0},
-        {.text = "Idle · nothing burning", .status = comfortable, .used = 0, .resetsIn = 5h, .rate = 0, .projected = 0},
-        {.text = "Lands near 99% at reset", .status = watch, .rate = 10, .projected = 130},
-        {.text = "Lands near 86% at reset", .status = watch, .rate = 10, .projected = 85.5},
-        {.text = "Running warm", .status = watch},
-        {.text = "Limit in ~1h 5m at this pace", .status = atRisk, .rate = 10, .projected = 130, .toLimit = 65min},
-        {.text = "On track to hit the limit", .status = atRisk},
-        {.text = "Limit reached · back at 15:00", .status = limited, .used = 100},
-        {.text = "Limit reached · back at Mon 13:00", .status = limited, .used = 100, .resetsIn = 24h},
-        {.text = "Limit reached · back at 14:00", .status = limited, .used = 100, .planned = 1h},
-        {.text = "Limit reached", .status = limited, .used = 100, .resetsIn = {}},
-        {.text = "Limit reached", .status = limited, .used = 100, .resetsIn = -1h},
-        {.text = "Idle · 60% unused at the planned reset 14:00",
-         .status = comfortable,
-         .rate = 0,
-         .projected = 40,
-         .planned = 1h},
-        {.text = "6% unused at the planned reset 14:00", .status = watch, .rate = 10, .projected = 94.4, .planned = 1h},
-        {.text = "Uses it up by the planned reset 14:00", .status = watch, .rate = 10, .projected = 95, .planned = 1h},
-        {.text = "Plenty of room", .status = comfortable, .rate = 10, .planned = 1h},
-        {.text = "Limit in ~5m at this pace",
-         .status = atRisk,
-         .rate = 10,
-         .projected = 130,
-         .toLimit = 5min,
-         .planned = 1h},
+    const std::pair<Session, const char*> cases[] = {
+        {{comfortable, 40, 2h, 10, 60}, "Lands around 60% at reset"},
+        {{comfortable, 40, 2h}, "Plenty of room"},
+        {{comfortable, 40, 2h, 0, 40}, "Idle · nothing burning"},
+        {{comfortable, 0, 0s}, "Not started"},
+        {{comfortable, 0.1, 0s}, "Plenty of room"},
+        {{comfortable, 0, 5h + 1s, 0, 0}, "Not started"},
+        {{comfortable, 0, 5h, 0, 0}, "Idle · nothing burning"},
+        {{watch, 40, 2h, 10, 130}, "Lands near 99% at reset"},
+        {{watch, 40, 2h, 10, 85.5}, "Lands near 86% at reset"},
+        {{watch, 40, 2h}, "Running warm"},
+        {{atRisk, 40, 2h, 10, 130, 65min}, "Limit in ~1h 5m at this pace"},
+        {{atRisk, 40, 2h}, "On track to hit the limit"},
+        {{limited, 100, 2h}, "Limit reached · back at 15:00"},
+        {{limited, 100, 24h}, "Limit reached · back at Mon 13:00"},
+        {{limited, 100, 2h, 10, 130, {}, 1h}, "Limit reached · back at 14:00"},
+        {{limited, 100, 0s}, "Limit reached"},
+        {{limited, 100, -1h}, "Limit reached"},
+        {{comfortable, 40, 2h, 0, 40, {}, 1h}, "Idle · 60% unused at the planned reset 14:00"},
+        {{watch, 40, 2h, 10, 94.4, {}, 1h}, "6% unused at the planned reset 14:00"},
+        {{watch, 40, 2h, 10, 95, {}, 1h}, "Uses it up by the planned reset 14:00"},
+        {{comfortable, 40, 2h, {}, {}, {}, 1h}, "Plenty of room"},
+        {{atRisk, 40, 2h, 10, 130, 5min, 1h}, "Limit in ~5m at this pace"},
     };
-    for (const VerdictCase& c : cases) {
-        EXPECT_EQ(Format::verdict(assessmentOf(c), kNow), c.text);
+    for (const auto& [session, text] : cases) {
+        EXPECT_EQ(Format::verdict(assessmentOf(session), kNow), text);
     }
     EXPECT_EQ(Format::clock(kNow + 11h - 1s, kNow), "23:59");
     EXPECT_EQ(Format::clock(kNow + 11h, kNow), "Mon 00:00");
@@ -195,8 +136,8 @@ TEST(Format, writesVerdictsInTheUsersTime) {
 }
 
 TEST(Format, theHeadNeverPromisesRoomAtALimit) {
-    const auto limited = assessmentOf({.text = "", .status = VornStatus::limited, .used = 100});
-    const auto calm = assessmentOf({.text = "", .status = VornStatus::comfortable, .rate = 10, .projected = 60});
+    const auto limited = assessmentOf({VornStatus::limited, 100, 2h});
+    const auto calm = assessmentOf({VornStatus::comfortable, 40, 2h, 10, 60});
     const VornSteer room = steerBy(1.84, WindowKind::week());
     EXPECT_EQ(Format::head(limited, room, kNow)->headline, "Limit reached — pause until it resets");
     EXPECT_EQ(Format::head(limited, room, kNow)->reason, "Session (5h) is the tight one");

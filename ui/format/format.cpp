@@ -136,7 +136,7 @@ std::string duration(Seconds time) {
     constexpr std::int64_t kDay = 24 * kHour;
     constexpr double kLongest = 1e15;  // keeps the whole number in range; about two billion years
 
-    if (std::isnan(time.count())) {
+    if (!std::isfinite(time.count())) {
         return std::string(kNoNumber);
     }
     const std::int64_t minutes = std::llround(std::clamp(time / 1min, 0.0, kLongest));

@@ -10,7 +10,7 @@
 namespace vorn::Format {
 
 std::string percent(double percent);         ///< "43%": whole, half away from zero.
-std::string duration(Seconds time);          ///< "<1m" (negative too), "45m", "1h 30m", "2h", "1d 5h", "3d".
+std::string duration(Seconds time);          ///< "<1m" (also when past), "45m", "1h 30m", "2h", "1d 5h", "3d".
 std::string multiplier(double factor);       ///< "2.4×", from 10 up "13×".
 std::string factor(const VornSteer& steer);  ///< "■", "↓0.6×", "→", "↑1.8×", "↑".
 std::string sessionsLeft(double sessions);   ///< "6.5×5h", from 10 up "12×5h"; "∞×5h" without bounds.

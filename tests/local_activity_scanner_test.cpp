@@ -66,7 +66,7 @@ class LocalActivityScannerTest : public testing::Test {
 protected:
     /// Writes a transcript that was modified at `modified`.
     fs::path write(std::string_view name, std::string_view content, Instant modified = kNow) {
-        const fs::path path = m_directory.write(name, content);
+        fs::path path = m_directory.write(name, content);
         touch(path, modified);
         return path;
     }
@@ -304,18 +304,18 @@ TEST_F(LocalActivityScannerTest, readsReplacedAndTruncatedFilesAgain) {
 TEST_F(LocalActivityScannerTest, readsLinesOfAnyLengthUpToALimit) {
     constexpr std::size_t kBuffer = TranscriptReader::kBufferSize;
     constexpr std::size_t kLimit = TranscriptReader::kLongestLine;
-    const std::string filler = R"({"type":"user","x":")";
     for (const std::size_t length : {kBuffer - 600, kBuffer, 2 * kBuffer + 1, kLimit, kLimit + 1}) {
         SCOPED_TRACE(length);
-        // The rest of the file has markers right before and behind, and lines longer than the limit without one.
         Reply reply{.id = "long", .output = 77};
         reply.padding.assign(length + 1 - reply.line().size(), 'p');
+        // The rest of the file has markers right before and behind, and once a line over the limit without one.
+        std::string content = Reply{.id = "before", .output = 1}.line();
+        content.append(kBuffer - 500, 'u').append("\n").append(reply.line());
+        content.append(Reply{.id = "behind", .output = 2}.line());
+        content.append(length == kLimit ? kLimit + 1 : 0, 'u').append("\n");
+        content.append(Reply{.id = "last", .output = 3}.line());
         const TemporaryDirectory directory;
-        const auto path = directory.write("a.jsonl", Reply{.id = "before", .output = 1}.line() + filler +
-                                                         std::string(kBuffer - 500, 'u') + "\"}\n" + reply.line() +
-                                                         Reply{.id = "behind", .output = 2}.line() + filler +
-                                                         std::string(length == kLimit ? kLimit : 0, 'u') + "\"}\n" +
-                                                         Reply{.id = "last", .output = 3}.line());
+        const auto path = directory.write("a.jsonl", content);
         touch(path, kNow);
         auto expected = std::vector<std::int64_t>{1, 77, 2, 3};
         if (length > kLimit) {
@@ -412,7 +412,7 @@ TEST(LocalActivityScanner, looksWhereClaudeCodeIsConfigured) {
         {nullptr, "/home/ana/.claude/projects"},
         {"", "/home/ana/.claude/projects"},
         {"/etc/claude", "/etc/claude/projects"},
-        {"~/work/claude", "/home/ana/work/claude/projects"},
+        {"~/code/claude", "/home/ana/code/claude/projects"},
         {"~", "/home/ana/projects"},
     };
     for (const auto& c : cases) {

@@ -20,8 +20,8 @@ public:
     /// Where a reply was read. Of equal copies the earlier origin stays.
     struct Origin {
         std::uint32_t file = 0;
-        std::uint32_t line = 0;  ///< Counts the replies of the file.
-        auto operator<=>(const Origin&) const = default;
+        std::uint32_t line = 0;                           ///< Counts the replies of the file.
+        auto operator<=>(const Origin&) const = default;  // NOLINT(modernize-use-nullptr): sees one in the default
     };
 
     void add(const TranscriptReply& reply, Origin origin);

@@ -77,17 +77,17 @@ public:
     void run(const Progress& progress) {
         const auto wanted = std::min<std::uint64_t>(
             {kMostThreads, std::max(1U, std::thread::hardware_concurrency()), 1 + m_bytesTotal / kBytesPerThread});
-        std::vector<std::thread> helpers;
+        std::vector<std::thread> others;
         for (std::uint64_t i = 1; i < wanted; ++i) {
             try {
-                helpers.emplace_back([this] { work({}); });
+                others.emplace_back([this] { work({}); });
             } catch (const std::system_error&) {
                 break;  // Too many threads already: the calling one does the work.
             }
         }
         work(progress);
-        for (std::thread& helper : helpers) {
-            helper.join();
+        for (std::thread& other : others) {
+            other.join();
         }
         if (m_failure) {
             std::rethrow_exception(m_failure);

@@ -23,7 +23,7 @@ struct ReadPosition {
 /// buffer, and a second one while a marked line does not fit the first. Not for two threads at once.
 class TranscriptReader {
 public:
-    static constexpr std::size_t kBufferSize = std::size_t{256} << 10U;  ///< Fits a core's cache; measured.
+    static constexpr std::size_t kBufferSize = std::size_t{1} << 20U;    ///< Fits a core's cache; measured.
     static constexpr std::size_t kLongestLine = std::size_t{16} << 20U;  ///< Longer ones are skipped.
 
     /// Gets a line without its line feed; `TranscriptLineParser::kPadding` bytes after it may be read.

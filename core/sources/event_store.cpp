@@ -108,7 +108,7 @@ void EventStore::sortTouched() {
     const auto middle = static_cast<std::ptrdiff_t>(m_sorted.size());
     m_sorted.insert(m_sorted.end(), m_touched.begin(), m_touched.end());
     std::inplace_merge(m_sorted.begin(), m_sorted.begin() + middle, m_sorted.end(), isBeforeThat);
-    m_touched = {};
+    std::vector<Index>().swap(m_touched);  // after a first scan it is large
 }
 
 void EventStore::dropBefore(Instant cutoff) {

@@ -44,7 +44,8 @@ public:
 
     void run(const Progress& progress) {
         const std::uint64_t size = m_file.status().size;
-        std::uint64_t next = m_position.searched;
+        // A reading that was broken off by an exception may have left the line ahead of the search.
+        std::uint64_t next = std::max(m_position.searched, m_position.lineStart);
         std::size_t kept = 0;
         if (!m_position.isMarkerSeen) {
             // Look again at what may be the beginning of a marker.

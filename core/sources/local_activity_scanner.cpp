@@ -92,6 +92,8 @@ public:
         if (m_failure) {
             std::rethrow_exception(m_failure);
         }
+        // The other threads may have left nothing to do, and so to tell, for the calling one.
+        report(0, progress);
     }
 
 private:
@@ -99,14 +101,11 @@ private:
         try {
             TranscriptReader reader;
             TranscriptLineParser parser;
-            const auto report = [&](std::size_t bytes) {
-                const std::uint64_t done = m_bytesDone += bytes;
-                if (progress) {
-                    progress(std::min(done, m_bytesTotal), m_bytesTotal);
-                }
+            const auto advance = [&](std::size_t bytes) {
+                report(bytes, progress);
             };
             for (std::size_t i = m_next++; i < m_jobs.size(); i = m_next++) {
-                readFile(m_jobs[i], reader, parser, report);
+                readFile(m_jobs[i], reader, parser, advance);
             }
         } catch (...) {
             const std::lock_guard lock(m_lock);
@@ -115,8 +114,15 @@ private:
         }
     }
 
+    void report(std::size_t bytes, const Progress& progress) {
+        const std::uint64_t done = m_bytesDone += bytes;
+        if (progress) {
+            progress(std::min(done, m_bytesTotal), m_bytesTotal);
+        }
+    }
+
     void readFile(const Job& job, TranscriptReader& reader, TranscriptLineParser& parser,
-                  const TranscriptReader::Progress& report) {
+                  const TranscriptReader::Progress& advance) {
         const TranscriptFile file(*job.path);
         if (!file.isOpen()) {
             return;
@@ -136,7 +142,7 @@ private:
             }
             ++origin.line;
         };
-        reader.read(file, job.cursor->position, handle, report);
+        reader.read(file, job.cursor->position, handle, advance);
     }
 
     void add(const std::optional<TranscriptReply>& reply, EventStore::Origin origin) {

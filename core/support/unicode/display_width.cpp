@@ -7,8 +7,12 @@
 namespace vorn {
 namespace {
 
-bool isControl(UChar32 c) {
-    return u_charType(c) == U_CONTROL_CHAR || c == 0x2028 || c == 0x2029;
+bool isBreak(UChar32 c) {
+    return c == '\t' || c == '\n' || c == 0x2028 || c == 0x2029;
+}
+
+bool steersTerminal(UChar32 c) {
+    return u_charType(c) == U_CONTROL_CHAR || u_hasBinaryProperty(c, UCHAR_BIDI_CONTROL) != 0;
 }
 
 std::size_t cellsOf(UChar32 c) {
@@ -67,12 +71,26 @@ std::string printable(std::string_view text) {
     const std::string repaired = repairUtf8(text);
     std::string kept;
     eachCharacter(repaired, [&](UChar32 c, std::string_view bytes) {
-        if (!isControl(c)) {
+        if (isBreak(c)) {
+            kept += ' ';
+        } else if (!steersTerminal(c)) {
             kept += bytes;
         }
         return true;
     });
     return kept;
+}
+
+/// The longest beginning of `text`, valid UTF-8, that takes at most `cells`.
+static std::string_view beginning(std::string_view text, std::size_t cells) {
+    std::size_t used = 0;
+    std::size_t length = 0;
+    eachCharacter(text, [&](UChar32 c, std::string_view bytes) {
+        used += cellsOf(c);
+        length += used <= cells ? bytes.size() : 0;
+        return used <= cells;
+    });
+    return text.substr(0, length);
 }
 
 std::string elide(std::string_view text, std::size_t cells) {
@@ -83,22 +101,87 @@ std::string elide(std::string_view text, std::size_t cells) {
     if (cells == 0) {
         return {};
     }
-    std::string kept;
-    std::size_t used = 0;
-    eachCharacter(whole, [&](UChar32 c, std::string_view bytes) {
-        if (used + cellsOf(c) > cells - 1) {
-            return false;
-        }
-        used += cellsOf(c);
-        kept += bytes;
-        return true;
-    });
-    return kept + "…";
+    return std::string(beginning(whole, cells - 1)) + "…";
 }
 
 std::string fitted(std::string_view text, std::size_t cells) {
     std::string shown = elide(text, cells);
     return shown + std::string(cells - displayWidth(shown), ' ');
+}
+
+namespace {
+
+/// Calls `visit` for each piece of `text` between separators.
+template <typename Visit>
+void eachPiece(std::string_view text, std::string_view separator, Visit visit) {
+    while (true) {
+        const std::size_t end = text.find(separator);
+        visit(text.substr(0, end));
+        if (end == std::string_view::npos) {
+            return;
+        }
+        text.remove_prefix(end + separator.size());
+    }
+}
+
+/// Fills lines one after the other.
+class LineFiller {
+public:
+    explicit LineFiller(std::size_t cells) : m_cells(cells) {}
+
+    /// Whether the text went onto the current line, the separator before it where something stands there.
+    bool fits(std::string_view separator, std::string_view text) {
+        const std::string longer =
+            m_line.empty() ? std::string(text) : m_line + std::string(separator) + std::string(text);
+        if (displayWidth(longer) > m_cells) {
+            return false;
+        }
+        m_line = longer;
+        return true;
+    }
+    void startLine() {
+        if (!m_line.empty()) {
+            m_lines.push_back(std::move(m_line));
+            m_line.clear();
+        }
+    }
+    void addWord(std::string_view word) {
+        if (fits(" ", word)) {
+            return;
+        }
+        startLine();
+        while (!fits("", word)) {
+            const std::string_view part = beginning(word, m_cells);
+            const std::size_t taken = part.empty() ? firstCodePoints(word, 1).size() : part.size();
+            m_lines.emplace_back(word.substr(0, taken));
+            word.remove_prefix(taken);
+        }
+    }
+    std::vector<std::string> take() {
+        if (!m_line.empty() || m_lines.empty()) {
+            m_lines.push_back(std::move(m_line));
+        }
+        return std::move(m_lines);
+    }
+
+private:
+    std::size_t m_cells;
+    std::vector<std::string> m_lines;
+    std::string m_line;
+};
+
+}  // namespace
+
+std::vector<std::string> wrapped(std::string_view text, std::size_t cells) {
+    constexpr std::string_view kSeparator = " · ";
+    LineFiller lines(cells);
+    eachPiece(printable(text), kSeparator, [&](std::string_view part) {
+        if (!lines.fits(kSeparator, part)) {
+            lines.startLine();
+            eachPiece(part, " ", [&](std::string_view word) { lines.addWord(word); });
+        }
+    });
+    return lines.take();
 }
 
 }  // namespace vorn

@@ -38,6 +38,20 @@ void ResetPlanStore::save(const ResetPlan& plan) const {
     replaceFile(m_file, text);
 }
 
+void ResetPlanStore::keepIfDamaged() const {
+    const auto text = readFile(m_file, kLargestFile);
+    if (!text || text->empty()) {
+        return;
+    }
+    try {
+        static_cast<void>(decode(*text));
+    } catch (const DecodingError&) {
+        fs::path copy = m_file;
+        copy += ".damaged";
+        replaceFile(copy, *text);
+    }
+}
+
 ResetPlan ResetPlanStore::edit(const std::function<void(ResetPlan&)>& change,
                                std::chrono::milliseconds patience) const {
     createPrivateDirectories(m_file.parent_path());
@@ -52,6 +66,7 @@ ResetPlan ResetPlanStore::edit(const std::function<void(ResetPlan&)>& change,
     ResetPlan after = before;
     change(after);
     if (after != before) {
+        keepIfDamaged();
         save(after);
     }
     return after;

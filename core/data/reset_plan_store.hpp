@@ -25,12 +25,15 @@ public:
 
     /// Applies a change to the plan as it stands in the file, with every other editor locked out, so that the
     /// application and the terminal do not undo each other's changes. Returns the plan as it is now; a change that
-    /// changes nothing writes nothing. Throws as `save` does, and std::filesystem::filesystem_error with
-    /// `device_or_resource_busy` when the lock cannot be had in time.
+    /// changes nothing writes nothing. A file that is no plan is first copied beside it, with ".damaged" appended: a
+    /// slip in editing it by hand must not cost what it held. Throws as `save` does, and
+    /// std::filesystem::filesystem_error with `device_or_resource_busy` when the lock cannot be had in time.
     ResetPlan edit(const std::function<void(ResetPlan&)>& change,
                    std::chrono::milliseconds patience = defaultPatience) const;
 
 private:
+    void keepIfDamaged() const;
+
     std::filesystem::path m_file;
 };
 

@@ -1,15 +1,14 @@
 #include "cli/live_readings.hpp"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "core/data/history_store.hpp"
-#include "core/data/probe_record.hpp"
 #include "core/data/reset_plan_store.hpp"
 #include "core/data/usage_state.hpp"
 #include "core/data/vorn_paths.hpp"
 #include "core/sources/claude_locator.hpp"
-#include "core/sources/local_activity_scanner.hpp"
 #include "core/sources/probe_error.hpp"
 #include "core/sources/usage_command_probe.hpp"
 
@@ -19,24 +18,31 @@ namespace {
 /// How often a client is asked that answers; failures are spaced from it.
 constexpr Seconds kRefresh{300};
 constexpr Seconds kProbeTimeout{30};
+constexpr Seconds kInsightsLifetime{86400};
 /// For another process that is writing the history: what is not written when this one ends is lost.
 constexpr std::chrono::milliseconds kPatience{2000};
 
 /// One run: what is known so far and what it may still do.
 class LiveRun {
 public:
-    LiveRun(const LiveRequest& request, const Cancellation& cancellation)
+    LiveRun(const LiveRequest& request, LiveMemory& memory, const Cancellation& cancellation)
         : m_request(request),
+          m_memory(memory),
           m_cancellation(cancellation),
           m_history(VornPaths::history(), HistoryStore::defaultRetention, HistoryStore::defaultHeartbeat, kPatience) {}
 
     Readings read() {
         m_state.merge(newestCurrent(m_history.all(), now()));
+        m_state.merge(lastAnswer());
+        // Announced after that answer was judged, so the next one is meant.
         const std::vector expected(m_record.expectedResets.begin(), m_record.expectedResets.end());
         m_state.expectReset(expected);
-        m_state.merge(m_record.readings);
+        m_state.setInsights(freshInsights());
         if (mayProbe()) {
             probe();
+        }
+        if (m_cancellation.isCancelled()) {
+            throw Cancelled();
         }
         return collect();
     }
@@ -44,6 +50,21 @@ public:
 private:
     [[nodiscard]] Instant now() const { return m_request.now.value_or(systemNow()); }
     [[nodiscard]] bool mayWrite() const { return !m_request.now; }
+
+    /// What of it can still be true: neither readings of windows that are over, nor those of a clock that was ahead.
+    [[nodiscard]] std::vector<UsageWindow> lastAnswer() const {
+        std::vector<HistorySample> samples;
+        std::ranges::transform(m_record.readings, std::back_inserter(samples), HistorySample::of);
+        return newestCurrent(samples, now());
+    }
+
+    /// A breakdown speaks of the hours before it was printed.
+    [[nodiscard]] std::optional<UsageInsights> freshInsights() const {
+        const auto& insights = m_record.insights;
+        const bool isFresh =
+            insights && insights->observedAt <= now() && now() - insights->observedAt <= kInsightsLifetime;
+        return isFresh ? insights : std::nullopt;
+    }
 
     bool mayProbe() {
         if (m_request.probing != Probing::whenStale) {
@@ -59,6 +80,7 @@ private:
         }
         m_failure =
             ProbeFailure{.message = m_record.lastError,
+                         .advice = ProbeError::adviceFor(m_record.lastError),
                          .retryAt = *m_record.lastProbeAt + probeInterval(m_record.consecutiveFailures, kRefresh)};
         return false;
     }
@@ -67,7 +89,10 @@ private:
         try {
             auto result = ask();
             take(result);
-            remember(ProbeRecord::afterSuccess(std::move(result.windows), m_state.expectingReset(), now()));
+            remember({.lastProbeAt = now(),
+                      .readings = std::move(result.windows),
+                      .expectedResets = m_state.expectingReset(),
+                      .insights = m_state.insights()});
         } catch (const ProbeError& error) {
             m_failure = ProbeFailure{.message = error.what(), .advice = error.advice()};
             remember(m_record.afterFailure(now(), error.what()));
@@ -96,9 +121,12 @@ private:
         }
     }
 
-    void remember(const ProbeRecord& record) const {
-        if (mayWrite()) {
-            m_records.save(record);
+    /// Where it cannot be written it still keeps this process from asking at every turn.
+    void remember(ProbeRecord record) {
+        if (mayWrite() && m_records.save(record)) {
+            m_memory.unsaved.reset();
+        } else {
+            m_memory.unsaved = std::move(record);
         }
     }
 
@@ -117,8 +145,11 @@ private:
         return readings;
     }
 
-    [[nodiscard]] ActivitySummary scan(Seconds lookback) const {
-        return ActivitySummary(LocalActivityScanner(LocalActivityScanner::defaultRoot(), lookback).scan(now()));
+    [[nodiscard]] ActivitySummary scan(Seconds lookback) {
+        if (!m_memory.scanner) {
+            m_memory.scanner = std::make_unique<LocalActivityScanner>(LocalActivityScanner::defaultRoot(), lookback);
+        }
+        return ActivitySummary(m_memory.scanner->scan(now()));
     }
 
     static bool sessionRateNeedsActivity(const std::vector<UsageWindow>& windows) {
@@ -127,18 +158,19 @@ private:
     }
 
     const LiveRequest& m_request;
+    LiveMemory& m_memory;
     const Cancellation& m_cancellation;
     HistoryStore m_history;
     const ProbeRecordStore m_records{VornPaths::probeRecord()};
-    const ProbeRecord m_record = m_records.load();
+    const ProbeRecord m_record = m_memory.unsaved ? *m_memory.unsaved : m_records.load();
     UsageState m_state;
     std::optional<ProbeFailure> m_failure;
 };
 
 }  // namespace
 
-Readings readLive(const LiveRequest& request, const Cancellation& cancellation) {
-    return LiveRun(request, cancellation).read();
+Readings readLive(const LiveRequest& request, LiveMemory& memory, const Cancellation& cancellation) {
+    return LiveRun(request, memory, cancellation).read();
 }
 
 }  // namespace vorn::cli

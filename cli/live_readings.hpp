@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 
 #include "cli/status_report.hpp"
+#include "core/data/probe_record.hpp"
+#include "core/sources/local_activity_scanner.hpp"
 #include "core/support/process.hpp"
 
 namespace vorn::cli {
@@ -25,8 +27,14 @@ struct LiveRequest {
     std::optional<Instant> now;  ///< Instead of the clock; nothing is then written.
 };
 
+/// What a process that reads again and again keeps in between.
+struct LiveMemory {
+    std::optional<ProbeRecord> unsaved;             ///< Of the last probe, where it was not written.
+    std::unique_ptr<LocalActivityScanner> scanner;  ///< Knows what it has read already.
+};
+
 /// Current readings from the history and, where asked for, from the client; what was read is recorded. Whatever fails
-/// is in the result. Throws Cancelled.
-Readings readLive(const LiveRequest& request, const Cancellation& cancellation);
+/// is in the result. The same requests go with the same memory. Throws Cancelled.
+Readings readLive(const LiveRequest& request, LiveMemory& memory, const Cancellation& cancellation);
 
 }  // namespace vorn::cli

@@ -9,7 +9,7 @@ namespace vorn {
 namespace {
 
 constexpr int kMostDoublings = 4;
-constexpr std::size_t kLargestFile = 1U << 16U;
+constexpr std::size_t kLargestFile = 4U << 20U;  // bytes; usually some hundreds
 
 /// The elements of a list that may be missing.
 nlohmann::json arrayOf(const nlohmann::json& value, const char* key) {
@@ -33,6 +33,9 @@ ProbeRecord decode(const nlohmann::json& value) {
     for (const auto& kind : arrayOf(value, "expectedResets")) {
         record.expectedResets.insert(decodeWindowKind(kind));
     }
+    if (const auto* insights = findMember(value, "insights")) {
+        record.insights = decodeUsageInsights(*insights, DateCoding::secondsSince1970);
+    }
     return record;
 }
 
@@ -50,14 +53,13 @@ nlohmann::json encode(const ProbeRecord& record) {
     for (const WindowKind& kind : record.expectedResets) {
         value["expectedResets"].push_back(encode(kind));
     }
+    if (record.insights) {
+        value["insights"] = encode(*record.insights, DateCoding::secondsSince1970);
+    }
     return value;
 }
 
 }  // namespace
-
-ProbeRecord ProbeRecord::afterSuccess(std::vector<UsageWindow> readings, std::set<WindowKind> expected, Instant now) {
-    return {.lastProbeAt = now, .readings = std::move(readings), .expectedResets = std::move(expected)};
-}
 
 ProbeRecord ProbeRecord::afterFailure(Instant now, std::string error) const {
     ProbeRecord next = *this;
@@ -91,13 +93,12 @@ ProbeRecord ProbeRecordStore::load() const {
     }
 }
 
-void ProbeRecordStore::save(const ProbeRecord& record) const {
-    try {
-        createPrivateDirectories(m_file.parent_path());
-        replaceFile(m_file, dumpJson(encode(record), true) + "\n");
-    } catch (const std::filesystem::filesystem_error&) {
-        // Nothing depends on it.
-    }
+bool ProbeRecordStore::save(const ProbeRecord& record) const try {
+    createPrivateDirectories(m_file.parent_path());
+    replaceFile(m_file, dumpJson(encode(record), true) + "\n");
+    return true;
+} catch (const std::filesystem::filesystem_error&) {
+    return false;
 }
 
 }  // namespace vorn

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "core/data/usage_insights.hpp"
 #include "core/data/usage_window.hpp"
 
 namespace vorn {
@@ -19,11 +20,9 @@ struct ProbeRecord {
     /// The last answer as it was read, before any judgement: a large fall needs a second reading to be believed, and
     /// the next program to ask must know of the first.
     std::vector<UsageWindow> readings;
-    std::set<WindowKind> expectedResets;  ///< Announced by the user and not seen yet.
+    std::set<WindowKind> expectedResets;    ///< Announced by the user and not seen after those readings.
+    std::optional<UsageInsights> insights;  ///< The last breakdown, of that answer or of an earlier one.
 
-    /// `expected`: what of the announced resets is still to come.
-    [[nodiscard]] static ProbeRecord afterSuccess(std::vector<UsageWindow> readings, std::set<WindowKind> expected,
-                                                  Instant now);
     [[nodiscard]] ProbeRecord afterFailure(Instant now, std::string error) const;
 
     bool operator==(const ProbeRecord&) const = default;
@@ -36,13 +35,13 @@ Seconds probeInterval(int consecutiveFailures, Seconds refresh);
 /// before the last probe.
 bool mayRetryProbe(const ProbeRecord& record, Seconds refresh, Instant now);
 
-/// The record as a small JSON file. A missing or malformed file is an empty record; a failure to write is ignored,
-/// since all that is lost is some patience.
+/// The record as a small JSON file. A missing or malformed file is an empty record.
 class ProbeRecordStore {
 public:
     explicit ProbeRecordStore(std::filesystem::path file) : m_file(std::move(file)) {}
     [[nodiscard]] ProbeRecord load() const;
-    void save(const ProbeRecord& record) const;
+    /// False when it could not be written.
+    [[nodiscard]] bool save(const ProbeRecord& record) const;
 
 private:
     std::filesystem::path m_file;

@@ -5,12 +5,14 @@
 namespace vorn {
 namespace {
 
+constexpr std::string_view kCommandFailed = "claude /usage failed: ";
+
 std::string describe(ProbeError::Kind kind, const std::string& payload) {
     switch (kind) {
         case ProbeError::Kind::launchFailed:
             return "Couldn't run claude: " + payload;
         case ProbeError::Kind::commandFailed:
-            return "claude /usage failed: " + payload;
+            return std::string(kCommandFailed) + payload;
         case ProbeError::Kind::unrecognizedOutput:
             return "Vorn couldn't read the /usage output. Claude Code may have changed its format.\n" + payload;
         case ProbeError::Kind::claudeNotFound:
@@ -28,10 +30,17 @@ std::string describe(ProbeError::Kind kind, const std::string& payload) {
 ProbeError::ProbeError(Kind kind, std::string payload)
     : std::runtime_error(describe(kind, payload)), m_kind(kind), m_payload(std::move(payload)) {}
 
-std::string ProbeError::advice() const {
+std::string ProbeError::adviceFor(std::string_view message) {
+    if (!message.starts_with(kCommandFailed)) {
+        return {};
+    }
+    message.remove_prefix(kCommandFailed.size());
     // 2.1.170 is the oldest client seen to know the option.
-    if (m_kind == Kind::commandFailed && m_payload.find("unknown option '--safe-mode'") != std::string::npos) {
+    if (message.find("unknown option '--safe-mode'") != std::string_view::npos) {
         return "This Claude Code is too old for Vorn; update it to 2.1.170 or newer with: claude update";
+    }
+    if (message.find_first_not_of(" \t\r\n") == std::string_view::npos) {
+        return "It ended without a word; claude -p /usage in a terminal may tell more.";
     }
     return {};
 }

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace vorn {
 
@@ -22,8 +23,10 @@ public:
 
     [[nodiscard]] Kind kind() const noexcept { return m_kind; }
     [[nodiscard]] const std::string& payload() const noexcept { return m_payload; }
-    /// One more line for a terminal where the cause is known and there is something to do; else empty.
-    [[nodiscard]] std::string advice() const;
+    /// One more line for a terminal where there is something to do; else empty. `message`: what `what()` gives, which
+    /// is all that is kept of an error between runs.
+    static std::string adviceFor(std::string_view message);
+    [[nodiscard]] std::string advice() const { return adviceFor(what()); }
 
     bool operator==(const ProbeError& other) const { return m_kind == other.m_kind && m_payload == other.m_payload; }
 

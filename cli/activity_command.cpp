@@ -12,11 +12,14 @@
 #include "core/sources/local_activity_scanner.hpp"
 #include "core/support/file.hpp"
 #include "core/support/json.hpp"
+#include "core/support/unicode/display_width.hpp"
 
 namespace vorn::cli {
 namespace {
 
 using namespace std::chrono_literals;
+
+constexpr std::size_t kMargin = 2;  // cells
 
 struct ActivityArguments {
     Seconds since = 24h;
@@ -69,14 +72,16 @@ int showActivity(const ActivityArguments& arguments) {
         activity = ActivitySummary(
             scanner.scan(now, [&](std::uint64_t done, std::uint64_t total) { progress.update(done, total); }));
     }
-    const ActivityReport report = reportActivity(activity, now, arguments.since, root);
-    if (arguments.json) {
-        std::cout << dumpJson(activityJson(report), true) << "\n";
-    } else {
-        std::cout << renderActivity(report, describeTerminal(STDOUT_FILENO));
+    const Terminal terminal = describeTerminal(STDOUT_FILENO);
+    ActivityRequest request{.now = now, .since = arguments.since, .root = root};
+    if (!arguments.json) {
+        request.columns = std::clamp<std::size_t>(terminal.width, 2 * kMargin + 1, request.columns) - 2 * kMargin;
     }
-    if (!std::filesystem::is_directory(root)) {
-        std::cerr << "vornctl: there are no transcripts in " << root.string()
+    const ActivityReport report = reportActivity(activity, std::move(request));
+    std::cout << (arguments.json ? dumpJson(activityJson(report), true) + "\n" : renderActivity(report, terminal));
+    std::error_code ignored;
+    if (!std::filesystem::is_directory(root, ignored)) {
+        std::cerr << "vornctl: there are no transcripts in " << printable(root.string())
                   << "; use --root for another configuration directory\n";
         return kFailed;
     }
@@ -92,7 +97,7 @@ void addActivityCommand(CLI::App& app, CommandContext& context) {
     command->add_option("--root", arguments->configDirectory, "Claude Code's configuration directory, if another")
         ->type_name("DIR");
     addNowOption(*command, arguments->now);
-    command->add_flag("--json", arguments->json, "Print one JSON object (see docs/json.md)");
+    command->add_flag("--json", arguments->json, "Print one JSON object");
     command->callback([arguments, &context] { context.exitStatus = showActivity(*arguments); });
 }
 

@@ -17,10 +17,13 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr std::size_t kSlices = 8;
+constexpr std::size_t kMargin = 2;  // cells
 constexpr std::size_t kTimelineRows = 4;
-constexpr std::size_t kMostColumns = 96;
 constexpr std::size_t kNameCells = 24;
 constexpr std::size_t kShareBarCells = 24;
+constexpr std::size_t kNarrowestShareBar = 4;
+/// Besides name and bar a row holds margins, the share and the weight.
+constexpr std::size_t kSliceOverhead = 17;
 
 struct NamedSpan {
     const char* label;
@@ -28,14 +31,14 @@ struct NamedSpan {
 };
 constexpr std::array<NamedSpan, 4> kSpans = {{{"1 h", 1h}, {"5 h", 5h}, {"24 h", 24h}, {"7 d", 168h}}};
 
-/// The width of a bucket that people count in, such that the span fits into the columns of a terminal.
-Seconds bucketFor(Seconds span) {
+/// The width of a bucket that people count in, such that the span fits into the columns.
+Seconds bucketFor(Seconds span, std::size_t columns) {
     constexpr std::array<Seconds, 11> kWidths = {30s, 1min, 2min, 5min, 10min, 15min, 30min, 1h, 2h, 6h, 24h};
     const auto fits = [&](Seconds width) {
-        return span / width <= static_cast<double>(kMostColumns);
+        return span / width <= static_cast<double>(columns);
     };
     const auto* found = std::ranges::find_if(kWidths, fits);
-    return found == kWidths.end() ? Seconds{span / static_cast<double>(kMostColumns)} : *found;
+    return found == kWidths.end() ? Seconds{span / static_cast<double>(columns)} : *found;
 }
 
 /// "1.2M", "34k", "560": cost-weighted tokens as people say them.
@@ -96,10 +99,13 @@ std::string timelineLabels(const ActivityReport& report) {
 }
 
 std::string drawSlices(const char* title, const std::vector<ActivitySummary::Slice>& slices, const Terminal& terminal) {
+    const std::size_t room = std::max(terminal.width, kSliceOverhead + 2 * kNarrowestShareBar) - kSliceOverhead;
+    const std::size_t nameCells = std::min(kNameCells, room - kNarrowestShareBar);
+    const std::size_t barCells = std::min(kShareBarCells, room - nameCells);
     std::string drawn = "\n  " + paint(terminal, Ink::strong, title) + "\n";
     for (const auto& slice : slices) {
-        drawn += fmt::format("  {}  {}  {:>4}  {}\n", fitted(slice.name, kNameCells),
-                             drawBar(terminal, {.filled = slice.share, .cells = kShareBarCells}),
+        drawn += fmt::format("  {}  {}  {:>4}  {}\n", fitted(slice.name, nameCells),
+                             drawBar(terminal, {.filled = slice.share, .cells = barCells}),
                              Format::percent(slice.share * 100), paint(terminal, Ink::faint, weightText(slice.weight)));
     }
     return drawn;
@@ -115,11 +121,13 @@ nlohmann::json slicesJson(const std::vector<ActivitySummary::Slice>& slices) {
 
 }  // namespace
 
-ActivityReport reportActivity(const ActivitySummary& activity, Instant now, Seconds since, std::filesystem::path root) {
+ActivityReport reportActivity(const ActivitySummary& activity, ActivityRequest request) {
+    const auto [now, since] = std::pair(request.now, request.since);
     const Instant start = now - since;
     // A reply written this very moment is part of the report.
     const Instant end = now + Seconds{1};
-    ActivityReport report{.now = now, .since = since, .root = std::move(root), .bucket = bucketFor(since)};
+    ActivityReport report{
+        .now = now, .since = since, .root = std::move(request.root), .bucket = bucketFor(since, request.columns)};
     for (const ActivityEvent& event : activity.events(start, end)) {
         ++report.events;
         report.tokens.input += event.tokens.input;
@@ -140,16 +148,16 @@ ActivityReport reportActivity(const ActivitySummary& activity, Instant now, Seco
 }
 
 std::string renderActivity(const ActivityReport& report, const Terminal& terminal) {
-    std::string text = fmt::format("Local activity of the last {} · {} replies, weight {}\n\n",
-                                   Format::duration(report.since), report.events, weightText(report.weight));
-    std::string totals = " ";
+    std::string text =
+        fmt::format("Local activity of the last {} · {} {}, weight {}\n\n", Format::duration(report.since),
+                    report.events, report.events == 1 ? "reply" : "replies", weightText(report.weight));
+    std::string totals;
     for (const auto& total : report.totals) {
-        totals += fmt::format(" {} {}   ", paint(terminal, Ink::faint, total.label), weightText(total.weight));
+        totals += fmt::format("{}{} {}", totals.empty() ? "" : " · ", total.label, weightText(total.weight));
     }
-    while (totals.ends_with(' ')) {
-        totals.pop_back();
+    for (const std::string& line : wrapped(totals, std::max(terminal.width, kMargin + 1) - kMargin)) {
+        text += "  " + paint(terminal, Ink::faint, line) + "\n";
     }
-    text += totals + "\n";
     if (report.events == 0) {
         text += fmt::format("\n  Nothing found in {}\n", printable(report.root.string()));
         return text;

@@ -34,8 +34,14 @@ struct ActivityReport {
     std::optional<Instant> lastEventAt;
 };
 
+struct ActivityRequest {
+    Instant now;
+    Seconds since{};
+    std::filesystem::path root;
+    std::size_t columns = 96;  ///< The most buckets the timeline may have.
+};
 /// `activity` must reach back over `since` and over every span that `totals` is to hold.
-ActivityReport reportActivity(const ActivitySummary& activity, Instant now, Seconds since, std::filesystem::path root);
+ActivityReport reportActivity(const ActivitySummary& activity, ActivityRequest request);
 
 std::string renderActivity(const ActivityReport& report, const Terminal& terminal);
 

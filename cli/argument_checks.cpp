@@ -14,7 +14,7 @@ void addNowOption(CLI::App& command, std::optional<Instant>& now) {
                     throw CLI::ValidationError("--now", "expected a moment such as 2026-11-22T20:45:00Z, not " + text);
                 }
             },
-            "Take this moment as now, and write nothing (2026-11-22T20:45:00Z)")
+            "Take this moment as now and record nothing (2026-11-22T20:45:00Z)")
         ->type_name("INSTANT");
 }
 

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "core/support/process.hpp"
-
 namespace CLI {
 class App;
 }
@@ -19,7 +17,6 @@ enum ExitStatus : int {
 };
 
 struct CommandContext {
-    Cancellation& cancellation;  ///< Cancelled by an interrupt from the keyboard.
     int exitStatus = kDone;
 };
 

@@ -1,20 +1,16 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <iostream>
 #include <memory>
 #include <string>
 
 #include <CLI/CLI.hpp>
 
 #include "cli/commands.hpp"
+#include "core/support/process.hpp"
 
 namespace {
-
-vorn::Cancellation* interrupted = nullptr;
-
-extern "C" void onInterrupt(int) {
-    interrupted->cancel();
-}
 
 /// Names an option and the type of its value, and leaves limits and exclusions to the description: a help text is for
 /// reading.
@@ -25,30 +21,34 @@ public:
     }
 };
 
-/// A second interrupt ends the program the usual way, should the first one not be heard.
-void watchForInterrupts(vorn::Cancellation& cancellation) {
-    interrupted = &cancellation;
-    struct sigaction action {};
-    action.sa_handler = onInterrupt;
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
-    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
-        sigaction(number, &action, nullptr);
+std::string explainWrongUsage(const CLI::App* app, const CLI::Error& error) {
+    const CLI::App* command = app;
+    std::string name = app->get_name();
+    while (!command->get_subcommands().empty()) {
+        command = command->get_subcommands().front();
+        name += " " + command->get_name();
     }
+    std::string reason = error.what();
+    const bool hasCommands = !command->get_subcommands([](const CLI::App*) { return true; }).empty();
+    if (error.get_name() == "RequiredError" && hasCommands) {
+        const auto unknown = app->remaining(true);
+        reason = unknown.empty() ? "a command is required" : "there is no command " + unknown.front();
+    }
+    return name + ": " + reason + "\nRun " + name + " --help for more.\n";
 }
 
 int run(int argc, char** argv) {
     // Inherited as ignored it would take the exit status of every child away.
     std::signal(SIGCHLD, SIG_DFL);
     CLI::App app("How much of your Claude Code plan is used, and whether to speed up or ease off.", "vornctl");
-    app.set_version_flag("--version", std::string("vornctl ") + VORN_VERSION);
+    app.set_version_flag("--version", std::string("vornctl ") + VORN_VERSION, "Show the version");
     app.set_help_flag("-h,--help", "Show this help");
     app.require_subcommand(1);
+    app.failure_message(explainWrongUsage);
     app.formatter(std::make_shared<PlainFormatter>());
     app.get_formatter()->column_width(28);
 
-    vorn::Cancellation cancellation;
-    watchForInterrupts(cancellation);
-    vorn::cli::CommandContext context{.cancellation = cancellation};
+    vorn::cli::CommandContext context;
     vorn::cli::addStatusCommand(app, context);
     vorn::cli::addActivityCommand(app, context);
     vorn::cli::addPlanCommand(app, context);
@@ -60,6 +60,10 @@ int run(int argc, char** argv) {
         return isAnswer ? vorn::cli::kDone : vorn::cli::kWrongUsage;
     } catch (const vorn::Cancelled&) {
         return vorn::cli::kInterrupted;
+    }
+    if (!std::cout.flush()) {
+        std::cerr << "vornctl: the output could not be written\n";
+        return vorn::cli::kFailed;
     }
     return context.exitStatus;
 }

@@ -16,15 +16,17 @@
 #include "core/sources/usage_command_parser.hpp"
 #include "core/support/json.hpp"
 #include "core/support/text.hpp"
+#include "core/support/unicode/calendar.hpp"
 #include "core/support/unicode/display_width.hpp"
+#include "core/support/unicode/time_zone.hpp"
 #include "core/support/uuid.hpp"
-#include "ui/format/format.hpp"
 
 namespace vorn::cli {
 namespace {
 
 /// Longer than the application waits: a person at a terminal would rather wait than type again.
 constexpr std::chrono::milliseconds kPatience{2000};
+constexpr std::size_t kNarrowestNote = 8;  // cells
 
 /// A change that cannot be made as asked; `what()` says why and what to do.
 class PlanError : public std::runtime_error {
@@ -60,6 +62,14 @@ ResetPlan edit(Instant now, const std::function<void(ResetPlan&)>& change) {
             kPatience);
 }
 
+/// "2026-11-26 18:00" in the user's zone; in UTC beyond what a calendar knows.
+std::string localTime(Instant instant) {
+    const auto time = Calendar(currentTimeZone()).wallTime(instant);
+    return time ? fmt::format("{:04}-{:02}-{:02} {:02}:{:02}", time->year, time->month, time->day, time->hour,
+                              time->minute)
+                : formatIso8601(instant);
+}
+
 void print(const ResetPlan& plan, Instant now) {
     const Terminal terminal = describeTerminal(STDOUT_FILENO);
     if (plan.planned.empty()) {
@@ -68,13 +78,15 @@ void print(const ResetPlan& plan, Instant now) {
     }
     for (std::size_t i = 0; i < plan.planned.size(); ++i) {
         const PlannedReset& reset = plan.planned[i];
-        std::cout << fmt::format("{:>3}  {}  {}  {}\n", i + 1, formatIso8601(reset.date),
-                                 fitted(label(reset.scope), 14), printable(reset.note));
+        const std::string lead =
+            fmt::format("{:>3}  {}  {}  ", i + 1, localTime(reset.date), fitted(label(reset.scope), 13));
+        const std::size_t room = std::max(terminal.width, displayWidth(lead) + kNarrowestNote) - displayWidth(lead);
+        std::cout << lead << (terminal.interactive ? elide(reset.note, room) : printable(reset.note)) << "\n";
         if (reset.date <= now) {
-            std::cout << paint(terminal, Ink::faint, "     passed; it will be dropped a day after its date\n");
+            std::cout << paint(terminal, Ink::faint, "     has passed; dropped a day after its date") << "\n";
         }
     }
-    std::cout << fmt::format("{} banked\n", plan.banked);
+    std::cout << fmt::format("{} reset{} banked\n", plan.banked, plan.banked == 1 ? "" : "s");
 }
 
 void list(const PlanArguments& arguments) {
@@ -96,7 +108,7 @@ Instant momentIn(const std::string& text, Instant now) {
         throw PlanError("cannot read \"" + text + "\" as a time; write 2026-11-26T18:00:00Z, \"Nov 26, 6pm\" or 18:00");
     }
     if (*moment <= now) {
-        throw PlanError(formatIso8601(*moment) + " has passed; a planned reset lies in the future");
+        throw PlanError(localTime(*moment) + " has passed; a planned reset lies in the future");
     }
     return *moment;
 }
@@ -150,14 +162,16 @@ void expectResets(PlannedReset::Scope scope) {
             record.expectedResets.insert(kind);
         }
     }
-    records.save(record);
+    if (!records.save(record)) {
+        throw PlanError("cannot write " + VornPaths::probeRecord().string());
+    }
 }
 
 void redeem(const PlanArguments& arguments) {
     const Instant now = arguments.moment();
+    expectResets(scopeOf(arguments.scope));
     const ResetPlan plan =
         edit(now, [](ResetPlan& edited) { edited.banked = std::max<std::int64_t>(0, edited.banked - 1); });
-    expectResets(scopeOf(arguments.scope));
     std::cout << "After redeeming in Claude's Settings → Usage → Resets: Vorn takes the drop at face value instead of "
                  "treating it as a stale reading.\n";
     print(plan, now);
@@ -167,6 +181,10 @@ int guarded(const PlanArguments& arguments, void (*action)(const PlanArguments&)
     try {
         action(arguments);
         return kDone;
+    } catch (const std::filesystem::filesystem_error& error) {
+        std::cerr << "vornctl: cannot change the plan: " << error.path1().string() << ": " << error.code().message()
+                  << "\n";
+        return kFailed;
     } catch (const std::runtime_error& error) {
         std::cerr << "vornctl: " << error.what() << "\n";
         return kFailed;
@@ -189,8 +207,9 @@ void addPlanCommand(CLI::App& app, CommandContext& context) {
     plan->require_subcommand(1);
     const auto scopes = CLI::IsMember({"all", "session", "week"}).description("");
 
-    auto* adding = addAction(*plan, "add", "Plan a reset", arguments, context, add);
-    adding->add_option("when", arguments->when, "2026-11-26T18:00:00Z, \"Nov 26, 6pm (Europe/Berlin)\", 18:00")
+    auto* adding = addAction(*plan, "add", "Plan for a reset ahead of schedule", arguments, context, add);
+    adding->add_option("when", arguments->when, "2026-11-26T18:00:00Z, \"Nov 26, 6pm (Europe/Berlin)\" or 18:00")
+        ->type_name("")
         ->required();
     adding->add_option("--scope", arguments->scope, "What it resets: all, session or week")
         ->type_name("SCOPE")
@@ -198,7 +217,9 @@ void addPlanCommand(CLI::App& app, CommandContext& context) {
     adding->add_option("--note", arguments->note, "A text of your own")->type_name("TEXT");
 
     auto* removing = addAction(*plan, "remove", "Remove a planned reset", arguments, context, removeEntry);
-    removing->add_option("which", arguments->which, "Its number in the list, or its identifier")->required();
+    removing->add_option("which", arguments->which, "Its number in the list, or its identifier")
+        ->type_name("")
+        ->required();
 
     auto* listing = addAction(*plan, "list", "Show the plan", arguments, context, list);
     listing->add_flag("--json", arguments->json, "Print the plan as JSON");
@@ -206,10 +227,13 @@ void addPlanCommand(CLI::App& app, CommandContext& context) {
 
     auto* banking = addAction(*plan, "bank", "Note how many resets you hold", arguments, context, bank);
     banking->add_option("count", arguments->banked, "Resets you've been given and can redeem later")
+        ->type_name("")
         ->required()
         ->check(CLI::Range(std::int64_t{0}, std::int64_t{1000000}).description(""));
 
-    auto* redeeming = addAction(*plan, "redeem", "Say that you redeem a banked reset now", arguments, context, redeem);
+    auto* redeeming =
+        addAction(*plan, "redeem", "Tell Vorn that you redeem a banked reset now, so that it believes the drop",
+                  arguments, context, redeem);
     redeeming->add_option("--scope", arguments->scope, "What it resets: all, session or week")
         ->type_name("SCOPE")
         ->check(scopes);

@@ -2,6 +2,7 @@
 #include <iostream>
 #include <iterator>
 #include <memory>
+#include <sstream>
 #include <vector>
 
 #include <poll.h>
@@ -9,6 +10,7 @@
 
 #include "cli/argument_checks.hpp"
 #include "cli/commands.hpp"
+#include "cli/interrupts.hpp"
 #include "cli/live_readings.hpp"
 #include "cli/status_json.hpp"
 #include "cli/status_line.hpp"
@@ -63,19 +65,26 @@ Readings demoReadings(demo::Scenario scenario, Instant now) {
             .plan = std::move(demo.plan)};
 }
 
-StatusReport readReport(const StatusArguments& arguments, const LiveRequest& request,
-                        const Cancellation& cancellation) {
-    const auto now = [&] {
-        return request.now.value_or(systemNow());
-    };
-    if (const auto scenario = demo::scenarioNamed(arguments.demo)) {
-        return analyse(demoReadings(*scenario, now()), now());
-    }
-    Readings readings = readLive(request, cancellation);
-    return analyse(std::move(readings), now());
+StatusReport demoReport(demo::Scenario scenario, std::optional<Instant> moment) {
+    const Instant now = moment.value_or(systemNow());
+    return analyse(demoReadings(scenario, now), now);
 }
 
-std::string render(const StatusReport& report, const StatusArguments& arguments) {
+StatusReport readReport(const StatusArguments& arguments, const LiveRequest& request, LiveMemory& memory,
+                        const Cancellation& cancellation) {
+    if (const auto scenario = demo::scenarioNamed(arguments.demo)) {
+        return demoReport(*scenario, request.now);
+    }
+    Readings readings = readLive(request, memory, cancellation);
+    return analyse(std::move(readings), request.now.value_or(systemNow()));
+}
+
+bool isForPeople(const StatusArguments& arguments) {
+    return !arguments.json && arguments.format == "text";
+}
+
+/// What goes to standard output; empty when there is nothing to say to a person.
+std::string render(const StatusReport& report, const StatusArguments& arguments, const Terminal& terminal) {
     if (arguments.json || arguments.format == "json") {
         return dumpJson(statusJson(report, arguments.rates), true) + "\n";
     }
@@ -88,11 +97,21 @@ std::string render(const StatusReport& report, const StatusArguments& arguments)
     if (arguments.format == "waybar") {
         return waybarModule(report) + "\n";
     }
-    return renderStatus(report, describeTerminal(STDOUT_FILENO), {.rates = arguments.rates});
+    if (report.cards.empty()) {
+        return {};
+    }
+    return (arguments.demo.empty() ? "" : "Demonstration with invented figures\n\n") +
+           renderStatus(report, terminal, {.rates = arguments.rates});
 }
 
-/// The line breaks of an error's text are its own; everything else that could steer a terminal goes.
-std::string failureText(const StatusReport& report) {
+/// Why there is nothing, or nothing newer; empty when all is well. The line breaks of an error's text are its own;
+/// everything else that could steer a terminal goes.
+std::string complaint(const StatusReport& report) {
+    if (!report.failure) {
+        return report.cards.empty()
+                   ? "There is no current reading. Run vornctl status without --no-probe to ask Claude Code.\n"
+                   : "";
+    }
     std::string text;
     std::string_view rest = report.failure->message;
     while (!rest.empty()) {
@@ -110,55 +129,63 @@ std::string failureText(const StatusReport& report) {
     return text;
 }
 
-/// For a newcomer who has nothing to look at yet.
-void showDemonstration(const StatusArguments& arguments, Instant now) {
-    const StatusReport report = analyse(demoReadings(demo::Scenario::atRisk, now), now);
-    std::cout << "\nDemonstration with invented figures: this is what Vorn shows while a limit is at risk.\n\n"
-              << render(report, arguments) << std::flush;
-}
-
 int showOnce(const StatusArguments& arguments, const Cancellation& cancellation) {
-    const StatusReport report = readReport(arguments, liveRequest(arguments), cancellation);
-    const bool isText = !arguments.json && arguments.format == "text";
-    if (!arguments.demo.empty() && isText) {
-        std::cout << "Demonstration with invented figures\n\n";
+    const Terminal terminal = describeTerminal(STDOUT_FILENO);
+    LiveMemory memory;
+    const StatusReport report = readReport(arguments, liveRequest(arguments), memory, cancellation);
+    std::cout << render(report, arguments, terminal) << std::flush;
+    std::cerr << complaint(report);
+    if (!report.cards.empty()) {
+        return kDone;
     }
-    if (!isText || !report.cards.empty()) {
-        std::cout << render(report, arguments) << std::flush;
+    // For a newcomer who has nothing to look at yet.
+    if (arguments.demoIfEmpty && isForPeople(arguments)) {
+        std::cout << "\nDemonstration with invented figures: this is what Vorn shows while a limit is at risk.\n\n"
+                  << renderStatus(demoReport(demo::Scenario::atRisk, report.now), terminal, {.rates = arguments.rates});
     }
-    if (report.failure) {
-        std::cerr << failureText(report);
-    } else if (report.cards.empty()) {
-        std::cerr << "There is no current reading. Run vornctl status without --no-probe to ask Claude Code.\n";
-    }
-    if (report.cards.empty() && arguments.demoIfEmpty && isText) {
-        showDemonstration(arguments, report.now);
-    }
-    return report.cards.empty() ? kFailed : kDone;
+    return kFailed;
 }
 
 /// The terminal's other screen without a cursor, for as long as the object lives.
 class WatchScreen {
 public:
-    explicit WatchScreen(bool active) : m_active(active) { write("\x1b[?1049h\x1b[?25l"); }
+    explicit WatchScreen(bool active) : m_active(active) { write("\x1b[?1049h\x1b[?25l\x1b[HReading…"); }
     WatchScreen(const WatchScreen&) = delete;
     WatchScreen& operator=(const WatchScreen&) = delete;
     ~WatchScreen() { write("\x1b[?25h\x1b[?1049l"); }
 
-    /// Draws over what is there, so that nothing flickers.
-    void show(const std::string& text) const {
+    /// Draws over what is there, so that nothing flickers. What does not fit is left out at the end of `text`, never of
+    /// `foot`: a longer one would scroll the top away.
+    void show(const std::string& text, const std::string& foot, const Terminal& terminal) const {
         if (!m_active) {
             std::cout << text << std::flush;
+            std::cerr << foot;
             return;
         }
-        std::string drawn = "\x1b[H";
-        for (const char c : text) {
-            drawn += c == '\n' ? "\x1b[K\n" : std::string(1, c);
+        std::vector<std::string> footLines;
+        for (const std::string& line : linesOf(foot)) {
+            std::ranges::move(wrapped(line, terminal.width), std::back_inserter(footLines));
         }
-        std::cout << drawn << "\x1b[J" << std::flush;
+        std::vector<std::string> lines = linesOf(text);
+        lines.resize(std::min(lines.size(), terminal.height - std::min(footLines.size(), terminal.height)));
+        lines.insert(lines.end(), footLines.begin(), footLines.end());
+        lines.resize(std::min(lines.size(), terminal.height));
+        std::cout << "\x1b[H";
+        for (std::size_t i = 0; i < lines.size(); ++i) {
+            std::cout << (i == 0 ? "" : "\n") << lines[i] << "\x1b[K";
+        }
+        std::cout << "\x1b[J" << std::flush;
     }
 
 private:
+    static std::vector<std::string> linesOf(const std::string& text) {
+        std::vector<std::string> lines;
+        std::istringstream stream(text);
+        for (std::string line; std::getline(stream, line);) {
+            lines.push_back(line);
+        }
+        return lines;
+    }
     void write(const char* sequence) const {
         if (m_active) {
             std::cout << sequence << std::flush;
@@ -177,10 +204,12 @@ bool waitFor(Seconds time, const Cancellation& cancellation) {
 /// Until interrupted, which is how it is meant to end.
 int watch(const StatusArguments& arguments, const Cancellation& cancellation) try {
     LiveRequest request = liveRequest(arguments);
+    LiveMemory memory;
     const WatchScreen screen(describeTerminal(STDOUT_FILENO).interactive);
     do {
-        const StatusReport report = readReport(arguments, request, cancellation);
-        screen.show(render(report, arguments) + (report.failure ? failureText(report) : std::string()));
+        const StatusReport report = readReport(arguments, request, memory, cancellation);
+        const Terminal terminal = describeTerminal(STDOUT_FILENO);
+        screen.show(render(report, arguments, terminal), complaint(report), terminal);
         request.staleAfter = kWatchStaleAfter;
         if (request.probing == Probing::always) {
             request.probing = Probing::whenStale;
@@ -201,7 +230,7 @@ void addStatusCommand(CLI::App& app, CommandContext& context) {
     auto* probe = command->add_flag("--probe", arguments->probe, "Ask Claude Code now, however fresh the figures are");
     command->add_flag("--no-probe", arguments->noProbe, "Never ask Claude Code, show what is known")->excludes(probe);
     command->add_flag("--rates", arguments->rates, "Add the burn rate over five horizons");
-    auto* json = command->add_flag("--json", arguments->json, "Print one JSON object (see docs/json.md)");
+    auto* json = command->add_flag("--json", arguments->json, "Print one JSON object");
     command->add_option("--format", arguments->format, "text, plain (one line), tmux, waybar or json")
         ->type_name("FORMAT")
         ->check(CLI::IsMember({"text", "plain", "tmux", "waybar", "json"}).description(""))
@@ -219,8 +248,8 @@ void addStatusCommand(CLI::App& app, CommandContext& context) {
     addNowOption(*command, arguments->live.now);
     command->add_flag("--watch", arguments->watch, "Redraw every few seconds until interrupted");
     command->callback([arguments, &context] {
-        context.exitStatus =
-            arguments->watch ? watch(*arguments, context.cancellation) : showOnce(*arguments, context.cancellation);
+        const Cancellation& interrupted = catchInterrupts();
+        context.exitStatus = arguments->watch ? watch(*arguments, interrupted) : showOnce(*arguments, interrupted);
     });
 }
 

@@ -16,16 +16,14 @@ constexpr std::size_t kNarrowestTitle = 8;
 constexpr std::size_t kWidestTitle = 24;
 constexpr std::size_t kNarrowestBar = 10;
 constexpr std::size_t kWidestBar = 40;
-/// Besides title and bar a row holds margins, the percentage, and the longest word for a status.
+/// With less room than this beside titles and words, both give way.
+constexpr std::size_t kComfortableBar = 18;
+/// Besides title and bar a row holds margins, the percentage, the status's shape and its longest word.
 constexpr std::size_t kRowOverhead = 26;
+/// The same without that word.
+constexpr std::size_t kShortRowOverhead = 13;
 constexpr std::size_t kLabelCells = 10;
-
-std::string capitalised(std::string text) {
-    if (!text.empty() && text[0] >= 'a' && text[0] <= 'z') {
-        text[0] = static_cast<char>(text[0] - 'a' + 'A');
-    }
-    return text;
-}
+constexpr std::size_t kNarrowestText = 20;
 
 std::string rateText(const WindowAssessment& assessment) {
     if (!assessment.ratePerHour) {
@@ -38,7 +36,7 @@ std::string rateText(const WindowAssessment& assessment) {
 std::string resetText(const WindowAssessment& assessment, Instant now) {
     const auto& resetsAt = assessment.window.resetsAt;
     if (!resetsAt || !assessment.timeToReset) {
-        return "reset time not known";
+        return assessment.window.usedPercent > 0 ? "reset time not known" : "the next use starts it";
     }
     return fmt::format("resets in {} ({})", Format::duration(*assessment.timeToReset), Format::clock(*resetsAt, now));
 }
@@ -62,9 +60,12 @@ public:
             m_titleCells = std::max(m_titleCells, displayWidth(card.assessment.window.kind.title()));
         }
         m_titleCells = std::min(m_titleCells, kWidestTitle);
-        const std::size_t taken = m_titleCells + kRowOverhead;
-        m_barCells = terminal.width > taken ? terminal.width - taken : 0;
-        m_barCells = std::clamp(m_barCells, kNarrowestBar, kWidestBar);
+        m_isNarrow = m_titleCells + kComfortableBar + kRowOverhead > terminal.width;
+        const std::size_t overhead = m_isNarrow ? kShortRowOverhead : kRowOverhead;
+        if (m_isNarrow) {
+            m_titleCells = std::clamp(roomBeside(overhead + kNarrowestBar), kNarrowestTitle, m_titleCells);
+        }
+        m_barCells = std::clamp(roomBeside(overhead + m_titleCells), kNarrowestBar, kWidestBar);
     }
 
     std::string render() {
@@ -89,19 +90,34 @@ private:
             line();
         }
     }
-    [[nodiscard]] std::string faint(std::string_view text) const { return paint(m_terminal, Ink::faint, text); }
+    [[nodiscard]] std::size_t roomBeside(std::size_t taken) const {
+        return m_terminal.width > taken ? m_terminal.width - taken : 0;
+    }
+    /// Text as wide as the terminal, with something before its first line.
+    void paragraph(std::string_view lead, std::string_view text, Ink ink, Ink leadInk = Ink::plain) {
+        constexpr std::size_t kUnlimited = 100000;
+        const std::size_t indent = displayWidth(lead);
+        const std::size_t room = m_terminal.interactive ? std::max(roomBeside(indent), kNarrowestText) : kUnlimited;
+        std::string before = paint(m_terminal, leadInk, lead);
+        for (const std::string& part : wrapped(text, room)) {
+            line(before + paint(m_terminal, ink, part));
+            before.assign(indent, ' ');
+        }
+    }
+    [[nodiscard]] std::string detailIndent() const { return std::string(m_isNarrow ? 4 : m_titleCells + 4, ' '); }
     /// Text below a window's title.
-    void detail(std::string_view text) { line(std::string(m_titleCells + 4, ' ') + std::string(text)); }
+    void detail(std::string_view text, Ink ink = Ink::faint) { paragraph(detailIndent(), text, ink); }
+    /// A line of a table below a window's title, which is narrow enough by itself.
+    void row(std::string_view text) { line(detailIndent() + paint(m_terminal, Ink::faint, text)); }
 
     void head() {
         if (!m_report.head || !m_report.headline) {
             return;
         }
         const VornStatus status = m_report.headline->status;
-        line(paint(m_terminal, inkFor(status), shapeFor(status)) + " " +
-             paint(m_terminal, Ink::strong, m_report.head->headline));
+        paragraph(fmt::format("{} ", shapeFor(status)), m_report.head->headline, Ink::strong, inkFor(status));
         if (!m_report.head->reason.empty()) {
-            line("  " + printable(m_report.head->reason));
+            paragraph("  ", m_report.head->reason, Ink::plain);
         }
     }
 
@@ -116,17 +132,18 @@ private:
                                     .cells = m_barCells,
                                     .ink = ink});
         row += fmt::format("  {:>4}  ", Format::percent(assessment.window.usedPercent));
-        row += paint(m_terminal, ink, fmt::format("{} {}", shapeFor(assessment.status), label(assessment.status)));
+        row += paint(m_terminal, ink,
+                     m_isNarrow ? shapeFor(assessment.status)
+                                : fmt::format("{} {}", shapeFor(assessment.status), label(assessment.status)));
         line(row);
-        const std::string verdict = Format::verdict(assessment, m_report.now);
-        detail(assessment.status >= VornStatus::atRisk ? paint(m_terminal, ink, verdict) : verdict);
-        detail(faint(resetText(assessment, m_report.now)));
+        detail(Format::verdict(assessment, m_report.now), assessment.status >= VornStatus::atRisk ? ink : Ink::plain);
+        detail(resetText(assessment, m_report.now));
         if (assessment.timeToReset) {
-            detail(faint(joined(
-                {Format::pace(assessment.paceDelta().value_or(0)), rateText(assessment), landingText(assessment)})));
+            detail(joined(
+                {Format::pace(assessment.paceDelta().value_or(0)), rateText(assessment), landingText(assessment)}));
         }
         if (assessment.plannedResetAt) {
-            detail(faint("Vorn is planning this limit to a reset you added, ahead of the scheduled one."));
+            detail("Vorn is planning this limit to a reset you added, ahead of the scheduled one.");
         }
         if (m_options.rates) {
             rates(card);
@@ -157,11 +174,11 @@ private:
                     text += "  " + Format::times(*reading.ratePerHour / *sustainable);
                 }
             }
-            detail(faint(text));
+            row(text);
         }
         if (sustainable) {
-            detail(faint(fitted("Sustained", kLabelCells) +
-                         fmt::format("  {:>9}", Format::rate(*sustainable, card.assessment.window.kind))));
+            row(fitted("Sustained", kLabelCells) +
+                fmt::format("  {:>9}", Format::rate(*sustainable, card.assessment.window.kind)));
         }
     }
 
@@ -170,12 +187,12 @@ private:
             return;
         }
         blank();
-        std::string text = fmt::format("  A full 5-hour session ≈ {} of the week",
+        std::string text = fmt::format("A full 5-hour session ≈ {} of the week",
                                        Format::percent(m_report.ratio->weekPercentPerSession()));
         if (m_report.sessionsLeft) {
             text += fmt::format(" · {} left this week", Format::sessionsLeft(*m_report.sessionsLeft));
         }
-        line(text);
+        paragraph("  ", text, Ink::plain);
     }
 
     void plannedResets() {
@@ -186,8 +203,13 @@ private:
         blank();
         line("  Planned resets" + (plan.banked > 0 ? fmt::format(" ({} banked)", plan.banked) : std::string()));
         for (const PlannedReset& reset : plan.planned) {
-            line(fmt::format("    {}  {}{}", Format::clock(reset.date, m_report.now), label(reset.scope),
-                             reset.note.empty() ? std::string() : "  " + faint(printable(reset.note))));
+            // The weekday alone would not tell this week from next.
+            const std::string when = reset.date > m_report.now ? "in " + Format::duration(reset.date - m_report.now)
+                                                               : std::string("has passed");
+            paragraph(
+                "    ",
+                joined({Format::clock(reset.date, m_report.now) + " (" + when + ")", label(reset.scope), reset.note}),
+                Ink::plain);
         }
     }
 
@@ -199,21 +221,14 @@ private:
             blank();
             const std::string counts =
                 joined({countText(period.requests, "request"), countText(period.sessions, "session")});
-            line("  " + paint(m_terminal, Ink::strong, printable(period.label)) +
-                 faint(counts.empty() ? counts : " · " + counts));
+            const std::string label = elide(period.label, kWidestTitle);
+            paragraph("  " + label + (counts.empty() ? "" : " · "), counts, Ink::faint, Ink::strong);
             for (const auto& finding : period.findings) {
-                line(fmt::format("  {:>5}  {}", Format::percent(finding.percent),
-                                 elide(capitalised(finding.text), roomFor(9))));
+                paragraph(fmt::format("  {:>5}  ", Format::percent(finding.percent)), finding.text, Ink::plain);
             }
-            shares("Top skills", period.topSkills);
-            shares("Top subagents", period.topSubagents);
+            shares("Top skills: ", period.topSkills);
+            shares("Top subagents: ", period.topSubagents);
         }
-    }
-
-    /// Cells left of a line after `taken`; all that is needed where the output is no terminal.
-    [[nodiscard]] std::size_t roomFor(std::size_t taken) const {
-        constexpr std::size_t kUnlimited = 100000;
-        return m_terminal.interactive ? std::max(m_terminal.width, taken + kNarrowestTitle) - taken : kUnlimited;
     }
 
     static std::string countText(std::optional<std::int64_t> count, const char* noun) {
@@ -223,10 +238,10 @@ private:
     void shares(const char* title, const std::vector<UsageInsights::Share>& shares) {
         std::vector<std::string> parts;
         for (const auto& share : shares) {
-            parts.push_back(printable(share.name) + " " + Format::percent(share.percent));
+            parts.push_back(share.name + " " + Format::percent(share.percent));
         }
         if (!parts.empty()) {
-            line(fmt::format("         {}: {}", title, joined(parts)));
+            paragraph(std::string("         ") + title, joined(parts), Ink::plain);
         }
     }
 
@@ -236,14 +251,17 @@ private:
             const Seconds age = m_report.now - *m_report.observedAt;
             const char* source =
                 m_report.source == DataSource::statusLine ? "Claude Code's status line" : "claude /usage";
-            line(faint(age < Seconds{60} ? fmt::format("  Read just now from {}", source)
-                                         : fmt::format("  Read {} ago from {}", Format::duration(age), source)));
+            paragraph("  ",
+                      age < Seconds{60} ? fmt::format("Read just now from {}", source)
+                                        : fmt::format("Read {} ago from {}", Format::duration(age), source),
+                      Ink::faint);
         }
     }
 
     const StatusReport& m_report;
     const Terminal& m_terminal;
     const StatusTextOptions& m_options;
+    bool m_isNarrow = false;  ///< No room for the words that say what the shapes mean.
     std::size_t m_titleCells = kNarrowestTitle;
     std::size_t m_barCells = kWidestBar;
     std::string m_text;

@@ -27,6 +27,8 @@ std::size_t cellAt(double share, std::size_t cells) {
 
 const char* escapeFor(Ink ink) {
     switch (ink) {
+        case Ink::plain:
+            return "";
         case Ink::strong:
             return "\x1b[1m";
         case Ink::faint:
@@ -65,8 +67,9 @@ Terminal describeTerminal(int descriptor) {
     terminal.colour =
         terminal.interactive && !environmentValue("NO_COLOR") && environmentValue("TERM").value_or("dumb") != "dumb";
     winsize size{};
-    if (::ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0) {
+    if (::ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 && size.ws_row > 0) {
         terminal.width = size.ws_col;
+        terminal.height = size.ws_row;
     }
     return terminal;
 }
@@ -86,7 +89,7 @@ Ink inkFor(VornStatus status) {
 }
 
 std::string paint(const Terminal& terminal, Ink ink, std::string_view text) {
-    if (!terminal.colour || text.empty()) {
+    if (!terminal.colour || ink == Ink::plain || text.empty()) {
         return std::string(text);
     }
     return escapeFor(ink) + std::string(text) + "\x1b[0m";

@@ -15,12 +15,13 @@ struct Terminal {
     bool interactive = false;  ///< A terminal, not a pipe or a file.
     bool colour = false;       ///< Escape sequences for colour: interactive, no `NO_COLOR`, `TERM` not "dumb".
     std::size_t width = 80;    ///< In cells; 80 where it is unknown.
+    std::size_t height = 24;   ///< In lines; 24 where it is unknown.
 };
 
 Terminal describeTerminal(int descriptor);
 
 /// What a piece of text is, for terminals with colour; the terminal's own palette decides how it looks.
-enum class Ink : std::uint8_t { strong, faint, accent, comfortable, watch, atRisk, limited };
+enum class Ink : std::uint8_t { plain, strong, faint, accent, comfortable, watch, atRisk, limited };
 Ink inkFor(VornStatus status);
 
 /// `text` in that ink, unchanged where there is no colour.

@@ -23,7 +23,8 @@ constexpr std::size_t kRowOverhead = 26;
 /// The same without that word.
 constexpr std::size_t kShortRowOverhead = 13;
 constexpr std::size_t kLabelCells = 10;
-constexpr std::size_t kNarrowestText = 20;
+constexpr std::size_t kNarrowestText = 12;
+constexpr std::size_t kWidestPeriod = 16;
 
 std::string rateText(const WindowAssessment& assessment) {
     if (!assessment.ratePerHour) {
@@ -221,7 +222,7 @@ private:
             blank();
             const std::string counts =
                 joined({countText(period.requests, "request"), countText(period.sessions, "session")});
-            const std::string label = elide(period.label, kWidestTitle);
+            const std::string label = elide(period.label, kWidestPeriod);
             paragraph("  " + label + (counts.empty() ? "" : " · "), counts, Ink::faint, Ink::strong);
             for (const auto& finding : period.findings) {
                 paragraph(fmt::format("  {:>5}  ", Format::percent(finding.percent)), finding.text, Ink::plain);

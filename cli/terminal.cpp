@@ -46,13 +46,15 @@ const char* escapeFor(Ink ink) {
     return "\x1b[1;31m";
 }
 
+/// The cells or parts of cells that a share fills, to the nearest.
+std::size_t reach(double share, std::size_t cells) {
+    return static_cast<std::size_t>(std::lround(clampShare(share) * static_cast<double>(cells)));
+}
+
 std::string drawPlain(const Bar& bar) {
-    const auto reach = [&](double share) {
-        return static_cast<std::size_t>(std::lround(clampShare(share) * static_cast<double>(bar.cells)));
-    };
     std::string drawn(bar.cells, '.');
-    std::fill_n(drawn.begin(), reach(bar.projected.value_or(0)), '-');
-    std::fill_n(drawn.begin(), reach(bar.filled), '#');
+    std::fill_n(drawn.begin(), reach(bar.projected.value_or(0), bar.cells), '-');
+    std::fill_n(drawn.begin(), reach(bar.filled, bar.cells), '#');
     if (bar.tick) {
         drawn[cellAt(*bar.tick, bar.cells)] = '|';
     }
@@ -116,11 +118,10 @@ std::string drawBar(const Terminal& terminal, const Bar& bar) {
     if (!terminal.colour) {
         return drawPlain(bar);
     }
-    const auto eighths =
-        static_cast<std::size_t>(std::lround(clampShare(bar.filled) * static_cast<double>(bar.cells * kEighths)));
+    const std::size_t eighths = reach(bar.filled, bar.cells * kEighths);
     const std::size_t whole = eighths / kEighths;
     const std::size_t tick = bar.tick ? cellAt(*bar.tick, bar.cells) : bar.cells;
-    const std::size_t projected = bar.projected ? cellAt(*bar.projected, bar.cells) + 1 : 0;
+    const std::size_t projected = reach(bar.projected.value_or(0), bar.cells);
     std::string drawn;
     for (std::size_t cell = 0; cell < bar.cells; ++cell) {
         if (cell == tick) {

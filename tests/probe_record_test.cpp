@@ -1,0 +1,71 @@
+#include "core/data/probe_record.hpp"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/readings.hpp"
+#include "tests/support/temporary_directory.hpp"
+
+namespace vorn {
+namespace {
+
+using namespace std::chrono_literals;
+using test::kNow;
+
+ProbeRecord fullRecord() {
+    ProbeRecord record{.lastProbeAt = kNow,
+                       .readings = {test::reading(WindowKind::session(), 20.5, 3h),
+                                    test::reading(WindowKind::weekModel("Sonnet\x1b only"), 7, 90h)},
+                       .expectedResets = {WindowKind::week(), WindowKind::weekModel("Opus")},
+                       .insights = UsageInsights{.periods = {{.label = "Last 24h"}}, .observedAt = kNow}};
+    record.readings[0].observedAt = kNow + 0.25s;
+    return record.afterFailure(kNow + 5s, "one\ntwo");
+}
+
+TEST(ProbeRecordStore, KeepsWhatIsToBeKnownNextTime) {
+    const test::TemporaryDirectory dir;
+    const ProbeRecordStore store(dir / "new/probe.json");
+    EXPECT_EQ(store.load(), ProbeRecord{});
+    ASSERT_TRUE(store.save(fullRecord()));
+    EXPECT_EQ(store.load(), fullRecord());
+    EXPECT_EQ(store.load().consecutiveFailures, 1);
+    ASSERT_TRUE(store.save({}));
+    EXPECT_EQ(store.load(), ProbeRecord{});
+    EXPECT_FALSE(ProbeRecordStore(dir / "new/probe.json/below").save({}));
+}
+
+TEST(ProbeRecordStore, TakesADamagedFileForNone) {
+    const test::TemporaryDirectory dir;
+    for (const char* text :
+         {"", "{", "[]", "null", R"({"lastProbeAt": "2026-11-22T12:00:00Z"})", R"({"consecutiveFailures": "2"})",
+          R"({"consecutiveFailures": 1.5})", R"({"consecutiveFailures": 1, "lastProbeAt": "yesterday"})",
+          R"({"consecutiveFailures": 1, "readings": [{"kind": {"session": {}}}]})",
+          R"({"consecutiveFailures": 1, "expectedResets": ["session"]})",
+          R"({"consecutiveFailures": 1, "lastError": 5})", R"({"consecutiveFailures": 1, "insights": []})"}) {
+        EXPECT_EQ(ProbeRecordStore(dir.write("probe.json", text)).load(), ProbeRecord{}) << text;
+    }
+    const auto failures = [&](const char* text) {
+        return ProbeRecordStore(dir.write("probe.json", text)).load().consecutiveFailures;
+    };
+    EXPECT_EQ(failures(R"({"consecutiveFailures": -3, "readings": {}})"), 0);
+    EXPECT_EQ(failures(R"({"consecutiveFailures": 9000000000})"), 1000);
+}
+
+TEST(ProbeRecord, SpacesFailuresEverWider) {
+    const struct {
+        int failures;
+        std::optional<Seconds> ago;
+        bool mayRetry;
+    } cases[] = {
+        {0, std::nullopt, true}, {0, 0s, true},       {1, std::nullopt, true}, {1, 599s, false},
+        {1, 600s, true},         {2, 1199s, false},   {2, 1200s, true},        {4, 4799s, false},
+        {1000, 4799s, false},    {1000, 4800s, true}, {3, -1s, true},  // the clock was set back
+    };
+    for (const auto& c : cases) {
+        ProbeRecord record{.consecutiveFailures = c.failures};
+        record.lastProbeAt = c.ago ? std::optional(kNow - *c.ago) : std::nullopt;
+        EXPECT_EQ(mayRetryProbe(record, 300s, kNow), c.mayRetry) << c.failures << ' ' << c.ago.value_or(0s).count();
+    }
+}
+
+}  // namespace
+}  // namespace vorn

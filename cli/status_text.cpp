@@ -26,6 +26,13 @@ constexpr std::size_t kLabelCells = 10;
 constexpr std::size_t kNarrowestText = 12;
 constexpr std::size_t kWidestPeriod = 16;
 
+std::string capitalised(std::string text) {
+    if (!text.empty() && text[0] >= 'a' && text[0] <= 'z') {
+        text[0] = static_cast<char>(text[0] - 'a' + 'A');
+    }
+    return text;
+}
+
 std::string rateText(const WindowAssessment& assessment) {
     if (!assessment.ratePerHour) {
         return "burn rate not known yet";
@@ -225,7 +232,8 @@ private:
             const std::string label = elide(period.label, kWidestPeriod);
             paragraph("  " + label + (counts.empty() ? "" : " · "), counts, Ink::faint, Ink::strong);
             for (const auto& finding : period.findings) {
-                paragraph(fmt::format("  {:>5}  ", Format::percent(finding.percent)), finding.text, Ink::plain);
+                paragraph(fmt::format("  {:>5}  ", Format::percent(finding.percent)), capitalised(finding.text),
+                          Ink::plain);
             }
             shares("Top skills: ", period.topSkills);
             shares("Top subagents: ", period.topSubagents);

@@ -111,6 +111,31 @@ const char* shapeFor(VornStatus status) {
     return "■";
 }
 
+namespace {
+
+/// Collects pieces, and paints neighbours of one ink in one go.
+class InkRun {
+public:
+    explicit InkRun(const Terminal& terminal) : m_terminal(terminal) {}
+    void add(Ink ink, const char* piece) {
+        if (ink != m_ink) {
+            m_done += paint(m_terminal, m_ink, m_pending);
+            m_pending.clear();
+            m_ink = ink;
+        }
+        m_pending += piece;
+    }
+    std::string take() { return m_done + paint(m_terminal, m_ink, m_pending); }
+
+private:
+    const Terminal& m_terminal;
+    std::string m_done;
+    std::string m_pending;
+    Ink m_ink = Ink::plain;
+};
+
+}  // namespace
+
 std::string drawBar(const Terminal& terminal, const Bar& bar) {
     if (bar.cells == 0) {
         return {};
@@ -122,21 +147,21 @@ std::string drawBar(const Terminal& terminal, const Bar& bar) {
     const std::size_t whole = eighths / kEighths;
     const std::size_t tick = bar.tick ? cellAt(*bar.tick, bar.cells) : bar.cells;
     const std::size_t projected = reach(bar.projected.value_or(0), bar.cells);
-    std::string drawn;
+    InkRun drawn(terminal);
     for (std::size_t cell = 0; cell < bar.cells; ++cell) {
         if (cell == tick) {
-            drawn += paint(terminal, Ink::strong, "│");
+            drawn.add(Ink::strong, "│");
         } else if (cell < whole) {
-            drawn += paint(terminal, bar.ink, "█");
+            drawn.add(bar.ink, "█");
         } else if (cell == whole && eighths % kEighths != 0) {
-            drawn += paint(terminal, bar.ink, kPartialBlocks.at(eighths % kEighths));
+            drawn.add(bar.ink, kPartialBlocks.at(eighths % kEighths));
         } else if (cell < projected) {
-            drawn += paint(terminal, bar.ink, "░");
+            drawn.add(bar.ink, "░");
         } else {
-            drawn += paint(terminal, Ink::faint, "·");
+            drawn.add(Ink::faint, "·");
         }
     }
-    return drawn;
+    return drawn.take();
 }
 
 }  // namespace vorn::cli

@@ -1,0 +1,694 @@
+#include <chrono>
+#include <ctime>
+#include <fstream>
+#include <map>
+#include <set>
+#include <sstream>
+
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+#include <poll.h>
+#include <sys/ioctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#ifdef __APPLE__
+#include <util.h>
+#else
+#include <pty.h>
+#endif
+
+#include "core/support/process.hpp"
+#include "core/support/time.hpp"
+#include "tests/support/child_watch.hpp"
+#include "tests/support/temporary_directory.hpp"
+
+/// The built program, with a shell script for a client and a home of its own.
+namespace vorn {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+using nlohmann::json;
+using test::readAll;
+using testing::AllOf;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+using Arguments = std::vector<std::string>;
+
+const std::string kNow = "2026-11-22T20:45:00Z";
+const Arguments kScenarios{"comfortable", "watch", "at-risk", "limited", "planned-reset"};
+
+json envelope(const std::string& text) {
+    return {{"type", "result"}, {"is_error", false}, {"result", text}};
+}
+
+/// "Nov 22, 2026, 11:16pm (UTC)", as far ahead of the clock.
+std::string resetIn(std::chrono::seconds ahead) {
+    const std::time_t time = std::time(nullptr) + ahead.count();
+    std::array<char, 64> text{};
+    const std::tm utc = *std::gmtime(&time);
+    std::strftime(text.data(), text.size(), "%b %e, %Y, %I:%M", &utc);
+    return std::string(text.data()) + (utc.tm_hour < 12 ? "am (UTC)" : "pm (UTC)");
+}
+
+std::string usage(int session, int week = 61) {
+    // The same resets in every answer of a test, so that all are of one window.
+    static const std::string sessionReset = resetIn(3h);
+    static const std::string weekReset = resetIn(90h);
+    return fmt::format(
+        "Current session: {}% used · resets {}\nCurrent week (all models): {}% used · resets {}\n\n"
+        "Last 24h · 133 requests · 9 sessions\n  71% of your usage came from subagent-heavy sessions\n",
+        session, sessionReset, week, weekReset);
+}
+
+class VornctlTest : public testing::Test {
+protected:
+    VornctlTest() {
+        fs::create_directories(m_dir / "home");
+        answers(usage(23));
+    }
+
+    ProcessResult run(const Arguments& arguments, Seconds timeout = 20s) const {
+        return runProcess(
+            {.executable = VORNCTL, .arguments = arguments, .environment = m_environment, .timeout = timeout});
+    }
+    /// Of a run that shows readings.
+    [[nodiscard]] json status(Arguments arguments = {}) const {
+        arguments.insert(arguments.begin(), {"status", "--json"});
+        const ProcessResult result = run(arguments);
+        EXPECT_EQ(result.status, 0) << result.standardError;
+        return json::parse(result.standardOutput, nullptr, false);
+    }
+    [[nodiscard]] double session(const Arguments& arguments = {}) const {
+        return status(arguments).at("windows").at(0).at("usedPercent");
+    }
+
+    /// The client from now on, as a shell script.
+    void client(const std::string& script) const {
+        m_dir.executable("bin/claude", fmt::format("cd '{}'; echo $$ >> pids; {}", m_dir.path().string(), script));
+    }
+    void answers(const std::string& text) const {
+        m_dir.write("answer.json", envelope(text).dump());
+        client("cat answer.json");
+    }
+    /// How often it was run.
+    [[nodiscard]] std::ptrdiff_t asked() const {
+        std::ifstream pids(m_dir / "pids");
+        return std::count(std::istreambuf_iterator<char>(pids), {}, '\n');
+    }
+
+    /// Makes what was recorded so much older.
+    void age(Seconds time) const {
+        json record = json::parse(readAll(m_vorn / "probe.json"));
+        const auto asked = parseIso8601(record["lastProbeAt"].get<std::string>(), Fraction::forbidden);
+        record["lastProbeAt"] = formatIso8601(asked.value() - time);
+        for (json& reading : record["readings"]) {
+            reading["observedAt"] = reading["observedAt"].get<double>() - time.count();
+        }
+        m_dir.write("home/vorn/probe.json", record.dump());
+        std::string lines;
+        for (json& sample : history()) {
+            sample["t"] = sample["t"].get<double>() - time.count();
+            lines += sample.dump() + "\n";
+        }
+        m_dir.write("home/vorn/history.jsonl", lines);
+    }
+    [[nodiscard]] std::vector<json> history() const {
+        std::vector<json> samples;
+        std::ifstream file(m_vorn / "history.jsonl");
+        for (std::string line; std::getline(file, line);) {
+            samples.push_back(json::parse(line));
+        }
+        return samples;
+    }
+    /// Every path below the home folder and what the files hold.
+    [[nodiscard]] std::map<std::string, std::string> home(bool withDirectories = true) const {
+        std::map<std::string, std::string> found;
+        for (const auto& entry : fs::recursive_directory_iterator(m_dir / "home")) {
+            if (entry.is_regular_file()) {
+                found[entry.path()] = readAll(entry.path());
+            } else if (withDirectories) {
+                found[entry.path()] = "directory";
+            }
+        }
+        return found;
+    }
+
+    const test::TemporaryDirectory m_dir;
+    const fs::path m_vorn = m_dir / "home/vorn";
+    std::map<std::string, std::string> m_environment{{"HOME", m_dir / "home"},
+                                                     {"VORN_HOME", m_vorn},
+                                                     {"CLAUDE_CONFIG_DIR", m_dir / "home/claude"},
+                                                     {"PATH", (m_dir / "bin").string() + ":/usr/bin:/bin"},
+                                                     {"TERM", "xterm-256color"},
+                                                     {"TZ", "Europe/Berlin"}};
+    const test::ChildWatch m_watch{m_dir / "pids"};
+};
+
+TEST_F(VornctlTest, ShowsEveryWindowAndFindingOfTheSamples) {
+    const std::string kStripped = "of your usage ";
+    int samples = 0;
+    for (const auto& entry : fs::directory_iterator(VORN_USAGE_SAMPLES)) {
+        SCOPED_TRACE(entry.path());
+        ++samples;
+        const std::string text = readAll(entry.path());
+        answers(text);
+        const json shown = status({"--probe", "--now", kNow});
+        const std::string insights = shown.value("insights", json()).dump(-1, ' ', false);
+        std::size_t windows = 0;
+        std::istringstream stream(text);
+        for (std::string line; std::getline(stream, line);) {
+            if (line.find("% used") != std::string::npos) {
+                const json& window = shown.at("windows").at(windows++);
+                EXPECT_EQ(window.at("usedPercent"), std::stod(line.substr(line.find(": ") + 2)));
+                EXPECT_EQ(window.contains("resetsAt"), line.find("resets") != std::string::npos) << line;
+            } else if (line.starts_with("  ") && std::isdigit(line[2]) != 0) {
+                std::string finding = line.substr(line.find_first_not_of("0123456789% "));
+                finding.erase(0, finding.starts_with(kStripped) ? kStripped.size() : 0);
+                EXPECT_THAT(insights, HasSubstr(finding));
+            }
+        }
+        EXPECT_EQ(shown.at("windows").size(), windows);
+    }
+    EXPECT_GE(samples, 4);
+}
+
+TEST_F(VornctlTest, TellsWhyTheClientGaveNothing) {
+    const std::string unread = "Vorn couldn't read the /usage output. Claude Code may have changed its format.\n";
+    const std::string notFound =
+        "Couldn't find the claude command. Install Claude Code, or set its path in Settings.\n";
+    const struct {
+        const char* name;
+        std::string script;
+        std::string error;
+    } cases[] = {
+        {"50 MB", "head -c 50000000 /dev/zero", unread},
+        {"binary", "printf '\\377\\376{\\033[2J'", unread + "\uFFFD\uFFFD{[2J\n"},
+        {"killed", "kill -9 $$",
+         "claude /usage failed: \nIt ended without a word; claude -p /usage in a terminal may tell more.\n"},
+        {"silent at once", "exec >&- 2>&-; sleep 0.1", unread},
+        {"only errors", "echo boom >&2; exit 3", "claude /usage failed: boom\n"},
+        {"several lines", "printf 'one\\r\\n\\ttwo \\033[31mthree\\n' >&2; exit 1",
+         "claude /usage failed: one\n two [31mthree\n"},
+        {"too old", "echo \"error: unknown option '--safe-mode'\" >&2; exit 1",
+         "claude /usage failed: error: unknown option '--safe-mode'\n"
+         "This Claude Code is too old for Vorn; update it to 2.1.170 or newer with: claude update\n"},
+        {"no result", "echo '{}'", unread},
+        {"a number for a result", "echo '{\"result\": 23}'", unread},
+        {"an enormous result", "printf '{\"result\": \"'; head -c 20000000 /dev/zero | tr '\\0' x; printf '\"}'",
+         unread + "{\"result\": \"" + std::string(288, 'x') + "\n"},
+        {"no plan", "echo '{\"result\": \"/usage is only available for subscription plans\"}'",
+         "Claude Code isn't signed in with a Pro or Max subscription, so there are no plan limits to show.\n"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        client(c.script);
+        const ProcessResult result = run({"status", "--probe"});
+        EXPECT_EQ(result.status, 1);
+        EXPECT_EQ(result.standardOutput, "");
+        if (std::string_view(c.name) == "50 MB") {
+            EXPECT_THAT(result.standardError, StartsWith(c.error));
+        } else {
+            EXPECT_EQ(result.standardError, c.error);
+        }
+        m_watch.expectNothingLeft();
+    }
+    for (const char* path : {"/nowhere/claude", "/dev/null", VORN_USAGE_SAMPLES}) {
+        EXPECT_EQ(run({"status", "--probe", "--claude", path}).standardError, notFound) << path;
+    }
+}
+
+TEST_F(VornctlTest, AnswersWhereTheClientOrTheSystemMisbehaves) {
+    client("sleep 60 & echo $! >> pids; cat answer.json");  // a child that keeps the pipe
+    EXPECT_EQ(session({"--probe"}), 23);
+    m_watch.expectNothingLeft();
+    answers(usage(24));
+    m_environment.erase("HOME");
+    EXPECT_EQ(session({"--probe"}), 24);
+    // Neither the history nor anything else can be written.
+    fs::remove_all(m_vorn);
+    for (const char* name : {"history.jsonl", "probe.json", "reset-plan.json"}) {
+        fs::create_directories(m_vorn / name / "in the way");
+    }
+    EXPECT_EQ(session(), 24);
+    EXPECT_THAT(run({"plan", "bank", "2"}).standardError, StartsWith("vornctl: cannot change the plan: "));
+    EXPECT_THAT(run({"plan", "redeem"}).standardError, StartsWith("vornctl: cannot write "));
+    m_environment["VORN_HOME"] = m_dir / "answer.json";
+    const ProcessResult result = run({"status"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.standardError, AllOf(StartsWith("Couldn't run claude: "), EndsWith(": Not a directory\n")));
+    EXPECT_EQ(run({"plan", "bank", "2"}).status, 1);
+}
+
+TEST_F(VornctlTest, ExplainsWrongUsage) {
+    const struct {
+        Arguments arguments;
+        const char* line;
+    } cases[] = {
+        {{}, "vornctl: a command is required\nRun vornctl --help for more.\n"},
+        {{"stats"}, "vornctl: there is no command stats\n"},
+        {{"plan"}, "vornctl plan: a command is required\nRun vornctl plan --help for more.\n"},
+        {{"plan", "drop"}, "vornctl plan: there is no command drop\n"},
+        {{"plan", "add"}, "vornctl plan add: when is required\n"},
+        {{"plan", "bank", "-1"}, "not in range 0 to 1000000"},
+        {{"plan", "bank", "99999999999999999999"}, "not in range 0 to 1000000"},
+        {{"plan", "redeem", "--scope", "month"}, "month not in {all,session,week}"},
+        {{"status", "--now", "yesterday"}, "expected a moment such as 2026-11-22T20:45:00Z, not yesterday"},
+        {{"status", "--format", "xml"}, "xml not in {text,plain,tmux,waybar,json}"},
+        {{"status", "--demo", "calm"}, "calm not in {comfortable,watch,at-risk,limited,planned-reset}"},
+        {{"status", "--json", "--format", "tmux"}, "--json excludes --format"},
+        {{"status", "--probe", "--no-probe"}, "--probe excludes --no-probe"},
+        {{"status", "now"}, "The following argument was not expected: now"},
+        {{"activity", "--since", "0h"}, "expected a span such as 90m, 24h or 7d, not 0h"},
+    };
+    for (const auto& c : cases) {
+        const ProcessResult result = run(c.arguments);
+        EXPECT_EQ(result.status, 2) << c.line;
+        EXPECT_THAT(result.standardError, HasSubstr(c.line));
+        EXPECT_EQ(result.standardOutput, "");
+    }
+    for (const Arguments& command : {Arguments{}, {"status"}, {"activity"}, {"plan"}, {"plan", "add"}}) {
+        Arguments arguments = command;
+        arguments.emplace_back("--help");
+        const ProcessResult result = run(arguments);
+        EXPECT_EQ(result.status, 0);
+        EXPECT_THAT(result.standardOutput, HasSubstr("Usage: vornctl"));
+        EXPECT_EQ(result.standardError, "");
+    }
+    EXPECT_EQ(asked(), 0);
+    EXPECT_EQ(home().size(), 0U);
+}
+
+TEST_F(VornctlTest, AsksOnlyWhenTheReadingIsOld) {
+    EXPECT_EQ(run({"status", "--no-probe"}).status, 1);
+    EXPECT_THAT(run({"status", "--no-probe"}).standardError, StartsWith("There is no current reading. "));
+    EXPECT_EQ(asked(), 0);
+    const json first = status();
+    const json second = status();
+    EXPECT_EQ(asked(), 1);
+    EXPECT_EQ(second.at("insights"), first.at("insights"));
+    age(50s);
+    EXPECT_EQ(session(), 23);
+    EXPECT_EQ(asked(), 1);
+    EXPECT_EQ(session({"--probe"}), 23);
+    EXPECT_EQ(asked(), 2);
+    age(61s);
+    answers(usage(25));
+    EXPECT_EQ(session({"--no-probe"}), 23);
+    EXPECT_EQ(asked(), 2);
+    EXPECT_EQ(session(), 25);
+    EXPECT_EQ(asked(), 3);
+    // Another program, or the application, knows it as well.
+    EXPECT_EQ(history().back().at("k"), "session");
+    EXPECT_EQ(history().size(), 3U);  // an unchanged week is not repeated
+    fs::remove(m_vorn / "probe.json");
+    EXPECT_EQ(session({"--no-probe"}), 25);
+    // Another day: nothing that is over counts, wherever it is remembered.
+    EXPECT_EQ(session({"--probe"}), 25);
+    EXPECT_EQ(run({"status", "--no-probe", "--now", "2100-01-01T00:00:00Z"}).status, 1);
+    EXPECT_EQ(run({"status", "--no-probe", "--now", kNow}).status, 1);
+    age(-3600s);  // a clock that was ahead
+    answers(usage(5));
+    EXPECT_EQ(session(), 5);
+}
+
+TEST_F(VornctlTest, LeavesAFailingClientAlone) {
+    EXPECT_EQ(session(), 23);
+    age(61s);
+    client("echo \"unknown option '--safe-mode'\" >&2; exit 1");
+    const auto runs = [&](Seconds older, Arguments arguments) {
+        age(older);
+        arguments.insert(arguments.begin(), "status");
+        const ProcessResult result = run(arguments);
+        EXPECT_EQ(result.status, 0);  // a current reading is shown all the same
+        EXPECT_THAT(result.standardOutput, HasSubstr("23%"));
+        EXPECT_THAT(result.standardError, AllOf(HasSubstr("--safe-mode"), HasSubstr("too old for Vorn")));
+        return asked();
+    };
+    EXPECT_EQ(runs(0s, {}), 2);
+    const ProcessResult again = run({"status", "--json"});
+    EXPECT_THAT(again.standardError, HasSubstr("Not asked again before"));
+    const json failure = json::parse(again.standardOutput).at("failure");
+    EXPECT_TRUE(failure.contains("message") && failure.contains("advice") && failure.contains("retryAt"));
+    EXPECT_EQ(runs(590s, {}), 2);
+    EXPECT_EQ(runs(11s, {}), 3);
+    EXPECT_EQ(runs(1190s, {}), 3);
+    EXPECT_EQ(runs(0s, {"--probe"}), 4);
+    answers(usage(26));
+    EXPECT_EQ(session({"--probe"}), 26);
+    age(61s);
+    EXPECT_EQ(session(), 26);
+    EXPECT_EQ(asked(), 6);
+}
+
+TEST_F(VornctlTest, BelievesAnEarlyResetWhenItIsConfirmed) {
+    answers(usage(80));
+    EXPECT_EQ(session(), 80);
+    answers(usage(20));
+    EXPECT_EQ(session({"--probe"}), 80);  // one low reading may be stale
+    EXPECT_EQ(session({"--probe"}), 80);  // and so may a second within the minute
+    age(61s);
+    EXPECT_EQ(session(), 20);
+    EXPECT_EQ(session(), 20);
+    EXPECT_EQ(session({"--no-probe"}), 20);
+    std::vector<double> recorded;
+    for (const json& sample : history()) {
+        if (sample.at("k") == "session") {
+            recorded.push_back(sample.at("u"));
+        }
+    }
+    EXPECT_THAT(recorded, testing::ElementsAre(80, 20));
+}
+
+TEST_F(VornctlTest, BelievesAnAnnouncedResetAtOnce) {
+    answers(usage(80));
+    EXPECT_EQ(session(), 80);
+    answers(usage(20));
+    EXPECT_EQ(session({"--probe"}), 80);
+    EXPECT_EQ(run({"plan", "redeem", "--scope", "week"}).status, 0);
+    EXPECT_EQ(session({"--probe"}), 80);  // that one was about the week
+    EXPECT_EQ(run({"plan", "redeem", "--scope", "session"}).status, 0);
+    EXPECT_EQ(session({"--no-probe"}), 80);  // an answer from before is not what was announced
+    client("exit 1");
+    EXPECT_EQ(session({"--probe"}), 80);
+    answers(usage(20, 3));
+    const json shown = status({"--probe"});
+    EXPECT_EQ(shown.at("windows").at(0).at("usedPercent"), 20);
+    EXPECT_EQ(shown.at("windows").at(1).at("usedPercent"), 3);
+    answers(usage(2, 3));
+    EXPECT_EQ(session({"--probe"}), 20);  // it was used up
+}
+
+TEST_F(VornctlTest, WritesNothingForAnotherMomentOrADemonstration) {
+    EXPECT_EQ(session(), 23);
+    fs::create_directories(m_vorn / "probe");
+    const auto before = home();
+    EXPECT_EQ(status({"--probe", "--now", kNow}).at("now"), kNow);
+    EXPECT_EQ(home(), before);
+    fs::remove_all(m_vorn);
+    const auto runs = asked();
+    std::set<std::string> outputs;
+    for (const std::string& scenario : kScenarios) {
+        for (const Arguments& how : {Arguments{"--rates"}, {"--json"}, {"--format", "waybar"}, {"--probe"}}) {
+            Arguments arguments{"status", "--demo", scenario, "--now", kNow};
+            arguments.insert(arguments.end(), how.begin(), how.end());
+            const std::string output = run(arguments).standardOutput;
+            EXPECT_EQ(run(arguments).standardOutput, output);
+            EXPECT_EQ(output.starts_with("Demonstration with invented figures\n"),
+                      how.front() == "--rates" || how.front() == "--probe");
+            outputs.insert(output);
+        }
+        EXPECT_EQ(run({"status", "--demo", scenario}).status, 0);
+    }
+    EXPECT_EQ(outputs.size(), 20U);
+    EXPECT_EQ(asked(), runs);
+    EXPECT_EQ(home().size(), 0U);
+}
+
+TEST_F(VornctlTest, DemonstratesOnlyWhereThereIsNothingElse) {
+    const ProcessResult empty = run({"status", "--demo-if-empty", "--claude", "/nowhere"});
+    EXPECT_EQ(empty.status, 1);
+    EXPECT_THAT(empty.standardError, StartsWith("Couldn't find the claude command."));
+    EXPECT_THAT(empty.standardOutput,
+                AllOf(StartsWith("\nDemonstration with invented figures: "), HasSubstr("▲ Ease off to ")));
+    EXPECT_EQ(run({"status", "--demo-if-empty", "--claude", "/nowhere", "--format", "plain"}).standardOutput,
+              "– Couldn't find the claude command. Install Claude Code, or set its path in Settings.\n");
+    EXPECT_THAT(run({"status", "--demo-if-empty", "--probe"}).standardOutput, Not(HasSubstr("Demonstration")));
+}
+
+TEST_F(VornctlTest, SpeaksToBarsAndPrompts) {
+    const auto shown = [&](const char* format) {
+        return run({"status", "--demo", "at-risk", "--now", kNow, "--format", format}).standardOutput;
+    };
+    EXPECT_EQ(shown("plain"), "▲ 5h 72% ↓0.5× · Limit in ~1h 5m at this pace\n");
+    EXPECT_EQ(shown("tmux"), "#[fg=colour208]5h 72% ↓0.5×#[default]\n");
+    EXPECT_EQ(json::parse(shown("json")).at("headline").at("status"), "atRisk");
+    const std::string waybar = shown("waybar");
+    EXPECT_EQ(std::count(waybar.begin(), waybar.end(), '\n'), 1);
+    const json module = json::parse(waybar);
+    EXPECT_EQ(module.at("text"), "5h 72% ↓0.5×");
+    EXPECT_EQ(module.at("class"), "at-risk");
+    EXPECT_EQ(module.at("percentage"), 72);
+    EXPECT_THAT(module.at("tooltip"),
+                StartsWith("Ease off to 54% of your current pace\nSession (5h) is the tight one\n"));
+    const ProcessResult none = run({"status", "--no-probe", "--format", "tmux"});
+    EXPECT_EQ(none.standardOutput, "\n");
+    EXPECT_EQ(none.status, 1);
+    EXPECT_EQ(json::parse(run({"status", "--no-probe", "--format", "waybar"}).standardOutput).at("class"), "unknown");
+}
+
+TEST_F(VornctlTest, ObeysNoTextFromOutside) {
+    const std::string name = "\x1b[31m<b>#[fg=red]\x07" + std::string(500, 'm');
+    answers("Current week (" + name + "): 100% used\nLast 24h · 1 requests\n  50%  " + name + " · \x1b]0;x\x07\n");
+    EXPECT_EQ(status().at("windows").at(0).at("kind"), "week:" + name);
+    EXPECT_EQ(run({"plan", "add", "2999-01-01T00:00:00Z", "--note", name}).status, 0);
+    for (const Arguments& arguments : {Arguments{"status"},
+                                       {"status", "--json"},
+                                       {"status", "--format", "plain"},
+                                       {"status", "--format", "tmux"},
+                                       {"status", "--format", "waybar"},
+                                       {"plan", "list"},
+                                       {"plan", "list", "--json"}}) {
+        const ProcessResult result = run(arguments);
+        EXPECT_EQ(result.status, 0);
+        EXPECT_THAT(result.standardOutput, AllOf(HasSubstr("fg=red"), Not(HasSubstr("\x1b")), Not(HasSubstr("\x07"))));
+    }
+    EXPECT_THAT(run({"status", "--format", "tmux"}).standardOutput, HasSubstr("##[fg=red]"));
+    EXPECT_THAT(run({"status", "--format", "waybar"}).standardOutput, HasSubstr("&lt;b&gt;"));
+}
+
+TEST_F(VornctlTest, KeepsThePlan) {
+    const struct {
+        Arguments arguments;
+        int status;
+        const char* output;
+    } steps[] = {
+        {{"list"},
+         0,
+         "None. Add one when a reset is announced or you expect one, and Vorn will plan each limit it cuts "
+         "short to finish by then.\n0 resets banked\n"},
+        {{"add", "2998-11-26T18:00:00Z", "--scope", "week", "--note", "late"},
+         0,
+         "  1  2998-11-26 19:00  Weekly limits  late\n0 resets banked\n"},
+        {{"add", "2997-05-01T00:00:00Z"}, 0, "  1  2997-05-01 02:00  All limits     \n  2  2998"},
+        {{"add", "3am"}, 0, "  3  2998"},
+        {{"add", "soon"}, 1, "vornctl: cannot read \"soon\" as a time; write "},
+        {{"add", "2020-01-01T00:00:00Z"}, 1, "vornctl: 2020-01-01 01:00 has passed; "},
+        {{"add", "9999-12-31T23:59:59+99:00"}, 1, "cannot read"},
+        {{"remove", "4"}, 1, "vornctl: there is no planned reset 4; vornctl plan list shows the numbers\n"},
+        {{"remove", "0"}, 1, "there is no planned reset 0"},
+        {{"remove", ""}, 1, "there is no planned reset "},
+        {{"remove", "1"}, 0, "  2  2998"},
+        {{"bank", "2"}, 0, "2 resets banked\n"},
+        {{"redeem"}, 0, "Vorn takes the drop at face value instead of treating it as a stale reading.\n"},
+        {{"list"}, 0, "1 reset banked\n"},
+        {{"list", "--now", "2998-11-26T19:00:00Z"}, 0, "     has passed; dropped a day after its date\n"},
+        {{"list", "--now", "2998-11-28T19:00:00Z"}, 0, "None. "},
+        {{"redeem"}, 0, "0 resets banked\n"},
+        {{"redeem"}, 0, "0 resets banked\n"},
+    };
+    for (const auto& step : steps) {
+        SCOPED_TRACE(step.output);
+        Arguments arguments = step.arguments;
+        arguments.insert(arguments.begin(), "plan");
+        const ProcessResult result = run(arguments);
+        EXPECT_EQ(result.status, step.status) << result.standardError;
+        EXPECT_THAT(step.status == 0 ? result.standardOutput : result.standardError, HasSubstr(step.output));
+    }
+    const json plan = json::parse(run({"plan", "list", "--json"}).standardOutput);
+    EXPECT_EQ(plan.at("planned").size(), 2U);
+    const std::string id = plan.at("planned").at(1).at("id");
+    EXPECT_EQ(run({"plan", "remove", id.substr(0, 8)}).status, 0);
+
+    // A slip in an edit by hand costs nothing but the plan's effect.
+    const std::string damaged = readAll(m_vorn / "reset-plan.json") + "}";
+    m_dir.write("home/vorn/reset-plan.json", damaged);
+    EXPECT_THAT(run({"plan", "list"}).standardOutput, StartsWith("None. "));
+    EXPECT_EQ(run({"plan", "bank", "3"}).status, 0);
+    EXPECT_EQ(json::parse(readAll(m_vorn / "reset-plan.json")).at("banked"), 3);
+    EXPECT_EQ(readAll(m_vorn / "reset-plan.json.damaged"), damaged);
+}
+
+TEST_F(VornctlTest, TellsWhatWasDoneHere) {
+    const auto reply = [](const char* time, const char* project, int id) {
+        return json{{"type", "assistant"},
+                    {"timestamp", time},
+                    {"cwd", project},
+                    {"requestId", fmt::format("r{}", id)},
+                    {"message",
+                     {{"id", fmt::format("m{}", id)},
+                      {"model", "claude-sonnet-4-5"},
+                      {"usage", {{"input_tokens", 1000}, {"output_tokens", 200}, {"cache_read_input_tokens", 5000}}}}}}
+                   .dump() +
+               "\n";
+    };
+    m_dir.write("home/claude/projects/a/s.jsonl", reply("2026-11-22T20:30:00.000Z", "/home/me/\x1b[31malpha", 1) +
+                                                      reply("2026-11-22T10:00:00.000Z", "/home/me/项目", 2) +
+                                                      reply("2026-11-18T10:00:00.000Z", "/home/me/beta", 3) + "{torn");
+    const auto report = [&](Arguments arguments) {
+        arguments.insert(arguments.begin(), {"activity", "--now", kNow});
+        return run(arguments);
+    };
+    const json day = json::parse(report({"--json"}).standardOutput);
+    EXPECT_EQ(day.at("events"), 2);
+    EXPECT_EQ(day.at("tokens").at("output"), 400);
+    EXPECT_EQ(day.at("weight"), 2 * (1000 + 200 * 5 + 5000 * 0.1));
+    EXPECT_EQ(day.at("weightOfLastSeconds").at("3600"), 2500);
+    EXPECT_EQ(day.at("weightOfLastSeconds").at("604800"), 7500);
+    EXPECT_EQ(day.at("timeline").size(), 96U);
+    EXPECT_EQ(day.at("projects").size(), 2U);
+    EXPECT_EQ(json::parse(report({"--json", "--since", "7d"}).standardOutput).at("events"), 3);
+    const ProcessResult text = report({"--since", "1h"});
+    EXPECT_EQ(text.status, 0);
+    EXPECT_THAT(text.standardOutput, AllOf(StartsWith("Local activity of the last 1h · 1 reply, weight 2.5k\n"),
+                                           HasSubstr("[31malpha"), Not(HasSubstr("\x1b")), Not(HasSubstr("beta"))));
+    const ProcessResult missing = report({"--root", m_dir / "none"});
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_THAT(missing.standardError, HasSubstr("there are no transcripts in " + (m_dir / "none/projects").string()));
+    fs::create_directories(m_dir / "quiet/projects");
+    const ProcessResult quiet = report({"--root", m_dir / "quiet"});
+    EXPECT_EQ(quiet.status, 0);
+    EXPECT_THAT(quiet.standardOutput, HasSubstr("Nothing found in "));
+    EXPECT_EQ(home(false).size(), 1U);
+}
+
+/// A program at a terminal of its own.
+class PseudoTerminal {
+public:
+    PseudoTerminal(const Arguments& arguments, const std::map<std::string, std::string>& environment,
+                   unsigned short columns, unsigned short rows) {
+        const winsize size{.ws_row = rows, .ws_col = columns, .ws_xpixel = 0, .ws_ypixel = 0};
+        m_pid = ::forkpty(&m_master, nullptr, nullptr, &size);
+        if (m_pid == 0) {
+            std::vector<std::string> texts{VORNCTL};
+            texts.insert(texts.end(), arguments.begin(), arguments.end());
+            std::vector<std::string> variables;
+            for (const auto& [name, value] : environment) {
+                variables.push_back(name + "=" + value);
+            }
+            ::execve(VORNCTL, pointers(texts).data(), pointers(variables).data());
+            ::_exit(127);
+        }
+    }
+    PseudoTerminal(const PseudoTerminal&) = delete;
+    PseudoTerminal& operator=(const PseudoTerminal&) = delete;
+    ~PseudoTerminal() { ::close(m_master); }
+
+    /// Reads until `wanted` was drawn `times` times, or for 15 seconds.
+    bool waitFor(const std::string& wanted, int times = 1) {
+        const auto deadline = std::chrono::steady_clock::now() + 15s;
+        while (count(wanted) < times) {
+            pollfd descriptor{.fd = m_master, .events = POLLIN, .revents = 0};
+            std::array<char, 4096> bytes{};
+            const bool isLate = std::chrono::steady_clock::now() > deadline || ::poll(&descriptor, 1, 1000) < 0;
+            if (isLate) {
+                return false;
+            }
+            if (descriptor.revents != 0) {
+                const auto length = ::read(m_master, bytes.data(), bytes.size());
+                if (length <= 0) {
+                    return count(wanted) >= times;
+                }
+                m_drawn.append(bytes.data(), static_cast<std::size_t>(length));
+            }
+        }
+        return true;
+    }
+    void type(const char* keys) const { EXPECT_EQ(::write(m_master, keys, std::strlen(keys)), std::strlen(keys)); }
+    /// Its exit status, once it has ended.
+    int end() {
+        waitFor("what is never drawn");
+        int status = 0;
+        ::waitpid(m_pid, &status, 0);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+    [[nodiscard]] const std::string& drawn() const { return m_drawn; }
+
+private:
+    static std::vector<char*> pointers(std::vector<std::string>& texts) {
+        std::vector<char*> list;
+        for (std::string& text : texts) {
+            list.push_back(text.data());
+        }
+        list.push_back(nullptr);
+        return list;
+    }
+    [[nodiscard]] int count(const std::string& wanted) const {
+        int found = 0;
+        for (std::size_t at = m_drawn.find(wanted); at != std::string::npos; at = m_drawn.find(wanted, at + 1)) {
+            ++found;
+        }
+        return found;
+    }
+
+    int m_master = -1;
+    pid_t m_pid = -1;
+    std::string m_drawn;
+};
+
+TEST_F(VornctlTest, ColoursATerminalUnlessAskedNotTo) {
+    const Arguments arguments{"status", "--demo", "limited", "--now", kNow};
+    EXPECT_THAT(run(arguments).standardOutput, AllOf(HasSubstr("####"), Not(HasSubstr("\x1b")), Not(HasSubstr("█"))));
+    PseudoTerminal coloured(arguments, m_environment, 80, 24);
+    EXPECT_EQ(coloured.end(), 0);
+    EXPECT_THAT(coloured.drawn(), AllOf(HasSubstr("████"), HasSubstr("\x1b[1;31m■ Limited\x1b[0m")));
+    for (const auto& [name, value] : {std::pair("NO_COLOR", "1"), std::pair("TERM", "dumb")}) {
+        auto environment = m_environment;
+        environment[name] = value;
+        PseudoTerminal plain(arguments, environment, 50, 24);
+        EXPECT_EQ(plain.end(), 0);
+        EXPECT_THAT(plain.drawn(), AllOf(HasSubstr("####"), Not(HasSubstr("\x1b")), Not(HasSubstr("█"))));
+    }
+}
+
+TEST_F(VornctlTest, WatchesUntilInterrupted) {
+    const std::string home = "\x1b[H";
+    client("exit 1");
+    PseudoTerminal terminal({"status", "--watch"}, m_environment, 60, 6);
+    ASSERT_TRUE(terminal.waitFor("claude /usage failed:"));
+    EXPECT_THAT(terminal.drawn(), StartsWith("\x1b[?1049h\x1b[?25l"));
+    const Arguments demo{"status", "--watch", "--demo", "at-risk"};
+    PseudoTerminal small(demo, m_environment, 60, 6);
+    ASSERT_TRUE(small.waitFor("\x1b[J", 2));  // the second drawing
+    small.type("\x03");
+    EXPECT_EQ(small.end(), 0);
+    EXPECT_THAT(small.drawn(), AllOf(HasSubstr("Demonstration"), EndsWith("\x1b[?25h\x1b[?1049l")));
+    const std::string drawing = small.drawn().substr(small.drawn().rfind(home));
+    EXPECT_LT(std::count(drawing.begin(), drawing.end(), '\n'), 6);  // one more would scroll
+    ASSERT_TRUE(terminal.waitFor("\x1b[J", 2));
+    terminal.type("\x03");
+    EXPECT_EQ(terminal.end(), 0);
+    EXPECT_EQ(asked(), 1);  // a failure is not repeated at every turn
+    // On a pipe: drawing after drawing, and no control over a screen.
+    const ProcessResult piped = run({"status", "--watch", "--demo", "at-risk", "--format", "plain"}, 1s);
+    EXPECT_EQ(piped.end, ProcessResult::End::timedOut);
+    EXPECT_THAT(piped.standardOutput, AllOf(StartsWith("▲ 5h 72%"), EndsWith("\n"), Not(HasSubstr("\x1b"))));
+}
+
+TEST_F(VornctlTest, InterruptsTakeTheClientAlong) {
+    client("sleep 60 & echo $! >> pids; echo asked > started; wait");
+    for (const bool isWatching : {false, true}) {
+        fs::remove(m_dir / "started");
+        PseudoTerminal terminal(isWatching ? Arguments{"status", "--watch"} : Arguments{"status"}, m_environment, 80,
+                                24);
+        const auto deadline = std::chrono::steady_clock::now() + 10s;
+        while (!fs::exists(m_dir / "started") && std::chrono::steady_clock::now() < deadline) {
+            ::usleep(5000);
+        }
+        terminal.type("\x03");
+        EXPECT_EQ(terminal.end(), isWatching ? 0 : 130);
+        EXPECT_EQ(terminal.drawn().ends_with("\x1b[?1049l"), isWatching);
+    }
+    EXPECT_FALSE(fs::exists(m_vorn / "probe.json"));
+    const std::string full = std::string(VORNCTL) + " status --demo watch > /dev/full";
+    const ProcessResult lost = runProcess({.executable = "/bin/sh", .arguments = {"-c", full}, .environment = {}});
+    EXPECT_EQ(lost.status, 1);
+    EXPECT_EQ(lost.standardError, "vornctl: the output could not be written\n");
+}
+
+}  // namespace
+}  // namespace vorn

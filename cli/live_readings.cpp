@@ -32,7 +32,8 @@ public:
           m_history(VornPaths::history(), HistoryStore::defaultRetention, HistoryStore::defaultHeartbeat, kPatience) {}
 
     Readings read() {
-        m_state.merge(newestCurrent(m_history.all(), now()));
+        m_samples = m_history.all();
+        m_state.merge(newestCurrent(m_samples, now()));
         m_state.merge(lastAnswer());
         // Announced after that answer was judged, so the next one is meant.
         const std::vector expected(m_record.expectedResets.begin(), m_record.expectedResets.end());
@@ -118,6 +119,7 @@ private:
         }
         if (mayWrite()) {
             m_history.record(believed, now());
+            m_samples = m_history.all();
         }
     }
 
@@ -133,7 +135,7 @@ private:
     Readings collect() {
         Readings readings{.windows = m_state.current(now()),
                           .insights = m_state.insights(),
-                          .history = m_history.all(),
+                          .history = std::move(m_samples),
                           .plan = ResetPlanStore(VornPaths::resetPlan()).load().pruned(now()),
                           .failure = std::move(m_failure)};
         if (m_request.wholeWeek) {
@@ -161,6 +163,7 @@ private:
     LiveMemory& m_memory;
     const Cancellation& m_cancellation;
     HistoryStore m_history;
+    std::vector<HistorySample> m_samples;  ///< What the history holds; copied no more often than it changes.
     const ProbeRecordStore m_records{VornPaths::probeRecord()};
     const ProbeRecord m_record = m_memory.unsaved ? *m_memory.unsaved : m_records.load();
     UsageState m_state;

@@ -70,13 +70,18 @@ StatusReport demoReport(demo::Scenario scenario, std::optional<Instant> moment) 
     return analyse(demoReadings(scenario, now), now);
 }
 
+Detail detailFor(const StatusArguments& arguments) {
+    const bool isLine = arguments.format == "plain" || arguments.format == "tmux" || arguments.format == "waybar";
+    return isLine ? Detail::line : Detail::full;
+}
+
 StatusReport readReport(const StatusArguments& arguments, const LiveRequest& request, LiveMemory& memory,
                         const Cancellation& cancellation) {
     if (const auto scenario = demo::scenarioNamed(arguments.demo)) {
         return demoReport(*scenario, request.now);
     }
     Readings readings = readLive(request, memory, cancellation);
-    return analyse(std::move(readings), request.now.value_or(systemNow()));
+    return analyse(std::move(readings), request.now.value_or(systemNow()), detailFor(arguments));
 }
 
 bool isForPeople(const StatusArguments& arguments) {

@@ -43,7 +43,7 @@ void noteSessionsLeft(StatusReport& report) {
 
 }  // namespace
 
-StatusReport analyse(Readings readings, Instant now) {
+StatusReport analyse(Readings readings, Instant now, Detail detail) {
     StatusReport report{.now = now};
     const HistoryIndex index(readings.history);
     std::vector<WindowAssessment> assessments;
@@ -55,8 +55,10 @@ StatusReport analyse(Readings readings, Instant now) {
     // Every run stands for itself: there is no earlier choice of a window to stay with.
     report.steer = VornEngine::steer(assessments, std::nullopt, 0);
     report.head = Format::head(report.headline, report.steer, now);
-    report.ratio = VornEngine::sessionWeekRatio(readings.history, kMinimumSessionPoints);
-    noteSessionsLeft(report);
+    if (detail == Detail::full) {
+        report.ratio = VornEngine::sessionWeekRatio(readings.history, kMinimumSessionPoints);
+        noteSessionsLeft(report);
+    }
     noteNewestReading(report);
     report.insights = std::move(readings.insights);
     report.plan = std::move(readings.plan);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -53,6 +54,12 @@ struct StatusReport {
     std::optional<ProbeFailure> failure;
 };
 
-StatusReport analyse(Readings readings, Instant now);
+/// How much of it will be shown.
+enum class Detail : std::uint8_t {
+    full,
+    line,  ///< The windows and the headline, for bars and prompts: without the ratio, which needs the whole history.
+};
+
+StatusReport analyse(Readings readings, Instant now, Detail detail = Detail::full);
 
 }  // namespace vorn::cli

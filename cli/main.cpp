@@ -1,9 +1,11 @@
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <exception>
 #include <iostream>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
@@ -37,6 +39,17 @@ std::string explainWrongUsage(const CLI::App* app, const CLI::Error& error) {
     return name + ": " + reason + "\nRun " + name + " --help for more.\n";
 }
 
+/// The last one first, as CLI11 takes them. "help plan add" is "plan add --help", as people try it.
+std::vector<std::string> argumentsFrom(int argc, char** argv) {
+    std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+    if (!arguments.empty() && arguments.front() == "help") {
+        arguments.erase(arguments.begin());
+        arguments.emplace_back("--help");
+    }
+    std::ranges::reverse(arguments);
+    return arguments;
+}
+
 int run(int argc, char** argv) {
     // Inherited as ignored it would take the exit status of every child away.
     std::signal(SIGCHLD, SIG_DFL);
@@ -47,13 +60,14 @@ int run(int argc, char** argv) {
     app.failure_message(explainWrongUsage);
     app.formatter(std::make_shared<PlainFormatter>());
     app.get_formatter()->column_width(28);
+    app.footer("vornctl help COMMAND tells more about a command.");
 
     vorn::cli::CommandContext context;
     vorn::cli::addStatusCommand(app, context);
     vorn::cli::addActivityCommand(app, context);
     vorn::cli::addPlanCommand(app, context);
     try {
-        app.parse(argc, argv);
+        app.parse(argumentsFrom(argc, argv));
     } catch (const CLI::ParseError& error) {
         const bool isAnswer = error.get_exit_code() == 0;
         app.exit(error);

@@ -1,0 +1,8 @@
+# What `cmake --install` puts where: the program, its man page, and completions where each shell looks for them.
+include(GNUInstallDirs)
+
+install(TARGETS vornctl)
+install(FILES docs/man/vornctl.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES completions/vornctl.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME vornctl)
+install(FILES completions/_vornctl DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+install(FILES completions/vornctl.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)

@@ -5,7 +5,7 @@
 _vornctl_planned() {
     local number rest
     "${1/#\~/$HOME}" plan list 2>/dev/null | while read -r number rest; do
-        [[ $rest == *T*Z\ * ]] && echo "$number"
+        [[ $rest == [0-9]*-*:* ]] && echo "$number"
     done
 }
 

@@ -33,7 +33,7 @@ end
 # The numbers of the planned resets, each with its date and text.
 function __vornctl_planned
     set -l vornctl (string replace -r '^~' $HOME -- (commandline -opc)[1])
-    $vornctl plan list 2>/dev/null | string replace -rf '^ *(\d+)  (\S+Z  .*?) *$' '$1\t$2'
+    $vornctl plan list 2>/dev/null | string replace -rf '^ *(\d+)  (\d\S+ \d\d:\d\d  .*?) *$' '$1\t$2'
 end
 
 complete -c vornctl -f

@@ -4,6 +4,7 @@
 #include <iterator>
 #include <utility>
 
+#include "cli/breakdown_file.hpp"
 #include "core/data/history_store.hpp"
 #include "core/data/reset_plan_store.hpp"
 #include "core/data/usage_state.hpp"
@@ -18,7 +19,6 @@ namespace {
 /// How often a client is asked that answers; failures are spaced from it.
 constexpr Seconds kRefresh{300};
 constexpr Seconds kProbeTimeout{30};
-constexpr Seconds kInsightsLifetime{86400};
 /// For another process that is writing the history: what is not written when this one ends is lost.
 constexpr std::chrono::milliseconds kPatience{2000};
 
@@ -38,7 +38,7 @@ public:
         // Announced after that answer was judged, so the next one is meant.
         const std::vector expected(m_record.expectedResets.begin(), m_record.expectedResets.end());
         m_state.expectReset(expected);
-        m_state.setInsights(freshInsights());
+        m_state.setInsights(loadBreakdown(now()));
         if (mayProbe()) {
             probe();
         }
@@ -57,14 +57,6 @@ private:
         std::vector<HistorySample> samples;
         std::ranges::transform(m_record.readings, std::back_inserter(samples), HistorySample::of);
         return newestCurrent(samples, now());
-    }
-
-    /// A breakdown speaks of the hours before it was printed.
-    [[nodiscard]] std::optional<UsageInsights> freshInsights() const {
-        const auto& insights = m_record.insights;
-        const bool isFresh =
-            insights && insights->observedAt <= now() && now() - insights->observedAt <= kInsightsLifetime;
-        return isFresh ? insights : std::nullopt;
     }
 
     bool mayProbe() {
@@ -92,8 +84,7 @@ private:
             take(result);
             remember({.lastProbeAt = now(),
                       .readings = std::move(result.windows),
-                      .expectedResets = m_state.expectingReset(),
-                      .insights = m_state.insights()});
+                      .expectedResets = m_state.expectingReset()});
         } catch (const ProbeError& error) {
             m_failure = ProbeFailure{.message = error.what(), .advice = error.advice()};
             remember(m_record.afterFailure(now(), error.what()));
@@ -120,6 +111,7 @@ private:
         if (mayWrite()) {
             m_history.record(believed, now());
             m_samples = m_history.all();
+            saveBreakdown(m_state.insights());
         }
     }
 

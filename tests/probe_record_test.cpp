@@ -15,8 +15,7 @@ ProbeRecord fullRecord() {
     ProbeRecord record{.lastProbeAt = kNow,
                        .readings = {test::reading(WindowKind::session(), 20.5, 3h),
                                     test::reading(WindowKind::weekModel("Sonnet\x1b only"), 7, 90h)},
-                       .expectedResets = {WindowKind::week(), WindowKind::weekModel("Opus")},
-                       .insights = UsageInsights{.periods = {{.label = "Last 24h"}}, .observedAt = kNow}};
+                       .expectedResets = {WindowKind::week(), WindowKind::weekModel("Opus")}};
     record.readings[0].observedAt = kNow + 0.25s;
     return record.afterFailure(kNow + 5s, "one\ntwo");
 }
@@ -40,7 +39,7 @@ TEST(ProbeRecordStore, TakesADamagedFileForNone) {
           R"({"consecutiveFailures": 1.5})", R"({"consecutiveFailures": 1, "lastProbeAt": "yesterday"})",
           R"({"consecutiveFailures": 1, "readings": [{"kind": {"session": {}}}]})",
           R"({"consecutiveFailures": 1, "expectedResets": ["session"]})",
-          R"({"consecutiveFailures": 1, "lastError": 5})", R"({"consecutiveFailures": 1, "insights": []})"}) {
+          R"({"consecutiveFailures": 1, "lastError": 5})"}) {
         EXPECT_EQ(ProbeRecordStore(dir.write("probe.json", text)).load(), ProbeRecord{}) << text;
     }
     const auto failures = [&](const char* text) {

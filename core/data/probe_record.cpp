@@ -33,9 +33,6 @@ ProbeRecord decode(const nlohmann::json& value) {
     for (const auto& kind : arrayOf(value, "expectedResets")) {
         record.expectedResets.insert(decodeWindowKind(kind));
     }
-    if (const auto* insights = findMember(value, "insights")) {
-        record.insights = decodeUsageInsights(*insights, DateCoding::secondsSince1970);
-    }
     return record;
 }
 
@@ -52,9 +49,6 @@ nlohmann::json encode(const ProbeRecord& record) {
     }
     for (const WindowKind& kind : record.expectedResets) {
         value["expectedResets"].push_back(encode(kind));
-    }
-    if (record.insights) {
-        value["insights"] = encode(*record.insights, DateCoding::secondsSince1970);
     }
     return value;
 }

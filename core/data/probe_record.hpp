@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "core/data/usage_insights.hpp"
 #include "core/data/usage_window.hpp"
 
 namespace vorn {
@@ -20,8 +19,7 @@ struct ProbeRecord {
     /// The last answer as it was read, before any judgement: a large fall needs a second reading to be believed, and
     /// the next program to ask must know of the first.
     std::vector<UsageWindow> readings;
-    std::set<WindowKind> expectedResets;    ///< Announced by the user and not seen after those readings.
-    std::optional<UsageInsights> insights;  ///< The last breakdown, of that answer or of an earlier one.
+    std::set<WindowKind> expectedResets;  ///< Announced by the user and not seen after those readings.
 
     [[nodiscard]] ProbeRecord afterFailure(Instant now, std::string error) const;
 

@@ -1,0 +1,44 @@
+#include "cli/breakdown_file.hpp"
+
+#include "core/data/vorn_paths.hpp"
+#include "core/support/file.hpp"
+
+namespace vorn::cli {
+namespace {
+
+constexpr Seconds kLifetime{86400};
+constexpr std::size_t kLargestFile = std::size_t{1} << 20U;
+
+std::filesystem::path breakdownFile() {
+    return VornPaths::root() / "insights.json";
+}
+
+}  // namespace
+
+std::optional<UsageInsights> loadBreakdown(Instant now) try {
+    const auto content = readFile(breakdownFile(), kLargestFile);
+    const auto document = content ? parseJson(*content) : std::nullopt;
+    if (!document) {
+        return std::nullopt;
+    }
+    UsageInsights breakdown = decodeUsageInsights(*document, DateCoding::secondsSince1970);
+    // One from the future was kept before the clock was set back.
+    const bool isFresh = breakdown.observedAt <= now && now - breakdown.observedAt <= kLifetime;
+    return isFresh ? std::optional(std::move(breakdown)) : std::nullopt;
+} catch (const DecodingError&) {
+    return std::nullopt;
+}
+
+void saveBreakdown(const std::optional<UsageInsights>& breakdown) {
+    if (!breakdown) {
+        return;
+    }
+    try {
+        createPrivateDirectories(VornPaths::root());
+        replaceFile(breakdownFile(), dumpJson(encode(*breakdown, DateCoding::secondsSince1970), true) + "\n");
+    } catch (const std::filesystem::filesystem_error&) {
+        // It will be printed again.
+    }
+}
+
+}  // namespace vorn::cli

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <optional>
+
+#include "core/data/usage_insights.hpp"
+
+/// The breakdown that the client printed last, kept for the next call of vornctl: most calls do not ask the client, and
+/// its findings speak of a day or a week anyway.
+namespace vorn::cli {
+
+/// Empty when there is none, when it cannot be read, and once it is a day old.
+std::optional<UsageInsights> loadBreakdown(Instant now);
+/// A failure to write is ignored.
+void saveBreakdown(const std::optional<UsageInsights>& breakdown);
+
+}  // namespace vorn::cli

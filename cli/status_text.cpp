@@ -246,6 +246,7 @@ private:
 
     void shares(const char* title, const std::vector<UsageInsights::Share>& shares) {
         std::vector<std::string> parts;
+        parts.reserve(shares.size());
         for (const auto& share : shares) {
             parts.push_back(share.name + " " + Format::percent(share.percent));
         }

@@ -1,6 +1,7 @@
 #include <chrono>
 #include <ctime>
 #include <fstream>
+#include <iterator>
 #include <map>
 #include <set>
 #include <sstream>
@@ -37,13 +38,12 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-using Arguments = std::vector<std::string>;
-
 const std::string kNow = "2026-11-22T20:45:00Z";
-const Arguments kScenarios{"comfortable", "watch", "at-risk", "limited", "planned-reset"};
+const std::vector<std::string> kScenarios{"comfortable", "watch", "at-risk", "limited", "planned-reset"};
 
-json envelope(const std::string& text) {
-    return {{"type", "result"}, {"is_error", false}, {"result", text}};
+std::vector<std::string> words(const std::string& line) {
+    std::istringstream stream(line);
+    return {std::istream_iterator<std::string>(stream), {}};
 }
 
 /// "Nov 22, 2026, 11:16pm (UTC)", as far ahead of the clock.
@@ -72,19 +72,19 @@ protected:
         answers(usage(23));
     }
 
-    ProcessResult run(const Arguments& arguments, Seconds timeout = 20s) const {
+    /// `line`: arguments, with blanks between them.
+    [[nodiscard]] ProcessResult run(const std::string& line, Seconds timeout = 20s) const {
         return runProcess(
-            {.executable = VORNCTL, .arguments = arguments, .environment = m_environment, .timeout = timeout});
+            {.executable = VORNCTL, .arguments = words(line), .environment = m_environment, .timeout = timeout});
     }
     /// Of a run that shows readings.
-    [[nodiscard]] json status(Arguments arguments = {}) const {
-        arguments.insert(arguments.begin(), {"status", "--json"});
-        const ProcessResult result = run(arguments);
+    [[nodiscard]] json status(const std::string& options = {}) const {
+        const ProcessResult result = run("status --json " + options);
         EXPECT_EQ(result.status, 0) << result.standardError;
         return json::parse(result.standardOutput, nullptr, false);
     }
-    [[nodiscard]] double session(const Arguments& arguments = {}) const {
-        return status(arguments).at("windows").at(0).at("usedPercent");
+    [[nodiscard]] double session(const std::string& options = {}) const {
+        return status(options).at("windows").at(0).at("usedPercent");
     }
 
     /// The client from now on, as a shell script.
@@ -92,7 +92,7 @@ protected:
         m_dir.executable("bin/claude", fmt::format("cd '{}'; echo $$ >> pids; {}", m_dir.path().string(), script));
     }
     void answers(const std::string& text) const {
-        m_dir.write("answer.json", envelope(text).dump());
+        m_dir.write("answer.json", json{{"result", text}}.dump());
         client("cat answer.json");
     }
     /// How often it was run.
@@ -157,7 +157,7 @@ TEST_F(VornctlTest, ShowsEveryWindowAndFindingOfTheSamples) {
         ++samples;
         const std::string text = readAll(entry.path());
         answers(text);
-        const json shown = status({"--probe", "--now", kNow});
+        const json shown = status("--probe --now " + kNow);
         const std::string insights = shown.value("insights", json()).dump(-1, ' ', false);
         std::size_t windows = 0;
         std::istringstream stream(text);
@@ -207,7 +207,7 @@ TEST_F(VornctlTest, TellsWhyTheClientGaveNothing) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         client(c.script);
-        const ProcessResult result = run({"status", "--probe"});
+        const ProcessResult result = run("status --probe");
         EXPECT_EQ(result.status, 1);
         EXPECT_EQ(result.standardOutput, "");
         if (std::string_view(c.name) == "50 MB") {
@@ -218,63 +218,59 @@ TEST_F(VornctlTest, TellsWhyTheClientGaveNothing) {
         m_watch.expectNothingLeft();
     }
     for (const char* path : {"/nowhere/claude", "/dev/null", VORN_USAGE_SAMPLES}) {
-        EXPECT_EQ(run({"status", "--probe", "--claude", path}).standardError, notFound) << path;
+        EXPECT_EQ(run(std::string("status --probe --claude ") + path).standardError, notFound) << path;
     }
 }
 
 TEST_F(VornctlTest, AnswersWhereTheClientOrTheSystemMisbehaves) {
     client("sleep 60 & echo $! >> pids; cat answer.json");  // a child that keeps the pipe
-    EXPECT_EQ(session({"--probe"}), 23);
+    EXPECT_EQ(session("--probe"), 23);
     m_watch.expectNothingLeft();
     answers(usage(24));
     m_environment.erase("HOME");
-    EXPECT_EQ(session({"--probe"}), 24);
+    EXPECT_EQ(session("--probe"), 24);
     // Neither the history nor anything else can be written.
     fs::remove_all(m_vorn);
     for (const char* name : {"history.jsonl", "probe.json", "reset-plan.json"}) {
         fs::create_directories(m_vorn / name / "in the way");
     }
     EXPECT_EQ(session(), 24);
-    EXPECT_THAT(run({"plan", "bank", "2"}).standardError, StartsWith("vornctl: cannot change the plan: "));
-    EXPECT_THAT(run({"plan", "redeem"}).standardError, StartsWith("vornctl: cannot write "));
+    EXPECT_THAT(run("plan bank 2").standardError, StartsWith("vornctl: cannot change the plan: "));
+    EXPECT_THAT(run("plan redeem").standardError, StartsWith("vornctl: cannot write "));
     m_environment["VORN_HOME"] = m_dir / "answer.json";
-    const ProcessResult result = run({"status"});
+    const ProcessResult result = run("status");
     EXPECT_EQ(result.status, 1);
     EXPECT_THAT(result.standardError, AllOf(StartsWith("Couldn't run claude: "), EndsWith(": Not a directory\n")));
-    EXPECT_EQ(run({"plan", "bank", "2"}).status, 1);
+    EXPECT_EQ(run("plan bank 2").status, 1);
 }
 
 TEST_F(VornctlTest, ExplainsWrongUsage) {
     const struct {
-        Arguments arguments;
         const char* line;
+        const char* error;
     } cases[] = {
-        {{}, "vornctl: a command is required\nRun vornctl --help for more.\n"},
-        {{"stats"}, "vornctl: there is no command stats\n"},
-        {{"plan"}, "vornctl plan: a command is required\nRun vornctl plan --help for more.\n"},
-        {{"plan", "drop"}, "vornctl plan: there is no command drop\n"},
-        {{"plan", "add"}, "vornctl plan add: when is required\n"},
-        {{"plan", "bank", "-1"}, "not in range 0 to 1000000"},
-        {{"plan", "bank", "99999999999999999999"}, "not in range 0 to 1000000"},
-        {{"plan", "redeem", "--scope", "month"}, "month not in {all,session,week}"},
-        {{"status", "--now", "yesterday"}, "expected a moment such as 2026-11-22T20:45:00Z, not yesterday"},
-        {{"status", "--format", "xml"}, "xml not in {text,plain,tmux,waybar,json}"},
-        {{"status", "--demo", "calm"}, "calm not in {comfortable,watch,at-risk,limited,planned-reset}"},
-        {{"status", "--json", "--format", "tmux"}, "--json excludes --format"},
-        {{"status", "--probe", "--no-probe"}, "--probe excludes --no-probe"},
-        {{"status", "now"}, "The following argument was not expected: now"},
-        {{"activity", "--since", "0h"}, "expected a span such as 90m, 24h or 7d, not 0h"},
+        {"", "vornctl: a command is required\nRun vornctl --help for more.\n"},
+        {"stats", "vornctl: there is no command stats\n"},
+        {"plan drop", "vornctl plan: there is no command drop\n"},
+        {"plan add", "vornctl plan add: when is required\n"},
+        {"plan bank 99999999999999999999", "not in range 0 to 1000000"},
+        {"plan redeem --scope month", "month not in {all,session,week}"},
+        {"status --now yesterday", "expected a moment such as 2026-11-22T20:45:00Z, not yesterday"},
+        {"status --format xml", "xml not in {text,plain,tmux,waybar,json}"},
+        {"status --demo calm", "calm not in {comfortable,watch,at-risk,limited,planned-reset}"},
+        {"status --json --format tmux", "--json excludes --format"},
+        {"status --probe --no-probe", "--probe excludes --no-probe"},
+        {"status now", "The following argument was not expected: now"},
+        {"activity --since 0h", "expected a span such as 90m, 24h or 7d, not 0h"},
     };
     for (const auto& c : cases) {
-        const ProcessResult result = run(c.arguments);
+        const ProcessResult result = run(c.line);
         EXPECT_EQ(result.status, 2) << c.line;
-        EXPECT_THAT(result.standardError, HasSubstr(c.line));
+        EXPECT_THAT(result.standardError, HasSubstr(c.error));
         EXPECT_EQ(result.standardOutput, "");
     }
-    for (const Arguments& command : {Arguments{}, {"status"}, {"activity"}, {"plan"}, {"plan", "add"}}) {
-        Arguments arguments = command;
-        arguments.emplace_back("--help");
-        const ProcessResult result = run(arguments);
+    for (const char* command : {"", "status", "activity", "plan", "plan add"}) {
+        const ProcessResult result = run(std::string(command) + " --help");
         EXPECT_EQ(result.status, 0);
         EXPECT_THAT(result.standardOutput, HasSubstr("Usage: vornctl"));
         EXPECT_EQ(result.standardError, "");
@@ -284,8 +280,8 @@ TEST_F(VornctlTest, ExplainsWrongUsage) {
 }
 
 TEST_F(VornctlTest, AsksOnlyWhenTheReadingIsOld) {
-    EXPECT_EQ(run({"status", "--no-probe"}).status, 1);
-    EXPECT_THAT(run({"status", "--no-probe"}).standardError, StartsWith("There is no current reading. "));
+    EXPECT_EQ(run("status --no-probe").status, 1);
+    EXPECT_THAT(run("status --no-probe").standardError, StartsWith("There is no current reading. "));
     EXPECT_EQ(asked(), 0);
     const json first = status();
     const json second = status();
@@ -294,11 +290,11 @@ TEST_F(VornctlTest, AsksOnlyWhenTheReadingIsOld) {
     age(50s);
     EXPECT_EQ(session(), 23);
     EXPECT_EQ(asked(), 1);
-    EXPECT_EQ(session({"--probe"}), 23);
+    EXPECT_EQ(session("--probe"), 23);
     EXPECT_EQ(asked(), 2);
     age(61s);
     answers(usage(25));
-    EXPECT_EQ(session({"--no-probe"}), 23);
+    EXPECT_EQ(session("--no-probe"), 23);
     EXPECT_EQ(asked(), 2);
     EXPECT_EQ(session(), 25);
     EXPECT_EQ(asked(), 3);
@@ -306,11 +302,11 @@ TEST_F(VornctlTest, AsksOnlyWhenTheReadingIsOld) {
     EXPECT_EQ(history().back().at("k"), "session");
     EXPECT_EQ(history().size(), 3U);  // an unchanged week is not repeated
     fs::remove(m_vorn / "probe.json");
-    EXPECT_EQ(session({"--no-probe"}), 25);
+    EXPECT_EQ(session("--no-probe"), 25);
     // Another day: nothing that is over counts, wherever it is remembered.
-    EXPECT_EQ(session({"--probe"}), 25);
-    EXPECT_EQ(run({"status", "--no-probe", "--now", "2100-01-01T00:00:00Z"}).status, 1);
-    EXPECT_EQ(run({"status", "--no-probe", "--now", kNow}).status, 1);
+    EXPECT_EQ(session("--probe"), 25);
+    EXPECT_EQ(run("status --no-probe --now 2100-01-01T00:00:00Z").status, 1);
+    EXPECT_EQ(run("status --no-probe --now " + kNow).status, 1);
     age(-3600s);  // a clock that was ahead
     answers(usage(5));
     EXPECT_EQ(session(), 5);
@@ -320,26 +316,25 @@ TEST_F(VornctlTest, LeavesAFailingClientAlone) {
     EXPECT_EQ(session(), 23);
     age(61s);
     client("echo \"unknown option '--safe-mode'\" >&2; exit 1");
-    const auto runs = [&](Seconds older, Arguments arguments) {
+    const auto runs = [&](Seconds older, const std::string& options) {
         age(older);
-        arguments.insert(arguments.begin(), "status");
-        const ProcessResult result = run(arguments);
+        const ProcessResult result = run("status " + options);
         EXPECT_EQ(result.status, 0);  // a current reading is shown all the same
         EXPECT_THAT(result.standardOutput, HasSubstr("23%"));
         EXPECT_THAT(result.standardError, AllOf(HasSubstr("--safe-mode"), HasSubstr("too old for Vorn")));
         return asked();
     };
-    EXPECT_EQ(runs(0s, {}), 2);
-    const ProcessResult again = run({"status", "--json"});
+    EXPECT_EQ(runs(0s, ""), 2);
+    const ProcessResult again = run("status --json");
     EXPECT_THAT(again.standardError, HasSubstr("Not asked again before"));
     const json failure = json::parse(again.standardOutput).at("failure");
     EXPECT_TRUE(failure.contains("message") && failure.contains("advice") && failure.contains("retryAt"));
-    EXPECT_EQ(runs(590s, {}), 2);
-    EXPECT_EQ(runs(11s, {}), 3);
-    EXPECT_EQ(runs(1190s, {}), 3);
-    EXPECT_EQ(runs(0s, {"--probe"}), 4);
+    EXPECT_EQ(runs(590s, ""), 2);
+    EXPECT_EQ(runs(11s, ""), 3);
+    EXPECT_EQ(runs(1190s, ""), 3);
+    EXPECT_EQ(runs(0s, "--probe"), 4);
     answers(usage(26));
-    EXPECT_EQ(session({"--probe"}), 26);
+    EXPECT_EQ(session("--probe"), 26);
     age(61s);
     EXPECT_EQ(session(), 26);
     EXPECT_EQ(asked(), 6);
@@ -349,12 +344,12 @@ TEST_F(VornctlTest, BelievesAnEarlyResetWhenItIsConfirmed) {
     answers(usage(80));
     EXPECT_EQ(session(), 80);
     answers(usage(20));
-    EXPECT_EQ(session({"--probe"}), 80);  // one low reading may be stale
-    EXPECT_EQ(session({"--probe"}), 80);  // and so may a second within the minute
+    EXPECT_EQ(session("--probe"), 80);  // one low reading may be stale
+    EXPECT_EQ(session("--probe"), 80);  // and so may a second within the minute
     age(61s);
     EXPECT_EQ(session(), 20);
     EXPECT_EQ(session(), 20);
-    EXPECT_EQ(session({"--no-probe"}), 20);
+    EXPECT_EQ(session("--no-probe"), 20);
     std::vector<double> recorded;
     for (const json& sample : history()) {
         if (sample.at("k") == "session") {
@@ -368,41 +363,40 @@ TEST_F(VornctlTest, BelievesAnAnnouncedResetAtOnce) {
     answers(usage(80));
     EXPECT_EQ(session(), 80);
     answers(usage(20));
-    EXPECT_EQ(session({"--probe"}), 80);
-    EXPECT_EQ(run({"plan", "redeem", "--scope", "week"}).status, 0);
-    EXPECT_EQ(session({"--probe"}), 80);  // that one was about the week
-    EXPECT_EQ(run({"plan", "redeem", "--scope", "session"}).status, 0);
-    EXPECT_EQ(session({"--no-probe"}), 80);  // an answer from before is not what was announced
+    EXPECT_EQ(session("--probe"), 80);
+    EXPECT_EQ(run("plan redeem --scope week").status, 0);
+    EXPECT_EQ(session("--probe"), 80);  // that one was about the week
+    EXPECT_EQ(run("plan redeem --scope session").status, 0);
+    EXPECT_EQ(session("--no-probe"), 80);  // an answer from before is not what was announced
     client("exit 1");
-    EXPECT_EQ(session({"--probe"}), 80);
+    EXPECT_EQ(session("--probe"), 80);
     answers(usage(20, 3));
-    const json shown = status({"--probe"});
+    const json shown = status("--probe");
     EXPECT_EQ(shown.at("windows").at(0).at("usedPercent"), 20);
     EXPECT_EQ(shown.at("windows").at(1).at("usedPercent"), 3);
     answers(usage(2, 3));
-    EXPECT_EQ(session({"--probe"}), 20);  // it was used up
+    EXPECT_EQ(session("--probe"), 20);  // it was used up
 }
 
 TEST_F(VornctlTest, WritesNothingForAnotherMomentOrADemonstration) {
     EXPECT_EQ(session(), 23);
     fs::create_directories(m_vorn / "probe");
     const auto before = home();
-    EXPECT_EQ(status({"--probe", "--now", kNow}).at("now"), kNow);
+    EXPECT_EQ(status("--probe --now " + kNow).at("now"), kNow);
     EXPECT_EQ(home(), before);
     fs::remove_all(m_vorn);
     const auto runs = asked();
     std::set<std::string> outputs;
     for (const std::string& scenario : kScenarios) {
-        for (const Arguments& how : {Arguments{"--rates"}, {"--json"}, {"--format", "waybar"}, {"--probe"}}) {
-            Arguments arguments{"status", "--demo", scenario, "--now", kNow};
-            arguments.insert(arguments.end(), how.begin(), how.end());
-            const std::string output = run(arguments).standardOutput;
-            EXPECT_EQ(run(arguments).standardOutput, output);
+        for (const std::string how : {"--rates", "--json", "--format waybar", "--probe"}) {
+            const std::string line = "status --now " + kNow + " --demo " + scenario + " " + how;
+            const std::string output = run(line).standardOutput;
+            EXPECT_EQ(run(line).standardOutput, output);
             EXPECT_EQ(output.starts_with("Demonstration with invented figures\n"),
-                      how.front() == "--rates" || how.front() == "--probe");
+                      how == "--rates" || how == "--probe");
             outputs.insert(output);
         }
-        EXPECT_EQ(run({"status", "--demo", scenario}).status, 0);
+        EXPECT_EQ(run("status --demo " + scenario).status, 0);
     }
     EXPECT_EQ(outputs.size(), 20U);
     EXPECT_EQ(asked(), runs);
@@ -410,19 +404,19 @@ TEST_F(VornctlTest, WritesNothingForAnotherMomentOrADemonstration) {
 }
 
 TEST_F(VornctlTest, DemonstratesOnlyWhereThereIsNothingElse) {
-    const ProcessResult empty = run({"status", "--demo-if-empty", "--claude", "/nowhere"});
+    const ProcessResult empty = run("status --demo-if-empty --claude /nowhere");
     EXPECT_EQ(empty.status, 1);
     EXPECT_THAT(empty.standardError, StartsWith("Couldn't find the claude command."));
     EXPECT_THAT(empty.standardOutput,
                 AllOf(StartsWith("\nDemonstration with invented figures: "), HasSubstr("▲ Ease off to ")));
-    EXPECT_EQ(run({"status", "--demo-if-empty", "--claude", "/nowhere", "--format", "plain"}).standardOutput,
+    EXPECT_EQ(run("status --demo-if-empty --claude /nowhere --format plain").standardOutput,
               "– Couldn't find the claude command. Install Claude Code, or set its path in Settings.\n");
-    EXPECT_THAT(run({"status", "--demo-if-empty", "--probe"}).standardOutput, Not(HasSubstr("Demonstration")));
+    EXPECT_THAT(run("status --demo-if-empty --probe").standardOutput, Not(HasSubstr("Demonstration")));
 }
 
 TEST_F(VornctlTest, SpeaksToBarsAndPrompts) {
-    const auto shown = [&](const char* format) {
-        return run({"status", "--demo", "at-risk", "--now", kNow, "--format", format}).standardOutput;
+    const auto shown = [&](const std::string& format) {
+        return run("status --demo at-risk --now " + kNow + " --format " + format).standardOutput;
     };
     EXPECT_EQ(shown("plain"), "▲ 5h 72% ↓0.5× · Limit in ~1h 5m at this pace\n");
     EXPECT_EQ(shown("tmux"), "#[fg=colour208]5h 72% ↓0.5×#[default]\n");
@@ -435,80 +429,68 @@ TEST_F(VornctlTest, SpeaksToBarsAndPrompts) {
     EXPECT_EQ(module.at("percentage"), 72);
     EXPECT_THAT(module.at("tooltip"),
                 StartsWith("Ease off to 54% of your current pace\nSession (5h) is the tight one\n"));
-    const ProcessResult none = run({"status", "--no-probe", "--format", "tmux"});
+    const ProcessResult none = run("status --no-probe --format tmux");
     EXPECT_EQ(none.standardOutput, "\n");
     EXPECT_EQ(none.status, 1);
-    EXPECT_EQ(json::parse(run({"status", "--no-probe", "--format", "waybar"}).standardOutput).at("class"), "unknown");
+    EXPECT_EQ(json::parse(run("status --no-probe --format waybar").standardOutput).at("class"), "unknown");
 }
 
 TEST_F(VornctlTest, ObeysNoTextFromOutside) {
     const std::string name = "\x1b[31m<b>#[fg=red]\x07" + std::string(500, 'm');
     answers("Current week (" + name + "): 100% used\nLast 24h · 1 requests\n  50%  " + name + " · \x1b]0;x\x07\n");
     EXPECT_EQ(status().at("windows").at(0).at("kind"), "week:" + name);
-    EXPECT_EQ(run({"plan", "add", "2999-01-01T00:00:00Z", "--note", name}).status, 0);
-    for (const Arguments& arguments : {Arguments{"status"},
-                                       {"status", "--json"},
-                                       {"status", "--format", "plain"},
-                                       {"status", "--format", "tmux"},
-                                       {"status", "--format", "waybar"},
-                                       {"plan", "list"},
-                                       {"plan", "list", "--json"}}) {
-        const ProcessResult result = run(arguments);
+    EXPECT_EQ(run("plan add 2999-01-01T00:00:00Z --note " + name).status, 0);
+    for (const char* line : {"status", "status --json", "status --format plain", "status --format tmux",
+                             "status --format waybar", "plan list", "plan list --json"}) {
+        const ProcessResult result = run(line);
         EXPECT_EQ(result.status, 0);
         EXPECT_THAT(result.standardOutput, AllOf(HasSubstr("fg=red"), Not(HasSubstr("\x1b")), Not(HasSubstr("\x07"))));
     }
-    EXPECT_THAT(run({"status", "--format", "tmux"}).standardOutput, HasSubstr("##[fg=red]"));
-    EXPECT_THAT(run({"status", "--format", "waybar"}).standardOutput, HasSubstr("&lt;b&gt;"));
+    EXPECT_THAT(run("status --format tmux").standardOutput, HasSubstr("##[fg=red]"));
+    EXPECT_THAT(run("status --format waybar").standardOutput, HasSubstr("&lt;b&gt;"));
 }
 
 TEST_F(VornctlTest, KeepsThePlan) {
     const struct {
-        Arguments arguments;
+        const char* line;
         int status;
         const char* output;
     } steps[] = {
-        {{"list"},
-         0,
-         "None. Add one when a reset is announced or you expect one, and Vorn will plan each limit it cuts "
-         "short to finish by then.\n0 resets banked\n"},
-        {{"add", "2998-11-26T18:00:00Z", "--scope", "week", "--note", "late"},
-         0,
-         "  1  2998-11-26 19:00  Weekly limits  late\n0 resets banked\n"},
-        {{"add", "2997-05-01T00:00:00Z"}, 0, "  1  2997-05-01 02:00  All limits     \n  2  2998"},
-        {{"add", "3am"}, 0, "  3  2998"},
-        {{"add", "soon"}, 1, "vornctl: cannot read \"soon\" as a time; write "},
-        {{"add", "2020-01-01T00:00:00Z"}, 1, "vornctl: 2020-01-01 01:00 has passed; "},
-        {{"add", "9999-12-31T23:59:59+99:00"}, 1, "cannot read"},
-        {{"remove", "4"}, 1, "vornctl: there is no planned reset 4; vornctl plan list shows the numbers\n"},
-        {{"remove", "0"}, 1, "there is no planned reset 0"},
-        {{"remove", ""}, 1, "there is no planned reset "},
-        {{"remove", "1"}, 0, "  2  2998"},
-        {{"bank", "2"}, 0, "2 resets banked\n"},
-        {{"redeem"}, 0, "Vorn takes the drop at face value instead of treating it as a stale reading.\n"},
-        {{"list"}, 0, "1 reset banked\n"},
-        {{"list", "--now", "2998-11-26T19:00:00Z"}, 0, "     has passed; dropped a day after its date\n"},
-        {{"list", "--now", "2998-11-28T19:00:00Z"}, 0, "None. "},
-        {{"redeem"}, 0, "0 resets banked\n"},
-        {{"redeem"}, 0, "0 resets banked\n"},
+        {"list", 0, "None. Add one when a reset is announced or you expect one, and Vorn will plan each limit it cuts"},
+        {"add 2998-11-26T18:00:00Z --scope week --note late", 0,
+         "  1  2998-11-26 19:00  Weekly limits  late\n0 resets"},
+        {"add 2997-05-01T00:00:00Z", 0, "  1  2997-05-01 02:00  All limits     \n  2  2998"},
+        {"add 3am", 0, "  3  2998"},
+        {"add soon", 1, "vornctl: cannot read \"soon\" as a time; write "},
+        {"add 2020-01-01T00:00:00Z", 1, "vornctl: 2020-01-01 01:00 has passed; "},
+        {"add 9999-12-31T23:59:59+99:00", 1, "cannot read"},
+        {"remove 4", 1, "vornctl: there is no planned reset 4; vornctl plan list shows the numbers\n"},
+        {"remove 0", 1, "there is no planned reset 0"},
+        {"remove 1", 0, "  2  2998"},
+        {"bank 2", 0, "2 resets banked\n"},
+        {"redeem", 0, "Vorn takes the drop at face value instead of treating it as a stale reading.\n"},
+        {"list", 0, "1 reset banked\n"},
+        {"list --now 2998-11-26T19:00:00Z", 0, "     has passed; dropped a day after its date\n"},
+        {"list --now 2998-11-28T19:00:00Z", 0, "None. "},
+        {"redeem", 0, "0 resets banked\n"},
+        {"redeem", 0, "0 resets banked\n"},
     };
     for (const auto& step : steps) {
-        SCOPED_TRACE(step.output);
-        Arguments arguments = step.arguments;
-        arguments.insert(arguments.begin(), "plan");
-        const ProcessResult result = run(arguments);
+        SCOPED_TRACE(step.line);
+        const ProcessResult result = run(std::string("plan ") + step.line);
         EXPECT_EQ(result.status, step.status) << result.standardError;
         EXPECT_THAT(step.status == 0 ? result.standardOutput : result.standardError, HasSubstr(step.output));
     }
-    const json plan = json::parse(run({"plan", "list", "--json"}).standardOutput);
+    const json plan = json::parse(run("plan list --json").standardOutput);
     EXPECT_EQ(plan.at("planned").size(), 2U);
     const std::string id = plan.at("planned").at(1).at("id");
-    EXPECT_EQ(run({"plan", "remove", id.substr(0, 8)}).status, 0);
+    EXPECT_EQ(run("plan remove " + id.substr(0, 8)).status, 0);
 
     // A slip in an edit by hand costs nothing but the plan's effect.
     const std::string damaged = readAll(m_vorn / "reset-plan.json") + "}";
     m_dir.write("home/vorn/reset-plan.json", damaged);
-    EXPECT_THAT(run({"plan", "list"}).standardOutput, StartsWith("None. "));
-    EXPECT_EQ(run({"plan", "bank", "3"}).status, 0);
+    EXPECT_THAT(run("plan list").standardOutput, StartsWith("None. "));
+    EXPECT_EQ(run("plan bank 3").status, 0);
     EXPECT_EQ(json::parse(readAll(m_vorn / "reset-plan.json")).at("banked"), 3);
     EXPECT_EQ(readAll(m_vorn / "reset-plan.json.damaged"), damaged);
 }
@@ -529,11 +511,10 @@ TEST_F(VornctlTest, TellsWhatWasDoneHere) {
     m_dir.write("home/claude/projects/a/s.jsonl", reply("2026-11-22T20:30:00.000Z", "/home/me/\x1b[31malpha", 1) +
                                                       reply("2026-11-22T10:00:00.000Z", "/home/me/项目", 2) +
                                                       reply("2026-11-18T10:00:00.000Z", "/home/me/beta", 3) + "{torn");
-    const auto report = [&](Arguments arguments) {
-        arguments.insert(arguments.begin(), {"activity", "--now", kNow});
-        return run(arguments);
+    const auto report = [&](const std::string& options) {
+        return run("activity --now " + kNow + " " + options);
     };
-    const json day = json::parse(report({"--json"}).standardOutput);
+    const json day = json::parse(report("--json").standardOutput);
     EXPECT_EQ(day.at("events"), 2);
     EXPECT_EQ(day.at("tokens").at("output"), 400);
     EXPECT_EQ(day.at("weight"), 2 * (1000 + 200 * 5 + 5000 * 0.1));
@@ -541,16 +522,16 @@ TEST_F(VornctlTest, TellsWhatWasDoneHere) {
     EXPECT_EQ(day.at("weightOfLastSeconds").at("604800"), 7500);
     EXPECT_EQ(day.at("timeline").size(), 96U);
     EXPECT_EQ(day.at("projects").size(), 2U);
-    EXPECT_EQ(json::parse(report({"--json", "--since", "7d"}).standardOutput).at("events"), 3);
-    const ProcessResult text = report({"--since", "1h"});
+    EXPECT_EQ(json::parse(report("--json --since 7d").standardOutput).at("events"), 3);
+    const ProcessResult text = report("--since 1h");
     EXPECT_EQ(text.status, 0);
     EXPECT_THAT(text.standardOutput, AllOf(StartsWith("Local activity of the last 1h · 1 reply, weight 2.5k\n"),
                                            HasSubstr("[31malpha"), Not(HasSubstr("\x1b")), Not(HasSubstr("beta"))));
-    const ProcessResult missing = report({"--root", m_dir / "none"});
+    const ProcessResult missing = report("--root " + (m_dir / "none").string());
     EXPECT_EQ(missing.status, 1);
     EXPECT_THAT(missing.standardError, HasSubstr("there are no transcripts in " + (m_dir / "none/projects").string()));
     fs::create_directories(m_dir / "quiet/projects");
-    const ProcessResult quiet = report({"--root", m_dir / "quiet"});
+    const ProcessResult quiet = report("--root " + (m_dir / "quiet").string());
     EXPECT_EQ(quiet.status, 0);
     EXPECT_THAT(quiet.standardOutput, HasSubstr("Nothing found in "));
     EXPECT_EQ(home(false).size(), 1U);
@@ -559,13 +540,12 @@ TEST_F(VornctlTest, TellsWhatWasDoneHere) {
 /// A program at a terminal of its own.
 class PseudoTerminal {
 public:
-    PseudoTerminal(const Arguments& arguments, const std::map<std::string, std::string>& environment,
+    PseudoTerminal(const std::string& line, const std::map<std::string, std::string>& environment,
                    unsigned short columns, unsigned short rows) {
         const winsize size{.ws_row = rows, .ws_col = columns, .ws_xpixel = 0, .ws_ypixel = 0};
         m_pid = ::forkpty(&m_master, nullptr, nullptr, &size);
         if (m_pid == 0) {
-            std::vector<std::string> texts{VORNCTL};
-            texts.insert(texts.end(), arguments.begin(), arguments.end());
+            std::vector<std::string> texts = words(VORNCTL " " + line);
             std::vector<std::string> variables;
             for (const auto& [name, value] : environment) {
                 variables.push_back(name + "=" + value);
@@ -631,15 +611,15 @@ private:
 };
 
 TEST_F(VornctlTest, ColoursATerminalUnlessAskedNotTo) {
-    const Arguments arguments{"status", "--demo", "limited", "--now", kNow};
-    EXPECT_THAT(run(arguments).standardOutput, AllOf(HasSubstr("####"), Not(HasSubstr("\x1b")), Not(HasSubstr("█"))));
-    PseudoTerminal coloured(arguments, m_environment, 80, 24);
+    const std::string line = "status --demo limited --now " + kNow;
+    EXPECT_THAT(run(line).standardOutput, AllOf(HasSubstr("####"), Not(HasSubstr("\x1b")), Not(HasSubstr("█"))));
+    PseudoTerminal coloured(line, m_environment, 80, 24);
     EXPECT_EQ(coloured.end(), 0);
     EXPECT_THAT(coloured.drawn(), AllOf(HasSubstr("████"), HasSubstr("\x1b[1;31m■ Limited\x1b[0m")));
     for (const auto& [name, value] : {std::pair("NO_COLOR", "1"), std::pair("TERM", "dumb")}) {
         auto environment = m_environment;
         environment[name] = value;
-        PseudoTerminal plain(arguments, environment, 50, 24);
+        PseudoTerminal plain(line, environment, 50, 24);
         EXPECT_EQ(plain.end(), 0);
         EXPECT_THAT(plain.drawn(), AllOf(HasSubstr("####"), Not(HasSubstr("\x1b")), Not(HasSubstr("█"))));
     }
@@ -648,11 +628,10 @@ TEST_F(VornctlTest, ColoursATerminalUnlessAskedNotTo) {
 TEST_F(VornctlTest, WatchesUntilInterrupted) {
     const std::string home = "\x1b[H";
     client("exit 1");
-    PseudoTerminal terminal({"status", "--watch"}, m_environment, 60, 6);
+    PseudoTerminal terminal("status --watch", m_environment, 60, 6);
     ASSERT_TRUE(terminal.waitFor("claude /usage failed:"));
     EXPECT_THAT(terminal.drawn(), StartsWith("\x1b[?1049h\x1b[?25l"));
-    const Arguments demo{"status", "--watch", "--demo", "at-risk"};
-    PseudoTerminal small(demo, m_environment, 60, 6);
+    PseudoTerminal small("status --watch --demo at-risk", m_environment, 60, 6);
     ASSERT_TRUE(small.waitFor("\x1b[J", 2));  // the second drawing
     small.type("\x03");
     EXPECT_EQ(small.end(), 0);
@@ -664,7 +643,7 @@ TEST_F(VornctlTest, WatchesUntilInterrupted) {
     EXPECT_EQ(terminal.end(), 0);
     EXPECT_EQ(asked(), 1);  // a failure is not repeated at every turn
     // On a pipe: drawing after drawing, and no control over a screen.
-    const ProcessResult piped = run({"status", "--watch", "--demo", "at-risk", "--format", "plain"}, 1s);
+    const ProcessResult piped = run("status --watch --demo at-risk --format plain", 1s);
     EXPECT_EQ(piped.end, ProcessResult::End::timedOut);
     EXPECT_THAT(piped.standardOutput, AllOf(StartsWith("▲ 5h 72%"), EndsWith("\n"), Not(HasSubstr("\x1b"))));
 }
@@ -673,8 +652,7 @@ TEST_F(VornctlTest, InterruptsTakeTheClientAlong) {
     client("sleep 60 & echo $! >> pids; echo asked > started; wait");
     for (const bool isWatching : {false, true}) {
         fs::remove(m_dir / "started");
-        PseudoTerminal terminal(isWatching ? Arguments{"status", "--watch"} : Arguments{"status"}, m_environment, 80,
-                                24);
+        PseudoTerminal terminal(isWatching ? "status --watch" : "status", m_environment, 80, 24);
         const auto deadline = std::chrono::steady_clock::now() + 10s;
         while (!fs::exists(m_dir / "started") && std::chrono::steady_clock::now() < deadline) {
             ::usleep(5000);

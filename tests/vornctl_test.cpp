@@ -1,4 +1,7 @@
+#include <algorithm>
+#include <array>
 #include <chrono>
+#include <cstring>
 #include <ctime>
 #include <fstream>
 #include <iterator>
@@ -306,7 +309,7 @@ TEST_F(VornctlTest, AsksOnlyWhenTheReadingIsOld) {
     // Another day: nothing that is over counts, wherever it is remembered.
     EXPECT_EQ(session("--probe"), 25);
     EXPECT_EQ(run("status --no-probe --now 2100-01-01T00:00:00Z").status, 1);
-    EXPECT_EQ(run("status --no-probe --now " + kNow).status, 1);
+    EXPECT_EQ(run("status --no-probe --now 1999-01-01T00:00:00Z").status, 1);
     age(-3600s);  // a clock that was ahead
     answers(usage(5));
     EXPECT_EQ(session(), 5);
@@ -389,7 +392,7 @@ TEST_F(VornctlTest, WritesNothingForAnotherMomentOrADemonstration) {
     std::set<std::string> outputs;
     for (const std::string& scenario : kScenarios) {
         for (const std::string how : {"--rates", "--json", "--format waybar", "--probe"}) {
-            const std::string line = "status --now " + kNow + " --demo " + scenario + " " + how;
+            const std::string line = fmt::format("status --now {} --demo {} {}", kNow, scenario, how);
             const std::string output = run(line).standardOutput;
             EXPECT_EQ(run(line).standardOutput, output);
             EXPECT_EQ(output.starts_with("Demonstration with invented figures\n"),
@@ -545,11 +548,11 @@ public:
         const winsize size{.ws_row = rows, .ws_col = columns, .ws_xpixel = 0, .ws_ypixel = 0};
         m_pid = ::forkpty(&m_master, nullptr, nullptr, &size);
         if (m_pid == 0) {
-            std::vector<std::string> texts = words(VORNCTL " " + line);
+            std::vector<std::string> texts = words("vornctl " + line);
             std::vector<std::string> variables;
-            for (const auto& [name, value] : environment) {
-                variables.push_back(name + "=" + value);
-            }
+            std::ranges::transform(environment, std::back_inserter(variables), [](const auto& variable) {
+                return fmt::format("{}={}", variable.first, variable.second);
+            });
             ::execve(VORNCTL, pointers(texts).data(), pointers(variables).data());
             ::_exit(127);
         }
@@ -591,9 +594,7 @@ public:
 private:
     static std::vector<char*> pointers(std::vector<std::string>& texts) {
         std::vector<char*> list;
-        for (std::string& text : texts) {
-            list.push_back(text.data());
-        }
+        std::ranges::transform(texts, std::back_inserter(list), [](std::string& text) { return text.data(); });
         list.push_back(nullptr);
         return list;
     }

@@ -52,11 +52,16 @@ private:
     [[nodiscard]] Instant now() const { return m_request.now.value_or(systemNow()); }
     [[nodiscard]] bool mayWrite() const { return !m_request.now; }
 
-    /// What of it can still be true: neither readings of windows that are over, nor those of a clock that was ahead.
+    /// What of it can still be true: nothing of a clock that was ahead, and a window that is over only while another is
+    /// not, so that a session does not vanish at its reset but stands at nothing used.
     [[nodiscard]] std::vector<UsageWindow> lastAnswer() const {
-        std::vector<HistorySample> samples;
-        std::ranges::transform(m_record.readings, std::back_inserter(samples), HistorySample::of);
-        return newestCurrent(samples, now());
+        std::vector<UsageWindow> answer;
+        std::ranges::copy_if(m_record.readings, std::back_inserter(answer), [this](const UsageWindow& reading) {
+            return reading.observedAt <= now() && now() - reading.observedAt < reading.kind.length();
+        });
+        const bool isOver =
+            std::ranges::all_of(answer, [this](const UsageWindow& reading) { return reading.hasReset(now()); });
+        return isOver ? std::vector<UsageWindow>() : answer;
     }
 
     bool mayProbe() {

@@ -290,6 +290,7 @@ TEST_F(VornctlTest, AsksOnlyWhenTheReadingIsOld) {
     const json second = status();
     EXPECT_EQ(asked(), 1);
     EXPECT_EQ(second.at("insights"), first.at("insights"));
+    EXPECT_EQ(session("--no-probe --now " + formatIso8601(systemNow() + 4h)), 0);  // over; the week is not
     age(50s);
     EXPECT_EQ(session(), 23);
     EXPECT_EQ(asked(), 1);

@@ -1,0 +1,38 @@
+#include "core/sources/integration_record.hpp"
+
+#include <cstddef>
+
+#include "core/support/file.hpp"
+#include "core/support/json.hpp"
+
+namespace vorn {
+namespace {
+
+constexpr std::size_t kLargestRecord = std::size_t{16} << 20U;
+constexpr const char* kRelayName = "vorn-bridge";
+
+/// Throws DecodingError.
+std::optional<std::string> commandOf(const nlohmann::json& record) {
+    decodeDate(requireMember(record, "installedAt"), DateCoding::iso8601);
+    const nlohmann::json* statusLine = findMember(record, "originalStatusLine");
+    if (statusLine == nullptr) {
+        return std::nullopt;
+    }
+    const std::string command = decodeText(requireMember(*statusLine, "command"));
+    if (command.find(kRelayName) != std::string::npos) {
+        return std::nullopt;
+    }
+    return command;
+}
+
+}  // namespace
+
+std::optional<std::string> downstreamCommand(const std::filesystem::path& recordFile) try {
+    const auto content = readFile(recordFile, kLargestRecord);
+    const auto record = content ? parseJson(*content) : std::nullopt;
+    return record ? commandOf(*record) : std::nullopt;
+} catch (const DecodingError&) {
+    return std::nullopt;
+}
+
+}  // namespace vorn

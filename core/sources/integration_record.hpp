@@ -1,0 +1,14 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace vorn {
+
+/// The user's own status-line command as the integration record keeps it: what runs after Vorn's relay. Empty when
+/// there is none, when the record is missing or damaged in any way, and when the command names a relay itself, which
+/// would call itself for ever.
+std::optional<std::string> downstreamCommand(const std::filesystem::path& recordFile);
+
+}  // namespace vorn

@@ -6,6 +6,13 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
+# Sources that exist once for each system end in its name.
+if(APPLE)
+  set(VORN_PLATFORM macos)
+else()
+  set(VORN_PLATFORM linux)
+endif()
+
 find_program(VORN_CCACHE ccache)
 if(VORN_CCACHE)
   set(CMAKE_CXX_COMPILER_LAUNCHER ${VORN_CCACHE})

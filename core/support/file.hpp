@@ -12,7 +12,7 @@ namespace vorn {
 /// The value of an environment variable; empty when it is unset or set to the empty text.
 std::optional<std::string> environmentValue(const char* name);
 
-/// The user's home directory without a trailing slash: `HOME`, else the password database, else "/".
+/// The user's home directory without a trailing slash: `HOME`, else what the account says, else "/".
 std::filesystem::path homeDirectory();
 
 /// `path` with a leading "~" (alone or before a slash) replaced by the home directory.
@@ -30,8 +30,12 @@ void createPrivateDirectories(const std::filesystem::path& directory);
 /// std::filesystem::filesystem_error, and the old content stands.
 void replaceFile(const std::filesystem::path& path, std::string_view content);
 
-/// Removes the temporary files that `replaceFile` left beside `path` when its process was killed. Only for a caller
-/// that keeps everybody else from replacing the file meanwhile.
+/// The same without waiting for the disk, for a file that is soon written again: readers see the old or the new
+/// content, but after a power cut it may be empty.
+void replaceFileUnflushed(const std::filesystem::path& path, std::string_view content);
+
+/// Removes the temporary files that replacing the file left beside `path` when its process was killed. Only for a
+/// caller that keeps everybody else from replacing the file meanwhile.
 void removeAbandonedTemporaries(const std::filesystem::path& path);
 
 /// An advisory lock between processes (and between objects of one process), held until destruction. The lock file

@@ -8,7 +8,7 @@
 namespace vorn {
 namespace {
 
-constexpr std::size_t kLargestRecord = std::size_t{16} << 20U;
+constexpr std::size_t kLargestRecord = std::size_t{1} << 20U;
 constexpr const char* kRelayName = "vorn-bridge";
 
 /// Throws DecodingError.

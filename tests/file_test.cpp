@@ -43,6 +43,47 @@ TEST(ReplaceFile, createsPrivateFilesAndKeepsTheModeOfOthers) {
     EXPECT_THAT(namesIn(dir.path()), testing::ElementsAre("new"));
 }
 
+TEST(ReplaceFile, leavesTheOldFileWhenItIsNoLongerWanted) {
+    const TemporaryDirectory dir;
+    const fs::path file = dir.write("file", "old");
+    EXPECT_FALSE(replaceFile({.path = file, .content = "new", .isStillWanted = [] {
+                                  return false;
+                              }}));
+    EXPECT_EQ(test::readAll(file), "old");
+    EXPECT_THAT(namesIn(dir.path()), testing::ElementsAre("file"));
+    EXPECT_TRUE(replaceFile({.path = file, .content = "new", .isStillWanted = [&] {
+                                 return test::readAll(file) == "old";
+                             }}));
+    EXPECT_EQ(test::readAll(file), "new");
+
+    ::chmod(file.c_str(), 0640);
+    replaceFile({.path = dir / "copy", .content = "new", .model = file});
+    EXPECT_EQ(modeOf(dir / "copy"), 0640U);
+    replaceFile({.path = dir / "copy", .content = "new", .mode = 0700});
+    EXPECT_EQ(modeOf(dir / "copy"), 0700U);
+    fs::create_symlink(file, dir / "link");
+    replaceFile({.path = dir / "link", .content = "own", .followsLinks = false});
+    EXPECT_FALSE(fs::is_symlink(dir / "link"));
+    EXPECT_EQ(test::readAll(file), "new");
+}
+
+TEST(RequireFile, tellsAMissingFileFromAnUnreadableOne) {
+    const TemporaryDirectory dir;
+    const auto reasonFor = [](const fs::path& path, std::size_t limit) {
+        try {
+            requireFile(path, limit);
+        } catch (const fs::filesystem_error& error) {
+            return error.code();
+        }
+        return std::error_code{};
+    };
+    EXPECT_EQ(reasonFor(dir / "missing", 9), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(reasonFor(dir.path(), 9), std::errc::is_a_directory);
+    EXPECT_EQ(reasonFor(dir.write("large", "0123456789"), 9), std::errc::file_too_large);
+    EXPECT_EQ(reasonFor(dir / "large" / "inside", 9), std::errc::not_a_directory);
+    EXPECT_EQ(requireFile(dir / "large"), "0123456789");
+}
+
 TEST(ReplaceFile, writesThroughChainsOfLinks) {
     const TemporaryDirectory dir;
     dir.write("real/settings.json", "old");

@@ -142,7 +142,7 @@ TEST(HistoryStore, PrunesOnceADayAndKeepsWhatOthersWrote) {
     const fs::path real = dir.write("elsewhere/real", lineOf(reading(1, kNow - 8 * 24h - 12h)) + "torn{\n" + unknown);
     fs::permissions(real, fs::perms(0640));
     fs::create_symlink("elsewhere/real", dir / "h");
-    dir.write("elsewhere/real.vorn-a1B2c3", "left by a killed rewrite");
+    dir.write("elsewhere/real.vorn-new-a1B2c3", "left by a killed rewrite");
     dir.write("elsewhere/real.backup", "the user's own");
 
     HistoryStore store(dir / "h");
@@ -163,7 +163,7 @@ TEST(HistoryStore, PrunesOnceADayAndKeepsWhatOthersWrote) {
     EXPECT_EQ(HistoryStore(dir / "h").all(), kept);
     EXPECT_TRUE(fs::is_symlink(dir / "h"));
     EXPECT_EQ(fs::status(real).permissions(), fs::perms(0640));
-    EXPECT_FALSE(fs::exists(dir / "elsewhere/real.vorn-a1B2c3"));
+    EXPECT_FALSE(fs::exists(dir / "elsewhere/real.vorn-new-a1B2c3"));
     EXPECT_TRUE(fs::exists(dir / "elsewhere/real.backup"));
 }
 

@@ -20,8 +20,9 @@ namespace vorn {
 namespace fs = std::filesystem;
 namespace {
 
-/// A name that can be told from a user's own copy ("history.jsonl.backup"), so that leftovers may be removed.
-constexpr std::string_view kTemporarySuffix = ".vorn-";
+/// A name that can be told from every copy that is kept ("settings.json.vorn-backup"), so that leftovers may be
+/// removed.
+constexpr std::string_view kTemporarySuffix = ".vorn-new-";
 constexpr std::string_view kTemporaryPattern = "XXXXXX";
 
 [[noreturn]] void fail(const char* what, const fs::path& path) {
@@ -66,37 +67,101 @@ void syncDirectory(const fs::path& directory) {
     }
 }
 
+std::error_code lastError() {
+    return {errno, std::generic_category()};
+}
+
+std::error_code readInto(std::string& content, const fs::path& path, std::size_t limit) {
+    // Without O_NONBLOCK a FIFO in the file's place would hang the caller in open().
+    const Descriptor descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat status {};
+    if (!descriptor.isOpen() || ::fstat(descriptor.get(), &status) != 0) {
+        return lastError();
+    }
+    if (!S_ISREG(status.st_mode)) {
+        return std::make_error_code(S_ISDIR(status.st_mode) ? std::errc::is_a_directory : std::errc::invalid_argument);
+    }
+    if (static_cast<std::size_t>(status.st_size) > limit) {
+        return std::make_error_code(std::errc::file_too_large);
+    }
+    content.reserve(static_cast<std::size_t>(status.st_size));
+    std::array<char, 65536> buffer;
+    for (;;) {
+        const ssize_t count = ::read(descriptor.get(), buffer.data(), buffer.size());
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count < 0) {
+            return lastError();
+        }
+        if (count == 0) {
+            return {};
+        }
+        if (content.size() + static_cast<std::size_t>(count) > limit) {
+            return std::make_error_code(std::errc::file_too_large);
+        }
+        content.append(buffer.data(), static_cast<std::size_t>(count));
+    }
+}
+
+/// As far as we may: a user replaces only what is his own, root also what is another's.
+void keepOwner(int descriptor, const struct stat& old) {
+    struct stat fresh {};
+    if (::fstat(descriptor, &fresh) != 0 || (fresh.st_uid == old.st_uid && fresh.st_gid == old.st_gid)) {
+        return;
+    }
+    if (::fchown(descriptor, old.st_uid, old.st_gid) != 0) {
+        [[maybe_unused]] const int ignored = ::fchown(descriptor, static_cast<uid_t>(-1), old.st_gid);
+    }
+}
+
+void setMode(int descriptor, unsigned mode, const fs::path& path) {
+    if (::fchmod(descriptor, static_cast<mode_t>(mode)) != 0) {
+        fail("cannot set the mode", path);
+    }
+}
+
 void renameOver(const char* temporary, const fs::path& target) {
     if (::rename(temporary, target.c_str()) != 0) {
         fail("cannot replace", target);
     }
 }
 
-/// Writes the content to a temporary file beside `target`, with the target's mode, and has `replace(descriptor, name)`
-/// put it in the target's place. When anything throws, the temporary file is gone.
+/// Writes the new content to a temporary file beside `target`, with the mode and the owner that it is to have, and has
+/// `replace(descriptor, name)` put it in the target's place and say whether it did. When it did not, or anything
+/// throws, the temporary file is gone.
 template <typename Replace>
-void replaceThroughTemporary(const fs::path& target, std::string_view content, Replace replace) {
+bool replaceThroughTemporary(const Replacement& replacement, const fs::path& target, Replace replace) {
     struct stat old {};
-    const bool exists = ::stat(target.c_str(), &old) == 0;
-    if (exists && !S_ISREG(old.st_mode)) {
+    const bool exists = ::lstat(target.c_str(), &old) == 0;
+    if (exists && !S_ISREG(old.st_mode) && (replacement.followsLinks || !S_ISLNK(old.st_mode))) {
         throw fs::filesystem_error("not a regular file", target, std::make_error_code(std::errc::invalid_argument));
     }
     std::string temporary = target.string();
     temporary.append(kTemporarySuffix).append(kTemporaryPattern);
-    const Descriptor descriptor(::mkostemp(temporary.data(), O_CLOEXEC));
+    Descriptor descriptor(::mkostemp(temporary.data(), O_CLOEXEC));
     if (!descriptor.isOpen()) {
-        fail("cannot create temporary file", temporary);
+        fail("cannot create temporary file", target);
     }
     try {
-        if (exists && ::fchmod(descriptor.get(), old.st_mode & 07777) != 0) {
-            fail("cannot keep the mode", target);
+        const bool hasModel =
+            exists ? S_ISREG(old.st_mode) : !replacement.model.empty() && ::stat(replacement.model.c_str(), &old) == 0;
+        if (hasModel) {
+            keepOwner(descriptor.get(), old);
         }
-        writeAll(descriptor.get(), content, target);
-        replace(descriptor.get(), temporary.c_str());
+        if (hasModel || replacement.mode) {
+            setMode(descriptor.get(), replacement.mode.value_or(old.st_mode & 07777U), target);
+        }
+        writeAll(descriptor.get(), replacement.content, target);
+        if (replace(descriptor, temporary.c_str())) {
+            return true;
+        }
     } catch (...) {
         ::unlink(temporary.c_str());
         throw;
     }
+    ::unlink(temporary.c_str());
+    return false;
 }
 
 /// Whether `path` still leads to the file behind the descriptor.
@@ -142,29 +207,16 @@ fs::path expandTilde(std::string_view path) {
 }
 
 std::optional<std::string> readFile(const fs::path& path, std::size_t limit) {
-    // Without O_NONBLOCK a FIFO in the file's place would hang the caller in open().
-    const Descriptor descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    struct stat status {};
-    if (!descriptor.isOpen() || ::fstat(descriptor.get(), &status) != 0 || !S_ISREG(status.st_mode) ||
-        static_cast<std::size_t>(status.st_size) > limit) {
-        return std::nullopt;
-    }
     std::string content;
-    content.reserve(static_cast<std::size_t>(status.st_size));
-    std::array<char, 65536> buffer;
-    for (;;) {
-        const ssize_t count = ::read(descriptor.get(), buffer.data(), buffer.size());
-        if (count < 0 && errno == EINTR) {
-            continue;
-        }
-        if (count < 0 || content.size() + static_cast<std::size_t>(count) > limit) {
-            return std::nullopt;
-        }
-        if (count == 0) {
-            return content;
-        }
-        content.append(buffer.data(), static_cast<std::size_t>(count));
+    return readInto(content, path, limit) ? std::nullopt : std::optional(std::move(content));
+}
+
+std::string requireFile(const fs::path& path, std::size_t limit) {
+    std::string content;
+    if (const std::error_code error = readInto(content, path, limit)) {
+        throw fs::filesystem_error("cannot read", path, error);
     }
+    return content;
 }
 
 void createPrivateDirectories(const fs::path& directory) {
@@ -182,19 +234,34 @@ void createPrivateDirectories(const fs::path& directory) {
 }
 
 void replaceFile(const fs::path& path, std::string_view content) {
-    const fs::path target = writeTarget(path);
-    replaceThroughTemporary(target, content, [&target](int descriptor, const char* temporary) {
-        if (::fsync(descriptor) != 0) {
-            fail("cannot flush", target);
-        }
-        renameOver(temporary, target);
-    });
-    syncDirectory(directoryOf(target));
+    replaceFile(Replacement{.path = path, .content = content});
+}
+
+bool replaceFile(const Replacement& replacement) {
+    const fs::path target = replacement.followsLinks ? writeTarget(replacement.path) : replacement.path;
+    const bool isReplaced =
+        replaceThroughTemporary(replacement, target, [&](Descriptor& descriptor, const char* temporary) {
+            if (::fsync(descriptor.get()) != 0) {
+                fail("cannot flush", target);
+            }
+            // A program that somebody holds open for writing cannot be started.
+            descriptor.reset();
+            if (replacement.isStillWanted && !replacement.isStillWanted()) {
+                return false;
+            }
+            renameOver(temporary, target);
+            return true;
+        });
+    if (isReplaced) {
+        syncDirectory(directoryOf(target));
+    }
+    return isReplaced;
 }
 
 void replaceFileUnflushed(const fs::path& path, std::string_view content) {
     const fs::path target = writeTarget(path);
-    replaceThroughTemporary(target, content, [&target](int /*descriptor*/, const char* temporary) {
+    const Replacement replacement{.path = path, .content = content};
+    replaceThroughTemporary(replacement, target, [&target](Descriptor& /*descriptor*/, const char* temporary) {
         // Replacing by rename makes some file systems flush the new content first, which takes a hundred times longer
         // than everything else here. Two names that change places do not.
         if (file_platform::exchangeNames(temporary, target.c_str())) {
@@ -202,6 +269,7 @@ void replaceFileUnflushed(const fs::path& path, std::string_view content) {
         } else {
             renameOver(temporary, target);
         }
+        return true;
     });
 }
 

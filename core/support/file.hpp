@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -22,13 +23,28 @@ std::filesystem::path expandTilde(std::string_view path);
 /// regular file, or larger than `limit` bytes.
 std::optional<std::string> readFile(const std::filesystem::path& path, std::size_t limit = 512U << 20U);
 
+/// The same for a caller who has to tell why: throws std::filesystem::filesystem_error, with
+/// std::errc::no_such_file_or_directory for a missing file alone.
+std::string requireFile(const std::filesystem::path& path, std::size_t limit = 512U << 20U);
+
 /// Creates `directory` and its missing parents, the new ones with mode 0700. Throws std::filesystem::filesystem_error.
 void createPrivateDirectories(const std::filesystem::path& directory);
 
 /// Replaces the file's content as one step: temporary file in the same directory, flush, rename. A new file gets mode
-/// 0600, an existing one keeps its mode; a symbolic link stays a link and its target is replaced. On failure throws
-/// std::filesystem::filesystem_error, and the old content stands.
+/// 0600, an existing one keeps its mode and, as far as we may set it, its owner; a symbolic link stays a link and its
+/// target is replaced. On failure throws std::filesystem::filesystem_error, and the old content stands.
 void replaceFile(const std::filesystem::path& path, std::string_view content);
+
+struct Replacement {
+    std::filesystem::path path;
+    std::string_view content;
+    std::optional<unsigned> mode{};         ///< Instead of the old file's.
+    std::filesystem::path model{};          ///< Where there is no old file: whose mode and owner to take.
+    bool followsLinks = true;               ///< Else a link in the file's place is itself replaced.
+    std::function<bool()> isStillWanted{};  ///< Asked last, with the new content flushed; absent for "yes".
+};
+/// The same with a choice. False when it was no longer wanted; then nothing has changed.
+bool replaceFile(const Replacement& replacement);
 
 /// The same without waiting for the disk, for a file that is soon written again: readers see the old or the new
 /// content, but after a power cut it may be empty.

@@ -158,9 +158,9 @@ pid_t spawn(const ProcessRequest& request, const Descriptor& output, const Descr
 
     SpawnAttributes attributes;
     sigset_t signals;
-    ::sigemptyset(&signals);
+    sigemptyset(&signals);  // a macro on macOS, as is the next one
     ::posix_spawnattr_setsigmask(&attributes.get(), &signals);
-    ::sigfillset(&signals);
+    sigfillset(&signals);
     ::posix_spawnattr_setsigdefault(&attributes.get(), &signals);
     short flags = POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
 

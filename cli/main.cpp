@@ -66,6 +66,8 @@ int run(int argc, char** argv) {
     vorn::cli::addStatusCommand(app, context);
     vorn::cli::addActivityCommand(app, context);
     vorn::cli::addPlanCommand(app, context);
+    vorn::cli::addConnectCommand(app, context);
+    vorn::cli::addDisconnectCommand(app, context);
     try {
         app.parse(argumentsFrom(argc, argv));
     } catch (const CLI::ParseError& error) {

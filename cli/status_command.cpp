@@ -81,7 +81,9 @@ StatusReport readReport(const StatusArguments& arguments, const LiveRequest& req
         return demoReport(*scenario, request.now);
     }
     Readings readings = readLive(request, memory, cancellation);
-    return analyse(std::move(readings), request.now.value_or(systemNow()), detailFor(arguments));
+    StatusReport report = analyse(std::move(readings), request.now.value_or(systemNow()), detailFor(arguments));
+    report.relay = readRelayState();
+    return report;
 }
 
 bool isForPeople(const StatusArguments& arguments) {

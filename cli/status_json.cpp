@@ -122,6 +122,17 @@ json ratioJson(const StatusReport& report) {
     return object;
 }
 
+json relayJson(const RelayState& relay) {
+    json object = {{"state", key(relay)}};
+    if (relay.downstream) {
+        object["downstreamCommand"] = *relay.downstream;
+    }
+    if (!relay.problem.empty()) {
+        object["problem"] = relay.problem;
+    }
+    return object;
+}
+
 json failureJson(const ProbeFailure& failure) {
     json object = {{"message", failure.message}};
     if (!failure.advice.empty()) {
@@ -157,6 +168,9 @@ json statusJson(const StatusReport& report, bool withRates) {
     put(object, "observedAt", report.observedAt);
     if (report.source) {
         object["source"] = *report.source == DataSource::statusLine ? "statusLine" : "usageCommand";
+    }
+    if (report.relay) {
+        object["statusLine"] = relayJson(*report.relay);
     }
     if (report.failure) {
         object["failure"] = failureJson(*report.failure);

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/relay_state.hpp"
 #include "core/analysis/rate_reading.hpp"
 #include "core/analysis/session_week_ratio.hpp"
 #include "core/analysis/window_assessment.hpp"
@@ -52,6 +53,7 @@ struct StatusReport {
     std::optional<Instant> observedAt;  ///< The newest reading.
     std::optional<DataSource> source;   ///< Where that came from.
     std::optional<ProbeFailure> failure;
+    std::optional<RelayState> relay{};  ///< Absent in a demonstration.
 };
 
 /// How much of it will be shown.

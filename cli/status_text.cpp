@@ -266,6 +266,9 @@ private:
                                         : fmt::format("Read {} ago from {}", Format::duration(age), source),
                       Ink::faint);
         }
+        if (m_report.relay) {
+            paragraph("  ", printable(sentence(*m_report.relay)), Ink::faint);
+        }
     }
 
     const StatusReport& m_report;

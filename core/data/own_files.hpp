@@ -1,0 +1,18 @@
+#pragma once
+
+#include <filesystem>
+#include <vector>
+
+namespace vorn {
+
+/// What lies in Vorn's directory. A link is an entry like any other: it is never followed.
+struct OwnFiles {
+    std::vector<std::filesystem::path> own;     ///< Files and folders that Vorn made, in an order to remove them in.
+    std::vector<std::filesystem::path> others;  ///< Everything else; the folders that it is in stay with it.
+};
+
+/// The entries under `VornPaths::root()`; none when there is no such directory. Throws
+/// std::filesystem::filesystem_error when it cannot be listed.
+OwnFiles listOwnFiles();
+
+}  // namespace vorn

@@ -1,0 +1,274 @@
+// vornctl connect and disconnect as a user runs them: real processes, killed, starved and unprivileged ones included.
+#include <algorithm>
+#include <csignal>
+#include <cstdlib>
+#include <random>
+#include <thread>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "core/sources/json_value.hpp"
+#include "core/support/file.hpp"
+#include "core/support/process.hpp"
+#include "tests/support/temporary_directory.hpp"
+
+namespace vorn {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+using test::readAll;
+using test::TemporaryDirectory;
+using testing::HasSubstr;
+using testing::Not;
+
+constexpr const char* kSettings =
+    R"({"env": {"A": "1"}, "statusLine": {"type": "command", "command": "echo 'mine'", "padding": 0}, "z": [1.0, null]})";
+
+/// A user with Vorn installed in a place of its own.
+class Home : public TemporaryDirectory {
+public:
+    Home() {
+        fs::create_directories(path() / "install");
+        fs::copy_file(VORN_CTL, path() / "install/vornctl");
+        executable("install/vorn-bridge", "cat >/dev/null # " + std::string(600, '.'));
+    }
+
+    fs::path settings = path() / "claude/settings.json";
+    fs::path record = path() / "vorn/integration.json";
+
+    [[nodiscard]] ProcessResult run(const std::string& command, const std::string& before = "exec") const {
+        return runProcess({.executable = "/bin/sh",
+                           .arguments = {"-c", before + " " + (path() / "install/vornctl").string() + " " + command},
+                           .environment = environment()});
+    }
+    [[nodiscard]] std::map<std::string, std::string> environment() const {
+        return {{"PATH", "/usr/bin:/bin"},
+                {"HOME", path()},
+                {"CLAUDE_CONFIG_DIR", path() / "claude"},
+                {"VORN_HOME", path() / "vorn"}};
+    }
+    void put(std::string_view text) const { write("claude/settings.json", text); }
+    [[nodiscard]] JSONValue document() const { return JSONValue::parse(readAll(settings)); }
+    /// Whether the settings are what they were or what connecting makes of them, with the user's own command safe.
+    [[nodiscard]] bool isOldOrNew() const {
+        const JSONValue now = document();
+        if (now == JSONValue::parse(kSettings)) {
+            return true;
+        }
+        const auto text = readFile(record);
+        return text && JSONValue::parse(*text).member("originalStatusLine") != nullptr &&
+               *JSONValue::parse(*text).member("originalStatusLine") ==
+                   *JSONValue::parse(kSettings).member("statusLine") &&
+               *now.member("statusLine")->member("padding") == JSONValue(0) &&
+               now.member("statusLine")->member("command")->string()->ends_with("vorn-bridge' --chain");
+    }
+    /// Everything below, relative, one a line.
+    [[nodiscard]] std::string tree() const {
+        std::vector<std::string> names;
+        for (const auto& entry : fs::recursive_directory_iterator(path())) {
+            names.push_back(entry.path().lexically_relative(path()).string());
+        }
+        std::ranges::sort(names);
+        std::string all;
+        for (const std::string& name : names) {
+            all += name + "\n";
+        }
+        return all;
+    }
+};
+
+TEST(Connect, saysWhatRunsAndPutsEverythingBack) {
+    const Home home;
+    home.put(kSettings);
+    const std::string before = home.tree();
+    const ProcessResult dry = home.run("connect --dry-run");
+    EXPECT_EQ(dry.status, 0) << dry.standardError;
+    EXPECT_THAT(dry.standardOutput, HasSubstr("\n-{\"env\""));
+    EXPECT_THAT(dry.standardOutput, HasSubstr("\n+    \"padding\": 0,\n"));
+    EXPECT_THAT(dry.standardOutput, HasSubstr("then your own command:\n  echo 'mine'\n"));
+    EXPECT_EQ(home.tree(), before);
+    EXPECT_EQ(readAll(home.settings), kSettings);
+
+    EXPECT_THAT(home.run("status --no-probe --json").standardOutput, HasSubstr("\"state\": \"notConnected\""));
+    const ProcessResult connected = home.run("connect");
+    EXPECT_EQ(connected.status, 0) << connected.standardError;
+    EXPECT_THAT(connected.standardOutput, HasSubstr("then your own command:\n  echo 'mine'\n"));
+    EXPECT_TRUE(home.isOldOrNew());
+    EXPECT_EQ(readAll(home / "vorn/bin/vorn-bridge"), readAll(home / "install/vorn-bridge"));
+    EXPECT_THAT(home.run("connect").standardOutput, HasSubstr("Already connected"));
+    EXPECT_THAT(home.run("connect --dry-run").standardOutput, HasSubstr("leave the settings as they are"));
+    EXPECT_THAT(home.run("status --no-probe --json").standardOutput,
+                HasSubstr("\"downstreamCommand\": \"echo 'mine'\",\n    \"state\": \"connected\""));
+
+    const ProcessResult disconnected = home.run("disconnect");
+    EXPECT_EQ(disconnected.status, 0) << disconnected.standardError;
+    EXPECT_EQ(home.document(), JSONValue::parse(kSettings));
+    const ProcessResult again = home.run("disconnect");
+    EXPECT_EQ(again.status, 1);
+    EXPECT_EQ(again.standardError, "vornctl: Vorn has no record of your own status line, so nothing was changed.\n");
+}
+
+TEST(Connect, reconnectsForAnotherInstallation) {
+    const Home home;
+    home.put(kSettings);
+    ASSERT_EQ(home.run("connect").status, 0);
+    const std::string elsewhere = "VORN_HOME=" + (home / "v 2").string();
+    fs::create_directories(home / "v 2");
+    fs::copy(home.record, home / "v 2/integration.json");
+    const auto second = [&](const std::string& command) {
+        return home.run(command, "exec env '" + elsewhere + "'");
+    };
+    EXPECT_THAT(second("status --no-probe --json").standardOutput, HasSubstr("\"state\": \"needsReconnecting\""));
+    EXPECT_THAT(second("connect").standardOutput, HasSubstr("Reconnected."));
+    EXPECT_THAT(home.run("status --no-probe --json").standardOutput, HasSubstr("needsReconnecting"));
+    EXPECT_EQ(second("disconnect").status, 0);
+    EXPECT_EQ(home.document(), JSONValue::parse(kSettings));
+}
+
+TEST(Connect, fallsOverNothing) {
+    const Home home;
+    home.put("[]");
+    EXPECT_EQ(home.run("connect").standardError,
+              "vornctl: Couldn't read Claude Code settings: top level isn't an object\n");
+    EXPECT_THAT(home.run("status --no-probe --json").standardOutput, HasSubstr("\"state\": \"unknown\""));
+    EXPECT_FALSE(fs::exists(home / "vorn/bin"));
+    home.put(kSettings);
+    fs::remove(home / "install/vorn-bridge");
+    EXPECT_EQ(home.run("connect").standardError, "vornctl: vorn-bridge is missing from the app bundle.\n");
+    EXPECT_EQ(readAll(home.settings), kSettings);
+}
+
+TEST(Connect, losesNothingOnAFullDisk) {
+    constexpr int kEnough = 6;  // of 512 bytes
+    for (int blocks = 0; blocks <= kEnough; ++blocks) {
+        const Home home;
+        const std::string ballast(900, 'b');  // so that files of every size meet the limit
+        home.put(R"({"b": ")" + ballast + R"(", "statusLine": {"command": ")" + ballast + R"("}})");
+        const JSONValue before = home.document();
+        const std::string limited = "trap '' XFSZ; ulimit -f " + std::to_string(blocks) + "; exec";
+        const ProcessResult result = home.run("connect", limited);
+        EXPECT_EQ(result.end, ProcessResult::End::exited);
+        SCOPED_TRACE(std::to_string(blocks) + " blocks: " + result.standardError);
+        if (result.status != 0) {
+            EXPECT_THAT(result.standardError, HasSubstr("File too large\n"));
+            EXPECT_EQ(home.document(), before);
+            EXPECT_THAT(home.tree(), Not(HasSubstr("vorn-new")));
+        }
+        EXPECT_TRUE(blocks > 0 || result.status == 1);
+        EXPECT_TRUE(blocks < kEnough || result.status == 0);
+        ASSERT_EQ(home.run("connect").status, 0);
+        if (home.run("disconnect", limited).status != 0) {
+            EXPECT_EQ(home.run("disconnect").status, 0);
+        }
+        EXPECT_EQ(home.document(), before);
+    }
+}
+
+TEST(Connect, respectsProtectedSettings) {
+    const Home home;
+    home.put(kSettings);
+    ::chmod(home.settings.c_str(), 0444);
+    std::string before = "exec";
+    if (::geteuid() == 0) {
+        constexpr uid_t kNobody = 65534;
+        before = "exec setpriv --reuid=65534 --regid=65534 --clear-groups";
+        ASSERT_EQ(::chown(home.path().c_str(), kNobody, kNobody), 0);
+        for (const auto& entry : fs::recursive_directory_iterator(home.path())) {
+            ASSERT_EQ(::chown(entry.path().c_str(), kNobody, kNobody), 0);
+        }
+    }
+    const ProcessResult result = home.run("connect", before);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.standardError, "vornctl: Couldn't write " + home.settings.string() + ": Permission denied\n");
+    EXPECT_EQ(readAll(home.settings), kSettings);
+    ::chmod(home.settings.c_str(), 0600);
+    EXPECT_EQ(home.run("connect", before).status, 0);
+}
+
+/// Kills the command a random time after its start, on average half-way.
+void runAndKill(const Home& home, const char* command, std::chrono::microseconds after) {
+    const std::string program = home / "install/vornctl";
+    std::vector<std::string> environment;
+    for (const auto& [name, value] : home.environment()) {
+        environment.push_back(name + "=" + value);
+    }
+    std::vector<char*> pointers;
+    for (std::string& entry : environment) {
+        pointers.push_back(entry.data());
+    }
+    pointers.push_back(nullptr);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::close(STDOUT_FILENO);
+        ::close(STDERR_FILENO);
+        ::execle(program.c_str(), "vornctl", command, nullptr, pointers.data());
+        ::_exit(127);
+    }
+    std::this_thread::sleep_for(after);
+    ::kill(child, SIGKILL);
+    ::waitpid(child, nullptr, 0);
+}
+
+/// VORN_KILLS asks for more of them.
+TEST(Connect, mayBeKilledAtAnyMoment) {
+    const auto wanted = environmentValue("VORN_KILLS");
+    const int kills = wanted ? std::atoi(wanted->c_str()) : 30;
+    const Home home;
+    home.put(kSettings);
+    const auto start = std::chrono::steady_clock::now();
+    ASSERT_EQ(home.run("connect").status, 0);
+    const auto whole = std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start);
+    ASSERT_EQ(home.run("disconnect").status, 0);
+    std::minstd_rand random{static_cast<unsigned>(kills)};
+    std::uniform_int_distribution<std::int64_t> delay(whole.count() / 10, whole.count() * 3 / 2);
+    for (int i = 0; i < kills; ++i) {
+        SCOPED_TRACE(i);
+        const bool wasConnected = home.document() != JSONValue::parse(kSettings);
+        runAndKill(home, wasConnected ? "disconnect" : "connect", std::chrono::microseconds(delay(random)));
+        ASSERT_TRUE(home.isOldOrNew()) << readAll(home.settings);
+    }
+    ASSERT_EQ(home.run("connect").status, 0);
+    ASSERT_EQ(home.run("disconnect --purge").status, 0);
+    EXPECT_EQ(home.document(), JSONValue::parse(kSettings));
+    EXPECT_EQ(home.tree(), "claude\nclaude/settings.json\ninstall\ninstall/vorn-bridge\ninstall/vornctl\n");
+}
+
+TEST(Disconnect, purgesOnlyWhatIsVorns) {
+    const Home home;
+    home.put(kSettings);
+    ASSERT_EQ(home.run("connect").status, 0);
+    ASSERT_EQ(home.run("plan bank 1").status, 0);
+    const fs::path outside = home.write("outside/history.jsonl", "mine");
+    fs::create_symlink(outside, home / "vorn/history.jsonl");
+    fs::create_symlink(outside.parent_path(), home / "vorn/probe");
+    home.write("vorn/bin/mine", "mine");
+    home.write("vorn/notes.txt", "mine");
+    home.write("vorn/statusline.json.bak", "mine");
+    home.write("vorn/probe.json/mine", "a folder in a file's place");
+    const ProcessResult result = home.run("disconnect --purge");
+    EXPECT_EQ(result.status, 0) << result.standardError;
+    EXPECT_THAT(result.standardOutput, HasSubstr("  " + (home / "vorn/reset-plan.json").string() + "\n"));
+    EXPECT_THAT(result.standardOutput, HasSubstr("not Vorn's:\n  " + (home / "vorn/bin/mine").string() + "\n"));
+    EXPECT_EQ(home.tree(),
+              "claude\nclaude/settings.json\ninstall\ninstall/vorn-bridge\ninstall/vornctl\n"
+              "outside\noutside/history.jsonl\nvorn\nvorn/bin\nvorn/bin/mine\nvorn/notes.txt\nvorn/probe\n"
+              "vorn/probe.json\nvorn/probe.json/mine\nvorn/statusline.json.bak\n");
+    EXPECT_EQ(home.document(), JSONValue::parse(kSettings));
+    EXPECT_THAT(home.run("disconnect --purge").standardOutput, HasSubstr("nothing of Vorn to remove"));
+
+    // Without a record the relay stays in use, and is not taken away.
+    ASSERT_EQ(home.run("connect").status, 0);
+    fs::remove(home.record);
+    const ProcessResult refused = home.run("disconnect --purge");
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_THAT(refused.standardError, HasSubstr("vornctl connect makes a new record"));
+    EXPECT_TRUE(fs::exists(home / "vorn/bin/vorn-bridge"));
+}
+
+}  // namespace
+}  // namespace vorn

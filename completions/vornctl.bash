@@ -54,16 +54,17 @@ _vornctl() {
         fi
         case "$place/$word" in
             */--claude | */--root | */--format | */--demo | */--scope | */--since | */--now | */--note) skip=yes ;;
-            /status | /activity | /plan) place=$word ;;
+            /status | /activity | /plan | /connect | /disconnect) place=$word ;;
             /help) place=help ;;
-            plan/add | plan/remove | plan/list | plan/bank | plan/redeem | help/status | help/activity | help/plan)
+            plan/add | plan/remove | plan/list | plan/bank | plan/redeem | help/status | help/activity | help/plan | \
+                help/connect | help/disconnect)
                 place="$place $word" ;;
         esac
     done
 
     case $place in
-        '') _vornctl_offer 'status activity plan help --version --help' "$current" ;;
-        help) _vornctl_offer 'status activity plan' "$current" ;;
+        '') _vornctl_offer 'status activity plan connect disconnect help --version --help' "$current" ;;
+        help) _vornctl_offer 'status activity plan connect disconnect' "$current" ;;
         status)
             _vornctl_offer '--claude --probe --no-probe --rates --json --format --demo --demo-if-empty --now --watch
                 --help' "$current" ;;
@@ -75,6 +76,8 @@ _vornctl() {
         'plan list') _vornctl_offer '--json --now --help' "$current" ;;
         'plan bank') _vornctl_offer '--help' "$current" ;;
         'plan redeem') _vornctl_offer '--scope --help' "$current" ;;
+        connect) _vornctl_offer '--dry-run --help' "$current" ;;
+        disconnect) _vornctl_offer '--purge --help' "$current" ;;
     esac
 }
 complete -F _vornctl vornctl

@@ -44,6 +44,8 @@ for at in '' help
     complete -c vornctl -n "__vornctl_at $at" -a status -d 'How much of each limit is used, and where that leads'
     complete -c vornctl -n "__vornctl_at $at" -a activity -d 'What Claude Code did on this machine'
     complete -c vornctl -n "__vornctl_at $at" -a plan -d 'Resets that you expect ahead of schedule, or hold'
+    complete -c vornctl -n "__vornctl_at $at" -a connect -d "Have Claude Code's status line report to Vorn"
+    complete -c vornctl -n "__vornctl_at $at" -a disconnect -d 'Put your own status line back as it was'
 end
 complete -c vornctl -n __vornctl_at -a help -d 'Tell more about a command'
 
@@ -79,3 +81,6 @@ end
 complete -c vornctl -n '__vornctl_at plan remove' -a '(__vornctl_planned)'
 complete -c vornctl -n '__vornctl_in plan list' -l json -d 'Print the plan as JSON'
 complete -c vornctl -n '__vornctl_in plan list' -l now -x -d 'Take this moment as now'
+
+complete -c vornctl -n '__vornctl_in connect' -l dry-run -d 'Show what would change, and change nothing'
+complete -c vornctl -n '__vornctl_in disconnect' -l purge -d 'Then remove everything that Vorn keeps'

@@ -159,7 +159,7 @@ TEST(StatusLineSnapshot, TheNewestStands) {
 
 TEST(StatusLineSnapshot, LeavesNothingElseBehind) {
     const test::TemporaryDirectory dir;
-    dir.write("statusline.json.vorn-abcdef", "a killed writer's");
+    dir.write("statusline.json.vorn-new-abcdef", "a killed writer's");
     dir.write("statusline.json.backup", "the user's");
     dir.write("elsewhere.json", "");
     fs::create_symlink("elsewhere.json", dir / "statusline.json");

@@ -1,0 +1,10 @@
+# Toolchain for compiling for macOS on another system; see tools/cross-macos.
+set(CMAKE_SYSTEM_NAME Darwin)
+set(CMAKE_SYSTEM_PROCESSOR arm64)
+set(CMAKE_CXX_COMPILER $ENV{VORN_CROSS}/zig-c++)
+set(CMAKE_AR $ENV{VORN_CROSS}/zig-ar CACHE FILEPATH "")
+set(CMAKE_RANLIB $ENV{VORN_CROSS}/zig-ranlib CACHE FILEPATH "")
+set(CMAKE_INSTALL_NAME_TOOL /bin/true CACHE FILEPATH "")
+set(CMAKE_OSX_SYSROOT "" CACHE STRING "")
+set(CMAKE_OSX_DEPLOYMENT_TARGET "" CACHE STRING "")
+set(CMAKE_OSX_ARCHITECTURES "" CACHE STRING "")

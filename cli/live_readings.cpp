@@ -11,6 +11,7 @@
 #include "core/data/vorn_paths.hpp"
 #include "core/sources/claude_locator.hpp"
 #include "core/sources/probe_error.hpp"
+#include "core/sources/status_line_snapshot.hpp"
 #include "core/sources/usage_command_probe.hpp"
 
 namespace vorn::cli {
@@ -34,11 +35,12 @@ public:
     Readings read() {
         m_samples = m_history.all();
         m_state.merge(newestCurrent(m_samples, now()));
-        m_state.merge(lastAnswer());
+        m_state.merge(believable(m_record.readings));
         // Announced after that answer was judged, so the next one is meant.
         const std::vector expected(m_record.expectedResets.begin(), m_record.expectedResets.end());
         m_state.expectReset(expected);
         m_state.setInsights(loadBreakdown(now()));
+        takeSnapshot();
         if (mayProbe()) {
             probe();
         }
@@ -52,11 +54,11 @@ private:
     [[nodiscard]] Instant now() const { return m_request.now.value_or(systemNow()); }
     [[nodiscard]] bool mayWrite() const { return !m_request.now; }
 
-    /// What of it can still be true: nothing of a clock that was ahead, and a window that is over only while another is
-    /// not, so that a session does not vanish at its reset but stands at nothing used.
-    [[nodiscard]] std::vector<UsageWindow> lastAnswer() const {
+    /// What of an earlier answer can still be true: nothing of a clock that was ahead, and a window that is over only
+    /// while another is not, so that a session does not vanish at its reset but stands at nothing used.
+    [[nodiscard]] std::vector<UsageWindow> believable(const std::vector<UsageWindow>& readings) const {
         std::vector<UsageWindow> answer;
-        std::ranges::copy_if(m_record.readings, std::back_inserter(answer), [this](const UsageWindow& reading) {
+        std::ranges::copy_if(readings, std::back_inserter(answer), [this](const UsageWindow& reading) {
             return reading.observedAt <= now() && now() - reading.observedAt < reading.kind.length();
         });
         const bool isOver =
@@ -64,13 +66,41 @@ private:
         return isOver ? std::vector<UsageWindow>() : answer;
     }
 
+    /// What the relay left, unless something newer is known.
+    void takeSnapshot() {
+        const auto snapshot = StatusLineSnapshot::read(VornPaths::statusLineSnapshot());
+        const auto incoming = snapshot ? believable(snapshot->windows()) : std::vector<UsageWindow>();
+        m_state.merge(incoming);
+        std::vector<UsageWindow> believed;
+        for (const UsageWindow& reading : incoming) {
+            const UsageWindow& held = m_state.windows().at(reading.kind);
+            if (held.observedAt != reading.observedAt) {
+                continue;
+            }
+            if (held.usedPercent - reading.usedPercent >= UsageState::resetDrop) {
+                // Not recorded, so that the client's answer, which is kept as it was read, stays the newest and can
+                // confirm the fall in a later run.
+                m_fallIsHeld = true;
+            } else {
+                believed.push_back(held);
+            }
+        }
+        if (mayWrite() && !believed.empty()) {
+            m_history.record(believed, now());
+            m_samples = m_history.all();
+        }
+        if (m_state.expectingReset() != m_record.expectedResets) {
+            m_record.expectedResets = m_state.expectingReset();  // seen: another fall is not what was announced
+            remember(m_record);
+        }
+    }
+
     bool mayProbe() {
         if (m_request.probing != Probing::whenStale) {
             return m_request.probing == Probing::always;
         }
-        const auto newest = m_state.lastObservedAt();
-        // A reading from the future (the clock was set back) says nothing about now.
-        if (newest && *newest <= now() && now() - *newest <= m_request.staleAfter) {
+        if (isFresh(m_fallIsHeld ? m_record.lastProbeAt : m_state.lastObservedAt(), m_request.staleAfter) &&
+            modelsAreFresh()) {
             return false;
         }
         if (mayRetryProbe(m_record, kRefresh, now())) {
@@ -81,6 +111,21 @@ private:
                          .advice = ProbeError::adviceFor(m_record.lastError),
                          .retryAt = *m_record.lastProbeAt + probeInterval(m_record.consecutiveFailures, kRefresh)};
         return false;
+    }
+
+    /// A reading from the future (the clock was set back) says nothing about now.
+    [[nodiscard]] bool isFresh(std::optional<Instant> reading, Seconds lifetime) const {
+        return reading && *reading <= now() && now() - *reading <= lifetime;
+    }
+
+    /// The status line never tells about single models. Where there are such limits the client is asked for them as
+    /// often as it would be without the status line.
+    [[nodiscard]] bool modelsAreFresh() const {
+        return std::ranges::all_of(m_state.windows(), [this](const auto& entry) {
+            const UsageWindow& window = entry.second;
+            return window.kind.which() != WindowKind::Case::weekModel || window.hasReset(now()) ||
+                   isFresh(window.observedAt, std::max(kRefresh, m_request.staleAfter));
+        });
     }
 
     void probe() {
@@ -162,8 +207,9 @@ private:
     HistoryStore m_history;
     std::vector<HistorySample> m_samples;  ///< What the history holds; copied no more often than it changes.
     const ProbeRecordStore m_records{VornPaths::probeRecord()};
-    const ProbeRecord m_record = m_memory.unsaved ? *m_memory.unsaved : m_records.load();
+    ProbeRecord m_record = m_memory.unsaved ? *m_memory.unsaved : m_records.load();
     UsageState m_state;
+    bool m_fallIsHeld = false;  ///< The snapshot tells of an early reset that nothing has confirmed yet.
     std::optional<ProbeFailure> m_failure;
 };
 

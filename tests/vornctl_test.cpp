@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <cmath>
 #include <cstring>
 #include <ctime>
 #include <fstream>
@@ -361,6 +362,47 @@ TEST_F(VornctlTest, BelievesAnEarlyResetWhenItIsConfirmed) {
         }
     }
     EXPECT_THAT(recorded, testing::ElementsAre(80, 20));
+}
+
+TEST_F(VornctlTest, UsesWhatTheRelayLeft) {
+    const double reset = std::floor(secondsSince1970(systemNow() + 3h));
+    const auto leave = [&](double percent, Seconds ago) {
+        m_dir.write("home/vorn/statusline.json",
+                    json{{"observed_at", secondsSince1970(systemNow() - ago)},
+                         {"rate_limits", {{"five_hour", {{"used_percentage", percent}, {"resets_at", reset}}}}}}
+                        .dump());
+    };
+    leave(40.5, 30s);
+    const json report = status();
+    EXPECT_EQ(report.at("windows").at(0).at("usedPercent"), 40.5);
+    EXPECT_EQ(report.at("source"), "statusLine");
+    EXPECT_EQ(session("--no-probe"), 40.5);
+    EXPECT_THAT(readAll(m_vorn / "history.jsonl"), HasSubstr("40.5"));
+    EXPECT_EQ(asked(), 0);
+
+    leave(41, 100s);  // older than what is known
+    EXPECT_EQ(session("--no-probe"), 40.5);
+    leave(99, -1h);  // from a clock that was ahead
+    EXPECT_EQ(session("--no-probe"), 40.5);
+
+    // A fall that the status line reports is asked about at once, then a minute later.
+    answers(fmt::format("Current session: 5% used · resets {}\n", resetIn(3h)));
+    leave(5, 1s);
+    EXPECT_EQ(session(), 40.5);
+    EXPECT_EQ(asked(), 1);
+    leave(5, 0s);
+    EXPECT_EQ(session(), 40.5);
+    EXPECT_EQ(asked(), 1);
+    age(61s);
+    leave(5, 0s);
+    EXPECT_EQ(session(), 5);
+
+    // An announced one admits one fall, seen by whichever run.
+    EXPECT_EQ(run("plan redeem --scope session").status, 0);
+    for (const auto& [percent, shown] : {std::pair{60, 60}, {10, 10}, {50, 50}, {5, 50}}) {
+        leave(percent, 0s);
+        EXPECT_EQ(session("--no-probe"), shown);
+    }
 }
 
 TEST_F(VornctlTest, BelievesAnAnnouncedResetAtOnce) {

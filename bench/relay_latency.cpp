@@ -67,7 +67,7 @@ Milliseconds run(const Variant& variant) {
     ::posix_spawn_file_actions_adddup2(&actions, ends[0], STDIN_FILENO);
     std::vector<char*> arguments;
     for (const std::string& argument : variant.arguments) {
-        arguments.push_back(const_cast<char*>(argument.c_str()));  // NOLINT: what posix_spawn asks for
+        arguments.push_back(const_cast<char*>(argument.c_str()));  // what posix_spawn asks for
     }
     arguments.push_back(nullptr);
 

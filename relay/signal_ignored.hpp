@@ -19,7 +19,7 @@ public:
 private:
     void ignore(struct sigaction* before) const noexcept {
         struct sigaction ignored {};
-        ignored.sa_handler = SIG_IGN;  // NOLINT(cppcoreguidelines-pro-type-cstyle-cast)
+        ignored.sa_handler = SIG_IGN;
         ::sigaction(m_signal, &ignored, before);
     }
 

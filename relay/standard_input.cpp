@@ -175,7 +175,6 @@ std::string_view StandardInput::fillReplacement() noexcept {
 
 bool StandardInput::startFeeder(std::string_view rest) const noexcept {
     // The parent in between ends at once, so the command gets no child that it did not start.
-    const SignalIgnored noNotice(SIGCHLD);
     const pid_t between = ::fork();
     if (between == 0) {
         const pid_t feeder = ::fork();
@@ -187,15 +186,19 @@ bool StandardInput::startFeeder(std::string_view rest) const noexcept {
     if (between < 0) {
         return false;
     }
-    while (::waitpid(between, nullptr, 0) < 0 && errno == EINTR) {
+    int status = 0;  // stays so where ended children are not kept for anybody
+    while (::waitpid(between, &status, 0) < 0 && errno == EINTR) {
     }
-    return true;
+    const SignalIgnored noNotice(SIGCHLD);  // blocked, it would wait for the command
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
 void StandardInput::feed(std::string_view rest) const noexcept {
     constexpr int kOutput = STDOUT_FILENO;
+    ::close(m_readEnd.get());
     ::dup2(m_writeEnd.get(), kOutput);
-    closeAllAfter(kOutput);
+    ::close(STDERR_FILENO);
+    closeAllAfter(STDERR_FILENO);
     if (m_ended) {
         ::close(kInput);
     }

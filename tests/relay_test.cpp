@@ -88,7 +88,7 @@ void writeAll(int descriptor, std::string_view bytes) {
 pid_t start(const Launch& run, int input, int output, int error) {
     std::vector<char*> arguments;
     for (const std::string& argument : run.arguments) {
-        arguments.push_back(const_cast<char*>(argument.c_str()));  // NOLINT: what exec asks for
+        arguments.push_back(const_cast<char*>(argument.c_str()));  // what exec asks for
     }
     arguments.push_back(nullptr);
     const pid_t child = ::fork();

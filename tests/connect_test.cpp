@@ -198,6 +198,7 @@ void runAndKill(const Home& home, const char* command, std::chrono::microseconds
         environment.push_back(name + "=" + value);
     }
     std::vector<char*> pointers;
+    pointers.reserve(environment.size() + 1);
     for (std::string& entry : environment) {
         pointers.push_back(entry.data());
     }

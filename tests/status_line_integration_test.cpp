@@ -284,7 +284,8 @@ TEST(BridgeInstaller, findsTheRelayOfTheRunningProgram) {
     dir.write("App/Helpers/vorn-bridge", "cannot be run");
     EXPECT_EQ(failureOf([&] { (void)BridgeInstaller::find(program); }), "vorn-bridge is missing from the app bundle.");
     for (const char* better : {"App/libexec/vorn/vorn-bridge", "App/bin/vorn-bridge", "App/Helpers/vorn-bridge"}) {
-        EXPECT_EQ(BridgeInstaller::find(program), dir.executable(better, "exit 0")) << better;
+        const fs::path relay = dir.executable(better, "exit 0");
+        EXPECT_EQ(BridgeInstaller::find(program), relay);
     }
 }
 

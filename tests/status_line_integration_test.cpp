@@ -249,19 +249,6 @@ TEST(StatusLineIntegration, appliesItselfAgainWhenTheSettingsChangedMeanwhile) {
     EXPECT_LT(i, kTries);
 }
 
-TEST(StatusLineIntegration, waitsForAnotherVorn) {
-    const Places places;
-    fs::create_directories(places.record.parent_path());
-    {
-        const auto held = FileLock::acquire(places.integration.lockFile(), 0ms);
-        EXPECT_THAT(failureOf([&] { places.integration.install(kNow); }), HasSubstr("another Vorn is at work"));
-    }
-    std::thread other([&] { places.integration.install(kNow); });
-    places.integration.install(kNow);
-    other.join();
-    EXPECT_EQ(places.integration.state().kind, Kind::installed);
-}
-
 TEST(StatusLineConnection, leavesAStatusLineAloneThatTheUserChoseSince) {
     const Places places;
     places.put(kUsers);

@@ -8,6 +8,7 @@
 #include "core/support/unicode/display_width.hpp"
 #include "demo/demo.hpp"
 #include "tests/support/readings.hpp"
+#include "tests/support/repeated.hpp"
 
 namespace vorn::cli {
 namespace {
@@ -20,14 +21,6 @@ using testing::Not;
 const std::string kWide = "项目管理系统项目管理系统项目管理系统";
 const std::string kHostile = "\x1b[31mevil\u202E\n\x07" + std::string(300, 'x');
 
-std::string repeated(const std::string& text, int times) {
-    std::string all;
-    for (int i = 0; i < times; ++i) {
-        all += text;
-    }
-    return all;
-}
-
 /// The planned-reset demonstration with names from outside that nobody would choose.
 Readings hostileReadings() {
     demo::Demo demo = demo::makeDemo(demo::Scenario::plannedReset, kNow);
@@ -36,7 +29,7 @@ Readings hostileReadings() {
                       .history = demo.history,
                       .activity = ActivitySummary(demo.activity),
                       .plan = demo.plan};
-    for (const std::string& model : {kWide, kHostile, std::string("\xff"), repeated("e\u0301", 40)}) {
+    for (const std::string& model : {kWide, kHostile, std::string("\xff"), test::repeated(40, "e\u0301")}) {
         readings.windows.push_back(test::reading(WindowKind::weekModel(model), 12, 80h));
     }
     readings.plan.planned[0].note = kHostile + " · " + kWide;

@@ -8,9 +8,9 @@
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "core/support/unicode/time_zone.hpp"
+#include "tests/support/repeated.hpp"
 #include "tests/support/temporary_directory.hpp"
 
 namespace vorn {
@@ -26,6 +26,7 @@ namespace {
 
 using namespace std::chrono_literals;
 using std::chrono::sys_days;
+using test::repeated;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using Finding = UsageInsights::Finding;
@@ -38,14 +39,6 @@ const Instant kNow = sys_days{2026y / 11 / 22} + 22h;
 
 std::string sample(const char* name) {
     return test::readAll(std::filesystem::path(VORN_USAGE_SAMPLES) / name);
-}
-
-std::string repeated(std::size_t count, std::string_view piece) {
-    std::string text;
-    for (std::size_t i = 0; i < count; ++i) {
-        text += piece;
-    }
-    return text;
 }
 
 /// "2026-11-22T22:37:00Z", or "none": readable in a failure.
@@ -88,13 +81,11 @@ TEST(UsageCommandParser, ReadsWhatTheClientPrints) {
         {},
         {}};
     EXPECT_EQ(older.insights->periods[0], day);
-    EXPECT_EQ(older.insights->periods[1].findings.size(), 4U);
 
     const auto newer = parser::parse(sample("2.1.330.txt"), kNow);
     EXPECT_THAT(newer.windows, windows);
     ASSERT_TRUE(newer.insights && newer.insights->periods.size() == 2);
     EXPECT_THAT(newer.insights->periods[0].findings, ElementsAre(subagents, compact, fresh));
-    EXPECT_EQ(newer.insights->periods[1].label, "Last 7d");
     EXPECT_EQ(newer.insights->periods[1].requests, 784);
 
     // The lists change nothing but the two that are kept, wherever they stand among the findings.
@@ -131,15 +122,10 @@ TEST(UsageCommandParser, RecognisesLinesWhereverTheyStand) {
 }
 
 TEST(UsageCommandParser, TellsASubscriptionFromOther) {
-    const std::pair<const char*, bool> cases[] = {{"", false},
-                                                  {"Total cost: $0.00", false},
-                                                  {"Only available for SUBSCRIPTION plans", true},
-                                                  {"Current week: 1%", true}};
-    for (const auto& [text, isSubscription] : cases) {
-        const auto result = parser::parse(text, kNow);
-        EXPECT_EQ(result.isSubscription, isSubscription) << text;
-        EXPECT_FALSE(result.insights) << text;
-    }
+    EXPECT_FALSE(parser::parse("Total cost: $0.00", kNow).isSubscription);
+    EXPECT_TRUE(parser::parse("Only available for SUBSCRIPTION plans", kNow).isSubscription);
+    EXPECT_TRUE(parser::parse("Current week: 1%", kNow).isSubscription);
+    EXPECT_FALSE(parser::parse("Current week: 1%", kNow).insights);
 }
 
 TEST(UsageCommandParser, ReadsWindowLines) {
@@ -147,15 +133,10 @@ TEST(UsageCommandParser, ReadsWindowLines) {
         {"Current session: 23% used · resets Nov 22, 11:16pm (Europe/Berlin)", "session 23 2026-11-22T22:16:00Z"},
         {"cUrReNt Week (All Models): 61% used · Resets 11:16PM (Europe/Berlin)", "week 61 2026-11-22T22:16:00Z"},
         {"Current week (\u00A0Opus 4\u202F): 5%", "week:Opus 4 5 none"},
-        {"Current WEEKLY (SONNET): used 140%", "week:SONNET 140 none"},
-        {"Current week (): 5%", "week 5 none"},
         {"Current week )Opus(: 5%", "week 5 none"},
-        {"Current week (a (b) c): 5%", "week:a (b) c 5 none"},
         {"Current session: 5% · resets soon", "session 5 none"},
         {"Current session: resets 3pm, 5% used", "session 5 none"},
         {"Current session (5h): 5%", "none"},
-        {"Current session 23%", "none"},
-        {"Current session: used", "none"},
         {"Current: 5%", "none"},
         {"Current session: ٢٣% used, 5%", "none"},
         {"Current\u00A0session: 5%", "none"}};
@@ -166,24 +147,17 @@ TEST(UsageCommandParser, ReadsWindowLines) {
 
 TEST(UsageCommandParser, ReadsPercentages) {
     const std::pair<std::string, std::optional<double>> cases[] = {
-        {"  12% used", 12}, {"7.5 % used", 7.5}, {"used 40%", 40},
-        {"1.2.5%", 2.5},    {"12.%, 8%", 8},     {"1,5%", 5},
-        {"5\u202F%", 5},    {"12 percent", {}},  {"%", {}},
-        {"", {}},           {"abc3%", 3},        {repeated(400, "9") + "%", {}},
-        {".5%", 5},         {"-3%", 3},          {"0.1%", 0.1}};
+        {"used 40%", 40}, {"7.5 % used", 7.5}, {"1.2.5%", 2.5}, {"12.%, 8%", 8}, {"1,5%", 5},
+        {"5\u202F%", 5},  {"12 percent", {}},  {"%", {}},       {"abc3%", 3},    {repeated(400, "9") + "%", {}},
+        {".5%", 5},       {"-3%", 3}};
     for (const auto& [text, percent] : cases) {
         EXPECT_EQ(parser::leadingPercent(text), percent) << text;
     }
 }
 
-struct ResetCase {
-    const char* text;
-    const char* expected;
-};
-
-void expectResets(std::initializer_list<ResetCase> cases, Instant now) {
-    for (const auto& c : cases) {
-        EXPECT_EQ(shown(parser::parseResetTime(c.text, now)), c.expected) << c.text;
+void expectResets(std::initializer_list<std::pair<const char*, const char*>> cases, Instant now) {
+    for (const auto& [text, expected] : cases) {
+        EXPECT_EQ(shown(parser::parseResetTime(text, now)), expected) << text;
     }
 }
 
@@ -193,46 +167,30 @@ TEST(ResetTime, HasManyForms) {
     // Times of day.
     expectResets({{"3pm", "2026-11-22T15:00:00Z"},
                   {"\t3:30 PM ", "2026-11-22T15:30:00Z"},
-                  {"15:00", "2026-11-22T15:00:00Z"},
                   {"at 9am", "2026-11-23T09:00:00Z"},
                   {"At  9\u00A0Am", "2026-11-23T09:00:00Z"},
                   {"12am", "2026-11-23T00:00:00Z"},
                   {"12pm", "2026-11-22T12:00:00Z"},
-                  {"0am", "2026-11-23T00:00:00Z"},
-                  {"13pm", "2026-11-22T13:00:00Z"},
-                  {"25", "2026-11-23T01:00:00Z"},
                   {"15:75", "2026-11-22T16:15:00Z"},
-                  {"3", "2026-11-23T03:00:00Z"},
                   {"15:٣٠", "2026-11-22T15:00:00Z"}},
                  noon);
     // Dates. "Jan 2 20" is an hour, not the beginning of a year.
     expectResets({{"Nov 22, 11:16pm", "2026-11-22T23:16:00Z"},
                   {"Nov 22, at 11:16pm", "2026-11-22T23:16:00Z"},
-                  {"Nov 22 at 11:16\u202Fpm", "2026-11-22T23:16:00Z"},
-                  {"Nov\u00A024\u00A07pm", "2026-11-24T19:00:00Z"},
                   {"Sept. 12, 2026 at 10:15am", "2026-09-12T10:15:00Z"},
-                  {"Jan 2, 2027, 7pm", "2027-01-02T19:00:00Z"},
                   {"Jan 2 2027 7pm", "2027-01-02T19:00:00Z"},
-                  {"Jan 5 at 3pm", "2027-01-05T15:00:00Z"},
                   {"Jan 2 20", "2027-01-02T20:00:00Z"},
                   {"Mayday 1 8", "2027-05-01T08:00:00Z"},
-                  {"Nov 32, 1am", "2026-12-02T01:00:00Z"},
-                  {"Feb 29, 2027", "2027-03-01T00:00:00Z"},
-                  {"Jan 2", "2027-01-02T00:00:00Z"},
-                  {"Dec 20, 2025", "2025-12-20T00:00:00Z"}},
+                  {"Nov 32, 1am", "2026-12-02T01:00:00Z"}},
                  noon);
     // Zones: an unknown one is ignored, with its parentheses.
     expectResets({{"Dec. 20 2025 (Asia/Kathmandu)", "2025-12-19T18:15:00Z"},
                   {"3pm (Mars/Base)", "2026-11-22T15:00:00Z"},
-                  {"3pm (europe/berlin)", "2026-11-22T15:00:00Z"},
-                  {"3pm (PST)", "2026-11-22T15:00:00Z"},
-                  {"3pm (GMT+1)", "2026-11-22T15:00:00Z"},
                   {"3pm ( Europe/Berlin ) and more", "2026-11-22T14:00:00Z"},
                   {"3pm(America/Los_Angeles)", "2026-11-22T23:00:00Z"}},
                  noon);
-    for (const char* text :
-         {"", "tomorrow", "in 3pm", "100", "3:5pm", "٣pm", "Foo 3 at 5pm", "No 3 at 5pm", "Nov ٣ at 5pm",
-          "Nov 22,11:16pm", "Nov 22,", "3pm (a) (Asia/Tokyo)", "3pm )(", "3pm (Europe/Berlin", "(Europe/Berlin)"}) {
+    for (const char* text : {"", "in 3pm", "100", "3:5pm", "٣pm", "No 3 at 5pm", "Nov 22,11:16pm",
+                             "3pm (a) (Asia/Tokyo)", "3pm (Europe/Berlin", "(Europe/Berlin)"}) {
         EXPECT_EQ(shown(parser::parseResetTime(text, noon)), "none") << text;
     }
 }
@@ -279,9 +237,8 @@ TEST(ResetTime, FollowsTheSystemsZone) {
 }
 
 TEST(UsageCommandParser, ReadsMonths) {
-    const std::pair<const char*, std::optional<int>> cases[] = {{"JAN", 1},  {"february", 2}, {"Mayday", 5}, {"jun", 6},
-                                                                {"JULI", 7}, {"Sept", 9},     {"dec.", 12},  {"Ja", {}},
-                                                                {"Måy", {}}, {"", {}}};
+    const std::pair<const char*, std::optional<int>> cases[] = {{"JAN", 1},  {"Mayday", 5}, {"jun", 6}, {"JULI", 7},
+                                                                {"Sept", 9}, {"Ja", {}},    {"Måy", {}}};
     for (const auto& [name, month] : cases) {
         EXPECT_EQ(parser::monthNumber(name), month) << name;
     }
@@ -290,18 +247,15 @@ TEST(UsageCommandParser, ReadsMonths) {
 TEST(UsageCommandParser, ReadsPeriodHeaders) {
     const std::pair<const char*, Period> cases[] = {
         {"Last 7 days · 1,234 requests · 56 sessions", {"Last 7 days", 1234, 56, {}, {}, {}}},
-        {"Last 24 hours·1 request", {"Last 24 hours", 1, {}, {}, {}, {}}},
         {"Last 24h\u00A0·\u202F56 sessions · 8 requests · 9 requests", {"Last 24h", 8, 56, {}, {}, {}}},
-        {"Last 24h · about 12 requests · 12 requests", {"Last 24h", {}, {}, {}, {}, {}}},
         {"Last 24h · 12½ requests · ٣ sessions", {"Last 24h", {}, {}, {}, {}, {}}},
         {"Last 24h · 99999999999999999999 requests · , sessions", {"Last 24h", {}, {}, {}, {}, {}}},
         {"Last 24h · 5 Requests · 5 requestss · 7 subsession", {"Last 24h", {}, 7, {}, {}, {}}},
-        {"Last 5 requests", {"Last 5 requests", {}, {}, {}, {}, {}}}};
+    };
     for (const auto& [line, period] : cases) {
         EXPECT_EQ(parser::parsePeriodHeader(line), period) << line;
     }
     EXPECT_FALSE(parser::parsePeriodHeader("last 24h · 1 request"));
-    EXPECT_FALSE(parser::parsePeriodHeader("Last"));
 }
 
 TEST(UsageCommandParser, ReadsShares) {
@@ -316,13 +270,9 @@ TEST(UsageCommandParser, ReadsShares) {
 }
 
 TEST(UsageCommandParser, ReadsFindings) {
-    const std::pair<const char*, std::optional<Finding>> cases[] = {
-        {"42% of your usage came from long conversations", Finding{42, "came from long conversations"}},
-        {"4.5%  of your usage  was 30% of your usage", Finding{4.5, "was 30% of your usage"}},
-        {"71%  Check which models · share, of 5%", Finding{71, "Check which models · share, of 5%"}}};
-    for (const auto& [line, finding] : cases) {
-        EXPECT_EQ(parser::parseFinding(line), finding) << line;
-    }
+    EXPECT_EQ(parser::parseFinding("4.5%  of your usage  was 30% of your usage"),
+              (Finding{4.5, "was 30% of your usage"}));
+    EXPECT_EQ(parser::parseFinding("71%  Which models · share, of 5%"), (Finding{71, "Which models · share, of 5%"}));
     for (const char* line : {"42% used", "42% Of your usage came", "42 % of your usage came", "42%", "1,5%  Title",
                              "٤٢%  Title", "about 42% of your usage came"}) {
         EXPECT_FALSE(parser::parseFinding(line)) << line;

@@ -4,12 +4,14 @@
 #include <optional>
 #include <ostream>
 #include <string>
+#include <tuple>
 
 #include <gmock/gmock.h>
 
 #include "core/data/vorn_paths.hpp"
 #include "core/sources/probe_error.hpp"
 #include "tests/support/child_watch.hpp"
+#include "tests/support/repeated.hpp"
 #include "tests/support/temporary_directory.hpp"
 
 namespace vorn {
@@ -36,47 +38,32 @@ std::optional<ProbeError> errorOf(Call call) {
     return std::nullopt;
 }
 
-std::string repeated(int count, std::string_view piece) {
-    std::string text;
-    for (int i = 0; i < count; ++i) {
-        text += piece;
-    }
-    return text;
-}
-
 TEST(UsageCommandProbeInterpret, TellsWhyThereIsNoReading) {
     constexpr Kind kUnread = Kind::unrecognizedOutput;
-    const std::string umlauts = repeated(300, "ü");
-    const struct {
-        const char* name;
-        std::string output;
-        Kind kind;
-        std::string payload;
-    } cases[] = {
-        {"nothing", "", kUnread, ""},
-        {"no JSON", "Segmentation fault", kUnread, "Segmentation fault"},
-        {"cut off", R"({"result": "Current ses)", kUnread, R"({"result": "Current ses)"},
-        {"more than one", "{} {}", kUnread, "{} {}"},
-        {"not an object", R"(["result"])", kUnread, R"(["result"])"},
-        {"bytes", "\xff\xfe{", kUnread, "\uFFFD\uFFFD{"},
-        {"300 bytes cut a character", "x" + umlauts, kUnread, "x" + umlauts.substr(0, 298) + "\uFFFD"},
-        {"empty object", "{}", kUnread, ""},
-        {"result is a number", R"({"result": 23})", kUnread, ""},
-        {"result is elsewhere", R"({"usage": {"result": "Current session: 2% used"}})", kUnread, ""},
-        {"result is replaced", R"({"result": "Current session: 2% used", "result": []})", kUnread, ""},
-        {"300 characters", R"({"result": ")" + umlauts + R"(ü"})", kUnread, umlauts},
-        {"an error", R"({"is_error": true, "result": "Current session: 2% used"})", Kind::commandFailed,
-         "Current session: 2% used"},
-        {"an error without a text", R"({"result": null, "is_error": true})", Kind::commandFailed, ""},
-        {"no key", R"({"result": "Invalid API key, please log in"})", Kind::notSubscription, ""},
-        {"no plan", R"({"result": "/usage is Only Available for SUBSCRIPTION plans."})", Kind::notSubscription, ""},
-        {"not signed in", R"({"is_error": false, "result": "Total cost: 0"})", kUnread, "Total cost: 0"},
-        {"deep arrays", std::string(5000000, '['), kUnread, std::string(300, '[')},
-        {"deep objects", repeated(1000000, R"({"a":)"), kUnread, repeated(60, R"({"a":)")},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        EXPECT_EQ(errorOf([&] { UsageCommandProbe::interpret(c.output, kNow); }), ProbeError(c.kind, c.payload));
+    const std::string umlauts = test::repeated(300, "ü");
+    const std::tuple<std::string, Kind, std::string> cases[] = {
+        {"", kUnread, ""},
+        {R"({"result": "Current ses)", kUnread, R"({"result": "Current ses)"},
+        {"{} {}", kUnread, "{} {}"},
+        {R"(["result"])", kUnread, R"(["result"])"},
+        {"\xff\xfe{", kUnread, "\uFFFD\uFFFD{"},
+        {"x" + umlauts, kUnread, "x" + umlauts.substr(0, 298) + "\uFFFD"},  // 300 bytes cut a character
+        {"{}", kUnread, ""},
+        {R"({"result": 23})", kUnread, ""},
+        {R"({"usage": {"result": "Current session: 2% used"}})", kUnread, ""},
+        {R"({"result": "Current session: 2% used", "result": []})", kUnread, ""},
+        {R"({"result": ")" + umlauts + R"(ü"})", kUnread, umlauts},
+        {R"({"is_error": true, "result": "Current session: 2%"})", Kind::commandFailed, "Current session: 2%"},
+        {R"({"result": null, "is_error": true})", Kind::commandFailed, ""},
+        {R"({"result": "Invalid API key, please log in"})", Kind::notSubscription, ""},
+        {R"({"result": "/usage is Only Available for SUBSCRIPTION plans."})", Kind::notSubscription, ""},
+        {R"({"is_error": false, "result": "Total cost: 0"})", kUnread, "Total cost: 0"},
+        {std::string(5000000, '['), kUnread, std::string(300, '[')},
+        {test::repeated(1000000, R"({"a":)"), kUnread, test::repeated(60, R"({"a":)")}};
+    for (const auto& [output, kind, payload] : cases) {
+        SCOPED_TRACE(output.substr(0, 100));
+        EXPECT_EQ(errorOf([&, &text = output] { UsageCommandProbe::interpret(text, kNow); }),
+                  ProbeError(kind, payload));
     }
 }
 
@@ -94,7 +81,6 @@ TEST(UsageCommandProbeInterpret, ReadsTheResultAroundWhateverElseThereIs) {
         const auto result = UsageCommandProbe::interpret(output, kNow);
         ASSERT_EQ(result.windows.size(), 1U);
         EXPECT_EQ(result.windows[0].usedPercent, 23);
-        EXPECT_EQ(result.windows[0].observedAt, kNow);
     }
 }
 
@@ -119,8 +105,7 @@ TEST_F(UsageCommandProbeTest, ReadsTheClock) {
         EXPECT_TRUE(std::filesystem::exists(m_directory / "vorn/probe"));
         return kNow;
     });
-    ASSERT_EQ(result.windows.size(), 1U);
-    EXPECT_EQ(result.windows[0].observedAt, kNow);
+    EXPECT_EQ(result.windows.at(0).observedAt, kNow);
 }
 
 TEST_F(UsageCommandProbeTest, AsksInPrintModeInAnEmptyDirectory) {
@@ -154,29 +139,25 @@ TEST_F(UsageCommandProbeTest, AsksInPrintModeInAnEmptyDirectory) {
 TEST_F(UsageCommandProbeTest, TellsWhatWentWrong) {
     const std::string notFinished(300, '\0');
     const struct {
-        const char* name;
         const char* script;
         ProbeError error;
         bool advises = false;
     } cases[] = {
-        {"hangs", "sleep 60 & echo $! >>pids; echo $$ >>pids; wait", ProbeError(Kind::timedOut)},
-        {"prints 50 MB", "head -c 50000000 /dev/zero", ProbeError(Kind::unrecognizedOutput, notFinished)},
-        {"prints 50 MB and fails", "head -c 50000000 /dev/zero >&2; exit 1",
-         ProbeError(Kind::commandFailed, notFinished), true},
-        {"prints bytes", R"(printf '\377\376')", ProbeError(Kind::unrecognizedOutput, "\uFFFD\uFFFD")},
-        {"dies by a signal", "echo oops; kill -KILL $$", ProbeError(Kind::commandFailed, "oops\n")},
-        {"says nothing and fails", "exit 1", ProbeError(Kind::commandFailed), true},
-        {"fails with a reading", R"(echo '{"result": "Current session: 2% used"}'; echo why >&2; exit 2)",
+        {"sleep 60 & echo $! >>pids; echo $$ >>pids; wait", ProbeError(Kind::timedOut)},
+        {"head -c 50000000 /dev/zero", ProbeError(Kind::unrecognizedOutput, notFinished)},
+        {"head -c 50000000 /dev/zero >&2; exit 1", ProbeError(Kind::commandFailed, notFinished), true},
+        {"echo oops; kill -KILL $$", ProbeError(Kind::commandFailed, "oops\n")},
+        {"exit 1", ProbeError(Kind::commandFailed), true},
+        {R"(echo '{"result": "Current session: 2% used"}'; echo why >&2; exit 2)",
          ProbeError(Kind::commandFailed, "why\n")},
-        {"only complains", "head -c 200000 /dev/zero >&2", ProbeError(Kind::unrecognizedOutput)},
-        {"closes its output", "exec >&- 2>&-; exit 0", ProbeError(Kind::unrecognizedOutput)},
-        {"leaves a child behind", "sleep 60 & echo $! >>pids; echo gone",
-         ProbeError(Kind::unrecognizedOutput, "gone\n")},
-        {"too old", "echo \"error: unknown option '--safe-mode'\" >&2; exit 1",
+        {"head -c 200000 /dev/zero >&2", ProbeError(Kind::unrecognizedOutput)},
+        {"exec >&- 2>&-; exit 0", ProbeError(Kind::unrecognizedOutput)},
+        {"sleep 60 & echo $! >>pids; echo gone", ProbeError(Kind::unrecognizedOutput, "gone\n")},
+        {"echo \"error: unknown option '--safe-mode'\" >&2; exit 1",
          ProbeError(Kind::commandFailed, "error: unknown option '--safe-mode'\n"), true},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
+        SCOPED_TRACE(c.script);
         const auto start = std::chrono::steady_clock::now();
         const bool hangs = c.error.kind() == Kind::timedOut;
         const auto error = errorOfRun(probe(c.script, hangs ? 0.3s : 10s));

@@ -43,7 +43,6 @@ using testing::Not;
 using testing::StartsWith;
 
 const std::string kNow = "2026-11-22T20:45:00Z";
-const std::vector<std::string> kScenarios{"comfortable", "watch", "at-risk", "limited", "planned-reset"};
 
 std::vector<std::string> words(const std::string& line) {
     std::istringstream stream(line);
@@ -185,40 +184,25 @@ TEST_F(VornctlTest, TellsWhyTheClientGaveNothing) {
     const std::string unread = "Vorn couldn't read the /usage output. Claude Code may have changed its format.\n";
     const std::string notFound =
         "Couldn't find the claude command. Install Claude Code, or set its path in Settings.\n";
-    const struct {
-        const char* name;
-        std::string script;
-        std::string error;
-    } cases[] = {
-        {"50 MB", "head -c 50000000 /dev/zero", unread},
+    const std::tuple<const char*, const char*, std::string> cases[] = {
+        {"50 MB", "head -c 50000000 /dev/zero | tr '\\0' x", unread + std::string(300, 'x') + "\n"},
         {"binary", "printf '\\377\\376{\\033[2J'", unread + "\uFFFD\uFFFD{[2J\n"},
         {"killed", "kill -9 $$",
          "claude /usage failed: \nIt ended without a word; claude -p /usage in a terminal may tell more.\n"},
-        {"silent at once", "exec >&- 2>&-; sleep 0.1", unread},
-        {"only errors", "echo boom >&2; exit 3", "claude /usage failed: boom\n"},
         {"several lines", "printf 'one\\r\\n\\ttwo \\033[31mthree\\n' >&2; exit 1",
          "claude /usage failed: one\n two [31mthree\n"},
         {"too old", "echo \"error: unknown option '--safe-mode'\" >&2; exit 1",
          "claude /usage failed: error: unknown option '--safe-mode'\n"
          "This Claude Code is too old for Vorn; update it to 2.1.170 or newer with: claude update\n"},
-        {"no result", "echo '{}'", unread},
-        {"a number for a result", "echo '{\"result\": 23}'", unread},
-        {"an enormous result", "printf '{\"result\": \"'; head -c 20000000 /dev/zero | tr '\\0' x; printf '\"}'",
-         unread + "{\"result\": \"" + std::string(288, 'x') + "\n"},
         {"no plan", "echo '{\"result\": \"/usage is only available for subscription plans\"}'",
          "Claude Code isn't signed in with a Pro or Max subscription, so there are no plan limits to show.\n"},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        client(c.script);
+    for (const auto& [name, script, error] : cases) {
+        client(script);
         const ProcessResult result = run("status --probe");
-        EXPECT_EQ(result.status, 1);
+        EXPECT_EQ(result.status, 1) << name;
         EXPECT_EQ(result.standardOutput, "");
-        if (std::string_view(c.name) == "50 MB") {
-            EXPECT_THAT(result.standardError, StartsWith(c.error));
-        } else {
-            EXPECT_EQ(result.standardError, c.error);
-        }
+        EXPECT_EQ(result.standardError, error);
         m_watch.expectNothingLeft();
     }
     for (const char* path : {"/nowhere/claude", "/dev/null", VORN_USAGE_SAMPLES}) {
@@ -249,48 +233,36 @@ TEST_F(VornctlTest, AnswersWhereTheClientOrTheSystemMisbehaves) {
 }
 
 TEST_F(VornctlTest, ExplainsWrongUsage) {
-    const struct {
-        const char* line;
-        const char* error;
-    } cases[] = {
+    const std::pair<const char*, const char*> cases[] = {
         {"", "vornctl: a command is required\nRun vornctl --help for more.\n"},
-        {"stats", "vornctl: there is no command stats\n"},
         {"plan drop", "vornctl plan: there is no command drop\n"},
         {"plan add", "vornctl plan add: when is required\n"},
         {"plan bank 99999999999999999999", "not in range 0 to 1000000"},
-        {"plan redeem --scope month", "month not in {all,session,week}"},
         {"status --now yesterday", "expected a moment such as 2026-11-22T20:45:00Z, not yesterday"},
         {"status --format xml", "xml not in {text,plain,tmux,waybar,json}"},
-        {"status --demo calm", "calm not in {comfortable,watch,at-risk,limited,planned-reset}"},
         {"status --json --format tmux", "--json excludes --format"},
-        {"status --probe --no-probe", "--probe excludes --no-probe"},
         {"status now", "The following argument was not expected: now"},
-        {"activity --since 0h", "expected a span such as 90m, 24h or 7d, not 0h"},
-    };
-    for (const auto& c : cases) {
-        const ProcessResult result = run(c.line);
-        EXPECT_EQ(result.status, 2) << c.line;
-        EXPECT_THAT(result.standardError, HasSubstr(c.error));
+        {"activity --since 0h", "expected a span such as 90m, 24h or 7d, not 0h"}};
+    for (const auto& [line, error] : cases) {
+        const ProcessResult result = run(line);
+        EXPECT_EQ(result.status, 2) << line;
+        EXPECT_THAT(result.standardError, HasSubstr(error));
         EXPECT_EQ(result.standardOutput, "");
     }
     for (const char* command : {"", "status", "activity", "plan", "plan add"}) {
         const ProcessResult result = run(std::string(command) + " --help");
-        EXPECT_EQ(result.status, 0);
-        EXPECT_THAT(result.standardOutput, HasSubstr("Usage: vornctl"));
-        EXPECT_EQ(result.standardError, "");
+        EXPECT_THAT(result.status == 0 ? result.standardOutput : "", HasSubstr("Usage: vornctl"));
     }
     EXPECT_EQ(asked(), 0);
     EXPECT_EQ(home().size(), 0U);
 }
 
 TEST_F(VornctlTest, AsksOnlyWhenTheReadingIsOld) {
-    EXPECT_EQ(run("status --no-probe").status, 1);
     EXPECT_THAT(run("status --no-probe").standardError, StartsWith("There is no current reading. "));
     EXPECT_EQ(asked(), 0);
     const json first = status();
-    const json second = status();
+    EXPECT_EQ(status().at("insights"), first.at("insights"));
     EXPECT_EQ(asked(), 1);
-    EXPECT_EQ(second.at("insights"), first.at("insights"));
     EXPECT_EQ(session("--no-probe --now " + formatIso8601(systemNow() + 4h)), 0);  // over; the week is not
     age(50s);
     EXPECT_EQ(session(), 23);
@@ -302,7 +274,6 @@ TEST_F(VornctlTest, AsksOnlyWhenTheReadingIsOld) {
     EXPECT_EQ(session("--no-probe"), 23);
     EXPECT_EQ(asked(), 2);
     EXPECT_EQ(session(), 25);
-    EXPECT_EQ(asked(), 3);
     // Another program, or the application, knows it as well.
     EXPECT_EQ(history().back().at("k"), "session");
     EXPECT_EQ(history().size(), 3U);  // an unchanged week is not repeated
@@ -337,15 +308,14 @@ TEST_F(VornctlTest, LeavesAFailingClientAlone) {
     EXPECT_EQ(runs(590s, ""), 2);
     EXPECT_EQ(runs(11s, ""), 3);
     EXPECT_EQ(runs(1190s, ""), 3);
-    EXPECT_EQ(runs(0s, "--probe"), 4);
     answers(usage(26));
     EXPECT_EQ(session("--probe"), 26);
     age(61s);
     EXPECT_EQ(session(), 26);
-    EXPECT_EQ(asked(), 6);
+    EXPECT_EQ(asked(), 5);
 }
 
-TEST_F(VornctlTest, BelievesAnEarlyResetWhenItIsConfirmed) {
+TEST_F(VornctlTest, BelievesAnEarlyResetWhenItIsConfirmedOrAnnounced) {
     answers(usage(80));
     EXPECT_EQ(session(), 80);
     answers(usage(20));
@@ -353,15 +323,25 @@ TEST_F(VornctlTest, BelievesAnEarlyResetWhenItIsConfirmed) {
     EXPECT_EQ(session("--probe"), 80);  // and so may a second within the minute
     age(61s);
     EXPECT_EQ(session(), 20);
-    EXPECT_EQ(session(), 20);
     EXPECT_EQ(session("--no-probe"), 20);
-    std::vector<double> recorded;
-    for (const json& sample : history()) {
-        if (sample.at("k") == "session") {
-            recorded.push_back(sample.at("u"));
-        }
-    }
-    EXPECT_THAT(recorded, testing::ElementsAre(80, 20));
+    EXPECT_EQ(history().back().at("u"), 20);
+    EXPECT_EQ(history().size(), 3U);  // the disbelieved are not recorded
+
+    answers(usage(3));
+    EXPECT_EQ(run("plan redeem --scope week").status, 0);
+    EXPECT_EQ(session("--probe"), 20);  // that one was about the week
+    EXPECT_EQ(run("plan redeem --scope session").status, 0);
+    EXPECT_EQ(session("--no-probe"), 20);  // an answer from before is not what was announced
+    client("exit 1");
+    EXPECT_EQ(session("--probe"), 20);
+    answers(usage(3, 2));
+    const json windows = status("--probe").at("windows");
+    EXPECT_EQ(windows.at(0).at("usedPercent"), 3);
+    EXPECT_EQ(windows.at(1).at("usedPercent"), 2);
+    answers(usage(80));
+    EXPECT_EQ(session("--probe"), 80);
+    answers(usage(2));
+    EXPECT_EQ(session("--probe"), 80);  // it was used up
 }
 
 TEST_F(VornctlTest, UsesWhatTheRelayLeft) {
@@ -405,25 +385,6 @@ TEST_F(VornctlTest, UsesWhatTheRelayLeft) {
     }
 }
 
-TEST_F(VornctlTest, BelievesAnAnnouncedResetAtOnce) {
-    answers(usage(80));
-    EXPECT_EQ(session(), 80);
-    answers(usage(20));
-    EXPECT_EQ(session("--probe"), 80);
-    EXPECT_EQ(run("plan redeem --scope week").status, 0);
-    EXPECT_EQ(session("--probe"), 80);  // that one was about the week
-    EXPECT_EQ(run("plan redeem --scope session").status, 0);
-    EXPECT_EQ(session("--no-probe"), 80);  // an answer from before is not what was announced
-    client("exit 1");
-    EXPECT_EQ(session("--probe"), 80);
-    answers(usage(20, 3));
-    const json shown = status("--probe");
-    EXPECT_EQ(shown.at("windows").at(0).at("usedPercent"), 20);
-    EXPECT_EQ(shown.at("windows").at(1).at("usedPercent"), 3);
-    answers(usage(2, 3));
-    EXPECT_EQ(session("--probe"), 20);  // it was used up
-}
-
 TEST_F(VornctlTest, WritesNothingForAnotherMomentOrADemonstration) {
     EXPECT_EQ(session(), 23);
     fs::create_directories(m_vorn / "probe");
@@ -433,7 +394,7 @@ TEST_F(VornctlTest, WritesNothingForAnotherMomentOrADemonstration) {
     fs::remove_all(m_vorn);
     const auto runs = asked();
     std::set<std::string> outputs;
-    for (const std::string& scenario : kScenarios) {
+    for (const std::string scenario : {"comfortable", "watch", "at-risk", "limited", "planned-reset"}) {
         for (const std::string how : {"--rates", "--json", "--format waybar", "--probe"}) {
             const std::string line = fmt::format("status --now {} --demo {} {}", kNow, scenario, how);
             const std::string output = run(line).standardOutput;
@@ -442,7 +403,6 @@ TEST_F(VornctlTest, WritesNothingForAnotherMomentOrADemonstration) {
                       how == "--rates" || how == "--probe");
             outputs.insert(output);
         }
-        EXPECT_EQ(run("status --demo " + scenario).status, 0);
     }
     EXPECT_EQ(outputs.size(), 20U);
     EXPECT_EQ(asked(), runs);
@@ -470,11 +430,10 @@ TEST_F(VornctlTest, SpeaksToBarsAndPrompts) {
     const std::string waybar = shown("waybar");
     EXPECT_EQ(std::count(waybar.begin(), waybar.end(), '\n'), 1);
     const json module = json::parse(waybar);
-    EXPECT_EQ(module.at("text"), "5h 72% ↓0.5×");
-    EXPECT_EQ(module.at("class"), "at-risk");
-    EXPECT_EQ(module.at("percentage"), 72);
-    EXPECT_THAT(module.at("tooltip"),
-                StartsWith("Ease off to 54% of your current pace\nSession (5h) is the tight one\n"));
+    EXPECT_EQ(
+        fmt::format("{} {} {}", module.at("text").dump(), module.at("class").dump(), module.at("percentage").dump()),
+        R"("5h 72% ↓0.5×" "at-risk" 72)");
+    EXPECT_THAT(module.at("tooltip"), StartsWith("Ease off to 54% of your current pace\nSession (5h) is the"));
     const ProcessResult none = run("status --no-probe --format tmux");
     EXPECT_EQ(none.standardOutput, "\n");
     EXPECT_EQ(none.status, 1);
@@ -497,11 +456,7 @@ TEST_F(VornctlTest, ObeysNoTextFromOutside) {
 }
 
 TEST_F(VornctlTest, KeepsThePlan) {
-    const struct {
-        const char* line;
-        int status;
-        const char* output;
-    } steps[] = {
+    const std::tuple<std::string, int, const char*> steps[] = {
         {"list", 0, "None. Add one when a reset is announced or you expect one, and Vorn will plan each limit it cuts"},
         {"add 2998-11-26T18:00:00Z --scope week --note late", 0,
          "  1  2998-11-26 19:00  Weekly limits  late\n0 resets"},
@@ -511,21 +466,16 @@ TEST_F(VornctlTest, KeepsThePlan) {
         {"add 2020-01-01T00:00:00Z", 1, "vornctl: 2020-01-01 01:00 has passed; "},
         {"add 9999-12-31T23:59:59+99:00", 1, "cannot read"},
         {"remove 4", 1, "vornctl: there is no planned reset 4; vornctl plan list shows the numbers\n"},
-        {"remove 0", 1, "there is no planned reset 0"},
         {"remove 1", 0, "  2  2998"},
-        {"bank 2", 0, "2 resets banked\n"},
+        {"bank 1", 0, "1 reset banked\n"},
         {"redeem", 0, "Vorn takes the drop at face value instead of treating it as a stale reading.\n"},
-        {"list", 0, "1 reset banked\n"},
+        {"redeem", 0, "0 resets banked\n"},
         {"list --now 2998-11-26T19:00:00Z", 0, "     has passed; dropped a day after its date\n"},
-        {"list --now 2998-11-28T19:00:00Z", 0, "None. "},
-        {"redeem", 0, "0 resets banked\n"},
-        {"redeem", 0, "0 resets banked\n"},
-    };
-    for (const auto& step : steps) {
-        SCOPED_TRACE(step.line);
-        const ProcessResult result = run(std::string("plan ") + step.line);
-        EXPECT_EQ(result.status, step.status) << result.standardError;
-        EXPECT_THAT(step.status == 0 ? result.standardOutput : result.standardError, HasSubstr(step.output));
+        {"list --now 2998-11-28T19:00:00Z", 0, "None. "}};
+    for (const auto& [line, status, output] : steps) {
+        const ProcessResult result = run("plan " + line);
+        EXPECT_EQ(result.status, status) << line << result.standardError;
+        EXPECT_THAT(status == 0 ? result.standardOutput : result.standardError, HasSubstr(output));
     }
     const json plan = json::parse(run("plan list --json").standardOutput);
     EXPECT_EQ(plan.at("planned").size(), 2U);
@@ -543,16 +493,14 @@ TEST_F(VornctlTest, KeepsThePlan) {
 
 TEST_F(VornctlTest, TellsWhatWasDoneHere) {
     const auto reply = [](const char* time, const char* project, int id) {
-        return json{{"type", "assistant"},
-                    {"timestamp", time},
-                    {"cwd", project},
-                    {"requestId", fmt::format("r{}", id)},
-                    {"message",
-                     {{"id", fmt::format("m{}", id)},
-                      {"model", "claude-sonnet-4-5"},
-                      {"usage", {{"input_tokens", 1000}, {"output_tokens", 200}, {"cache_read_input_tokens", 5000}}}}}}
-                   .dump() +
-               "\n";
+        const json tokens{{"input_tokens", 1000}, {"output_tokens", 200}, {"cache_read_input_tokens", 5000}};
+        const json message{{"id", fmt::format("m{}", id)}, {"model", "claude-sonnet-4-5"}, {"usage", tokens}};
+        const json line{{"type", "assistant"},
+                        {"timestamp", time},
+                        {"cwd", project},
+                        {"requestId", fmt::format("r{}", id)},
+                        {"message", message}};
+        return line.dump() + "\n";
     };
     m_dir.write("home/claude/projects/a/s.jsonl", reply("2026-11-22T20:30:00.000Z", "/home/me/\x1b[31malpha", 1) +
                                                       reply("2026-11-22T10:00:00.000Z", "/home/me/项目", 2) +
@@ -562,13 +510,10 @@ TEST_F(VornctlTest, TellsWhatWasDoneHere) {
     };
     const json day = json::parse(report("--json").standardOutput);
     EXPECT_EQ(day.at("events"), 2);
-    EXPECT_EQ(day.at("tokens").at("output"), 400);
     EXPECT_EQ(day.at("weight"), 2 * (1000 + 200 * 5 + 5000 * 0.1));
-    EXPECT_EQ(day.at("weightOfLastSeconds").at("3600"), 2500);
     EXPECT_EQ(day.at("weightOfLastSeconds").at("604800"), 7500);
     EXPECT_EQ(day.at("timeline").size(), 96U);
     EXPECT_EQ(day.at("projects").size(), 2U);
-    EXPECT_EQ(json::parse(report("--json --since 7d").standardOutput).at("events"), 3);
     const ProcessResult text = report("--since 1h");
     EXPECT_EQ(text.status, 0);
     EXPECT_THAT(text.standardOutput, AllOf(StartsWith("Local activity of the last 1h · 1 reply, weight 2.5k\n"),
@@ -577,9 +522,7 @@ TEST_F(VornctlTest, TellsWhatWasDoneHere) {
     EXPECT_EQ(missing.status, 1);
     EXPECT_THAT(missing.standardError, HasSubstr("there are no transcripts in " + (m_dir / "none/projects").string()));
     fs::create_directories(m_dir / "quiet/projects");
-    const ProcessResult quiet = report("--root " + (m_dir / "quiet").string());
-    EXPECT_EQ(quiet.status, 0);
-    EXPECT_THAT(quiet.standardOutput, HasSubstr("Nothing found in "));
+    EXPECT_THAT(report("--root " + (m_dir / "quiet").string()).standardOutput, HasSubstr("Nothing found in "));
     EXPECT_EQ(home(false).size(), 1U);
 }
 

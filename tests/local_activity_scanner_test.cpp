@@ -1,5 +1,6 @@
 #include "core/sources/local_activity_scanner.hpp"
 
+#include <algorithm>
 #include <atomic>
 #include <fstream>
 #include <random>
@@ -8,7 +9,6 @@
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -55,10 +55,7 @@ struct Reply {
 
 std::vector<std::int64_t> outputs(const std::vector<ActivityEvent>& events) {
     std::vector<std::int64_t> out;
-    out.reserve(events.size());
-    for (const ActivityEvent& event : events) {
-        out.push_back(event.tokens.output);
-    }
+    std::ranges::transform(events, std::back_inserter(out), [](const auto& event) { return event.tokens.output; });
     return out;
 }
 
@@ -86,14 +83,6 @@ protected:
     LocalActivityScanner m_scanner{m_directory.path(), kWeek};
 };
 
-TEST_F(LocalActivityScannerTest, readsALine) {
-    write("p/a.jsonl", Reply{}.line());
-    EXPECT_THAT(
-        m_scanner.scan(kNow),
-        ElementsAre(ActivityEvent{
-            .timestamp = kNow - 1h, .model = "claude-opus-5-5", .cwd = "/home/ana/proj", .tokens = {.output = 10}}));
-}
-
 TEST_F(LocalActivityScannerTest, decodesLines) {
     const std::string ok = R"("type":"assistant","timestamp":"2026-11-22T20:00:00.5Z")";
     const std::string usage = R"("message":{"usage":{"input_tokens":1}})";
@@ -107,10 +96,8 @@ TEST_F(LocalActivityScannerTest, decodesLines) {
         const char* model = "unknown";
         const char* cwd = "";
     } cases[] = {
-        {"least", "{" + ok + "," + usage + "}", TokenCounts{.input = 1}},
         {"any order", "{" + usage + "," + ok + R"(,"cwd":"/a"})", TokenCounts{.input = 1}, "unknown", "/a"},
         {"spaces", "{ \"x\" : [ 1 , {} ] , " + ok + " ,\t" + usage + " } ", TokenCounts{.input = 1}},
-        {"carriage return", "{" + ok + "," + usage + "}\r", TokenCounts{.input = 1}},
         {"nulls are absent",
          "{" + ok + R"(,"cwd":null,"requestId":null,"message":{"id":null,"model":null,"usage":{"input_tokens":null,)" +
              R"("output_tokens":3,"cache_creation":null,"cache_creation_input_tokens":4}}})",
@@ -118,23 +105,15 @@ TEST_F(LocalActivityScannerTest, decodesLines) {
         {"escapes",
          "{" + ok + R"(,"cwd":"/\u00e4 \"type\":\"user\"","message":{"model":"o\/p","usage":{"input_tokens":2}}})",
          TokenCounts{.input = 2}, "o/p", "/ä \"type\":\"user\""},
-        {"escaped key", "{" + ok + R"(,"c\u0077d":"/a",)" + usage + "}", TokenCounts{.input = 1}, "unknown", "/a"},
         {"both cache writes",
          counting(R"("cache_creation_input_tokens":9,"cache_creation":{"ephemeral_1h_input_tokens":2,)"
                   R"("ephemeral_5m_input_tokens":3})"),
          TokenCounts{.cacheWrite5m = 3, .cacheWrite1h = 2}},
-        {"one-hour write alone",
-         counting(R"("cache_creation_input_tokens":9,"cache_creation":{"ephemeral_1h_input_tokens":2})"),
-         TokenCounts{.cacheWrite1h = 2}},
-        {"empty split", counting(R"("cache_creation_input_tokens":9,"cache_creation":{})"),
-         TokenCounts{.cacheWrite5m = 9}},
         {"split of nulls",
          counting(R"("cache_creation_input_tokens":9,"cache_creation":{"ephemeral_5m_input_tokens":null})"),
          TokenCounts{.cacheWrite5m = 9}},
-        {"cache reads", counting(R"("cache_read_input_tokens":7)"), TokenCounts{.cacheRead = 7}},
         {"whole numbers in other clothes", counting(R"("input_tokens":12.0,"output_tokens":1e2)"),
          TokenCounts{.input = 12, .output = 100}},
-        {"largest count", counting(R"("input_tokens":4294967295)"), TokenCounts{.input = 4294967295}},
         {"the last of equal names", "{" + ok + R"(,"message":{"usage":{"input_tokens":5}},)" + usage + "}",
          TokenCounts{.input = 1}},
         {"nested look-alikes",
@@ -143,33 +122,23 @@ TEST_F(LocalActivityScannerTest, decodesLines) {
          TokenCounts{.output = 8}},
 
         {"zero tokens", counting(R"("input_tokens":0)"), {}},
-        {"negative", counting(R"("input_tokens":-1,"output_tokens":5)"), {}},
         {"fraction", counting(R"("input_tokens":1.5)"), {}},
         {"too large", counting(R"("input_tokens":4294967296)"), {}},
-        {"beyond 64 bits", counting(R"("input_tokens":99999999999999999999999)"), {}},
         {"beyond doubles", counting(R"("input_tokens":1e999)"), {}},
-        {"text for a number", counting(R"("input_tokens":"5")"), {}},
         {"wrong type elsewhere", "{" + ok + R"(,"cwd":5,)" + usage + "}", {}},
         {"id is a number", "{" + ok + R"(,"message":{"id":1,"usage":{"input_tokens":1}}})", {}},
         {"message is a text", "{" + ok + R"(,"message":"usage","usage":{"input_tokens":1}})", {}},
-        {"usage is null", "{" + ok + R"(,"message":{"usage":null}})", {}},
-        {"usage is a list", "{" + ok + R"(,"message":{"usage":[{"input_tokens":1}]}})", {}},
-        {"no message", "{" + ok + R"(,"usage":{"input_tokens":1}})", {}},
         {"synthetic", "{" + ok + R"(,"message":{"model":"<synthetic>","usage":{"input_tokens":1}}})", {}},
         {"no fraction", R"({"type":"assistant","timestamp":"2026-11-22T20:00:00Z",)" + usage + "}", {}},
-        {"empty fraction", R"({"type":"assistant","timestamp":"2026-11-22T20:00:00.Z",)" + usage + "}", {}},
         {"no zone", R"({"type":"assistant","timestamp":"2026-11-22T20:00:00.5",)" + usage + "}", {}},
-        {"no timestamp", R"({"type":"assistant",)" + usage + "}", {}},
         {"another type",
          R"({"timestamp":"2026-11-22T20:00:00.5Z","x":{"type":"assistant"},"type":"user",)" + usage + "}",
          {}},
-        {"no type", R"({"timestamp":"2026-11-22T20:00:00.5Z","x":{"type":"assistant"},)" + usage + "}", {}},
         {"type with a space", R"({"type": "assistant","timestamp":"2026-11-22T20:00:00.5Z",)" + usage + "}", {}},
         {"escaped usage", "{" + ok + R"(,"message":{"us\u0061ge":{"input_tokens":1}}})", {}},
         {"quoted whole", R"({"type":"user","content":"{\"type\":\"assistant\",\"usage\":{\"input_tokens\":9}}"})", {}},
         {"cut short", "{" + ok + "," + usage, {}},
         {"something behind", "{" + ok + "," + usage + "}{}", {}},
-        {"not an object", "[" + ok + "," + usage + "]", {}},
         {"not UTF-8", "{" + ok + ",\"x\":\"\xff\"," + usage + "}", {}},
         {"lone surrogate", "{" + ok + R"(,"cwd":"\ud800",)" + usage + "}", {}},
         {"brackets without end", "{" + ok + "," + usage + ",\"x\":" + std::string(100000, '['), {}},
@@ -228,19 +197,14 @@ TEST_F(LocalActivityScannerTest, dropsWhatIsOlderThanTheLookback) {
 TEST_F(LocalActivityScannerTest, selectsFiles) {
     const std::string keyless = Reply{.id = "", .request = "", .output = 1}.line();
     const auto outside = m_directory.write("../" + m_directory.path().filename().string() + ".outside.jsonl", keyless);
-    write("a.jsonl", keyless);
-    write("deep/er/and/deeper/b.jsonl", keyless);
-    write("x.jsonl/c.jsonl", keyless);
-    write("bad\xff/\xfe.jsonl", keyless);
+    for (const char* name : {"a.jsonl", "deep/er/and/deeper/b.jsonl", "x.jsonl/c.jsonl", "bad\xff/\xfe.jsonl"}) {
+        write(name, keyless);
+    }
     write("edge.jsonl", keyless, kNow - kWeek);
-    // None of these:
+    for (const char* none : {".hidden.jsonl", ".hidden/d.jsonl", "d.json", "d.JSONL", "d.jsonl.bak", "jsonl"}) {
+        write(none, keyless);
+    }
     write("old.jsonl", keyless, kNow - kWeek - 1us);
-    write(".hidden.jsonl", keyless);
-    write(".hidden/d.jsonl", keyless);
-    write("d.json", keyless);
-    write("d.JSONL", keyless);
-    write("d.jsonl.bak", keyless);
-    write("jsonl", keyless);
     write("empty.jsonl", "");
     fs::create_symlink(outside, m_directory / "link.jsonl");
     fs::create_directory_symlink(m_directory.path(), m_directory / "loop");
@@ -315,13 +279,10 @@ TEST_F(LocalActivityScannerTest, readsLinesOfAnyLengthUpToALimit) {
         content.append(length == kLimit ? kLimit + 1 : 0, 'u').append("\n");
         content.append(Reply{.id = "last", .output = 3}.line());
         const TemporaryDirectory directory;
-        const auto path = directory.write("a.jsonl", content);
-        touch(path, kNow);
-        auto expected = std::vector<std::int64_t>{1, 77, 2, 3};
-        if (length > kLimit) {
-            expected.erase(expected.begin() + 1);
-        }
-        EXPECT_THAT(outputs(LocalActivityScanner(directory.path(), kWeek).scan(kNow)), ElementsAreArray(expected));
+        touch(directory.write("a.jsonl", content), kNow);
+        using Outputs = std::vector<std::int64_t>;
+        EXPECT_EQ(outputs(LocalActivityScanner(directory.path(), kWeek).scan(kNow)),
+                  length > kLimit ? Outputs({1, 2, 3}) : Outputs({1, 77, 2, 3}));
     }
 }
 
@@ -366,8 +327,7 @@ TEST_F(LocalActivityScannerTest, sharesManyFilesBetweenThreads) {
     std::uint64_t done = 0;
     std::uint64_t total = 0;
     const auto progress = [&](std::uint64_t bytesDone, std::uint64_t bytesTotal) {
-        EXPECT_GE(bytesDone, done);
-        done = bytesDone;
+        EXPECT_GE(bytesDone, std::exchange(done, bytesDone));
         total = bytesTotal;
     };
     EXPECT_THAT(outputs(m_scanner.scan(kNow, progress)), ElementsAreArray(expected));
@@ -405,19 +365,12 @@ TEST_F(LocalActivityScannerTest, survivesWritersAndOtherScans) {
 
 TEST(LocalActivityScanner, looksWhereClaudeCodeIsConfigured) {
     const test::ScopedEnvironment home("HOME", "/home/ana");
-    const struct {
-        const char* configured;
-        const char* root;
-    } cases[] = {
-        {nullptr, "/home/ana/.claude/projects"},
-        {"", "/home/ana/.claude/projects"},
-        {"/etc/claude", "/etc/claude/projects"},
-        {"~/code/claude", "/home/ana/code/claude/projects"},
-        {"~", "/home/ana/projects"},
-    };
-    for (const auto& c : cases) {
-        const test::ScopedEnvironment directory("CLAUDE_CONFIG_DIR", c.configured);
-        EXPECT_EQ(LocalActivityScanner::defaultRoot(), c.root);
+    const std::pair<const char*, const char*> cases[] = {{nullptr, "/home/ana/.claude/projects"},
+                                                         {"", "/home/ana/.claude/projects"},
+                                                         {"~/code/claude", "/home/ana/code/claude/projects"}};
+    for (const auto& [configured, root] : cases) {
+        const test::ScopedEnvironment directory("CLAUDE_CONFIG_DIR", configured);
+        EXPECT_EQ(LocalActivityScanner::defaultRoot(), root);
     }
 }
 

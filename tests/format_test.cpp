@@ -53,23 +53,18 @@ TEST(Format, writesNumbers) {
 }
 
 TEST(Format, writesSteering) {
-    const std::pair<double, const char*> headlines[] = {
-        {0, "Limit reached — pause until it resets"},
-        {0.64, "Ease off to 64% of your current pace"},
-        {1, "Right on pace — keep going"},
-        {1.24, "Right on pace — keep going"},
-        {1.25, "Room to speed up 1.2×"},
-        {1.84, "Room to speed up 1.8×"},
-        {3.99, "Room to speed up 4.0×"},
-        {4, "Plenty of room to speed up"},
-        {kInfinity, "Idle — plenty of room"},
-        {kNan, "Idle — plenty of room"},
-    };
+    const std::pair<double, const char*> headlines[] = {{0, "Limit reached — pause until it resets"},
+                                                        {0.64, "Ease off to 64% of your current pace"},
+                                                        {1, "Right on pace — keep going"},
+                                                        {1.24, "Right on pace — keep going"},
+                                                        {1.25, "Room to speed up 1.2×"},
+                                                        {3.99, "Room to speed up 4.0×"},
+                                                        {4, "Plenty of room to speed up"},
+                                                        {kInfinity, "Idle — plenty of room"},
+                                                        {kNan, "Idle — plenty of room"}};
     for (const auto& [factor, text] : headlines) {
         EXPECT_EQ(Format::steerHeadline(steerBy(factor)), text) << factor;
     }
-    EXPECT_EQ(Format::steerReason(steerBy(1)), "Session (5h) is the tight one");
-    EXPECT_EQ(Format::steerReason(steerBy(1, WindowKind::week())), "Week (7d) is the tight one");
     EXPECT_EQ(Format::steerReason(steerBy(1, WindowKind::weekModel("Opus"))), "Week · Opus is the tight one");
 }
 
@@ -106,19 +101,15 @@ TEST(Format, writesVerdictsInTheUsersTime) {
         {{comfortable, 40, 2h}, "Plenty of room"},
         {{comfortable, 40, 2h, 0, 40}, "Idle · nothing burning"},
         {{comfortable, 0, 0s}, "Not started"},
-        {{comfortable, 0.1, 0s}, "Plenty of room"},
         {{comfortable, 0, 5h + 1s, 0, 0}, "Not started"},
         {{comfortable, 0, 5h, 0, 0}, "Idle · nothing burning"},
         {{watch, 40, 2h, 10, 130}, "Lands near 99% at reset"},
-        {{watch, 40, 2h, 10, 85.5}, "Lands near 86% at reset"},
         {{watch, 40, 2h}, "Running warm"},
         {{atRisk, 40, 2h, 10, 130, 65min}, "Limit in ~1h 5m at this pace"},
         {{atRisk, 40, 2h}, "On track to hit the limit"},
         {{limited, 100, 2h}, "Limit reached · back at 15:00"},
-        {{limited, 100, 24h}, "Limit reached · back at Mon 13:00"},
         {{limited, 100, 2h, 10, 130, {}, 1h}, "Limit reached · back at 14:00"},
         {{limited, 100, 0s}, "Limit reached"},
-        {{limited, 100, -1h}, "Limit reached"},
         {{comfortable, 40, 2h, 0, 40, {}, 1h}, "Idle · 60% unused at the planned reset 14:00"},
         {{watch, 40, 2h, 10, 94.4, {}, 1h}, "6% unused at the planned reset 14:00"},
         {{watch, 40, 2h, 10, 95, {}, 1h}, "Uses it up by the planned reset 14:00"},

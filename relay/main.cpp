@@ -1,6 +1,7 @@
 #include <csignal>
 #include <cstddef>
 #include <cstdio>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -10,6 +11,7 @@
 #include "core/data/vorn_paths.hpp"
 #include "core/sources/integration_record.hpp"
 #include "core/sources/status_line_snapshot.hpp"
+#include "core/support/executable_path.hpp"
 #include "relay/signal_ignored.hpp"
 #include "relay/standard_input.hpp"
 
@@ -46,6 +48,21 @@ const char* explanation(int count, char** arguments) {
     return text;
 }
 
+/// The copy in use lies in the directory that it was connected for, which Claude Code need not have been told.
+void chooseDirectory() noexcept try {
+    const std::filesystem::path folder = runningExecutable().parent_path();
+    const std::filesystem::path root = folder.parent_path();
+    const auto isConnectedFrom = [&root] {
+        const auto record = root / VornPaths::integrationRecord().filename();
+        return ::access(record.c_str(), F_OK) == 0;
+    };
+    if (folder.filename() == VornPaths::bridgeExecutable().parent_path().filename() && isConnectedFrom()) {
+        VornPaths::setRootOverride(root);
+    }
+} catch (...) {
+    // Then it is the usual one.
+}
+
 void keepSnapshot(std::string_view input) noexcept try {
     // A file that may grow no further would otherwise end the process, and with it the status line.
     const SignalIgnored noLimitSignal(SIGXFSZ);
@@ -73,6 +90,7 @@ std::optional<std::string> commandToRun() noexcept try {
 }
 
 int relay() noexcept {
+    chooseDirectory();
     StandardInput input;
     if (const auto bytes = input.whole()) {
         keepSnapshot(*bytes);

@@ -116,6 +116,17 @@ TEST(Connect, saysWhatRunsAndPutsEverythingBack) {
     EXPECT_THAT(home.run("status --no-probe --json").standardOutput, HasSubstr("\"state\": \"unknown\""));
 }
 
+TEST(Connect, keepsTheUsersCommandRunningForAClientWithoutItsEnvironment) {
+    const Home home;
+    home.put(kSettings);
+    fs::copy_file(VORN_BRIDGE, home / "install/vorn-bridge", fs::copy_options::overwrite_existing);
+    ASSERT_EQ(home.run("connect").status, 0);
+    const std::string command = *home.document().member("statusLine")->member("command")->string();
+    const ProcessResult line = runProcess(
+        {.executable = "/bin/sh", .arguments = {"-c", command}, .environment = {{"HOME", home / "nowhere"}}});
+    EXPECT_EQ(line.standardOutput, "mine\n") << line.standardError;
+}
+
 TEST(Connect, losesNothingOnAFullDisk) {
     constexpr int kEnough = 6;  // of 512 bytes
     for (int blocks = 0; blocks <= kEnough; ++blocks) {

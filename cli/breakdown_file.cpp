@@ -2,6 +2,7 @@
 
 #include "core/data/vorn_paths.hpp"
 #include "core/support/file.hpp"
+#include "core/support/json.hpp"
 
 namespace vorn::cli {
 namespace {

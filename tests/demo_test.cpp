@@ -1,5 +1,7 @@
 #include "demo/demo.hpp"
 
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
 #include "cli/status_report.hpp"

@@ -4,6 +4,7 @@
 
 #include "core/data/usage_insights.hpp"
 #include "core/data/usage_window.hpp"
+#include "core/support/json.hpp"
 
 namespace vorn {
 namespace {

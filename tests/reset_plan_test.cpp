@@ -8,6 +8,7 @@
 
 #include "core/data/reset_plan_store.hpp"
 #include "core/support/file.hpp"
+#include "core/support/json.hpp"
 #include "core/support/uuid.hpp"
 #include "tests/support/temporary_directory.hpp"
 

@@ -1,5 +1,6 @@
 #include "core/data/planned_reset.hpp"
 
+#include "core/support/json.hpp"
 #include "core/support/uuid.hpp"
 
 namespace vorn {

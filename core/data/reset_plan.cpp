@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "core/support/json.hpp"
+
 namespace vorn {
 namespace {
 

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "core/support/file.hpp"
+#include "core/support/json.hpp"
 
 namespace vorn {
 namespace fs = std::filesystem;

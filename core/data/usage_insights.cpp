@@ -1,5 +1,7 @@
 #include "core/data/usage_insights.hpp"
 
+#include "core/support/json.hpp"
+
 namespace vorn {
 namespace {
 

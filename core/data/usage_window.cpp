@@ -3,6 +3,8 @@
 #include <cmath>
 #include <ostream>
 
+#include "core/support/json.hpp"
+
 namespace vorn {
 namespace {
 

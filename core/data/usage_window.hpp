@@ -7,7 +7,7 @@
 #include <nlohmann/json_fwd.hpp>
 
 #include "core/data/window_kind.hpp"
-#include "core/support/json.hpp"
+#include "core/support/date_coding.hpp"
 #include "core/support/time.hpp"
 
 namespace vorn {

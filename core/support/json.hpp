@@ -8,6 +8,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "core/support/date_coding.hpp"
 #include "core/support/time.hpp"
 
 /// Reading and writing the small JSON records that Vorn owns. Keys are sorted (`nlohmann::json` keeps objects in key
@@ -18,12 +19,6 @@ namespace vorn {
 class DecodingError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
-};
-
-/// How the owner of a file writes instants.
-enum class DateCoding : std::uint8_t {
-    secondsSince1970,  ///< a number, fractions kept
-    iso8601,           ///< "2026-11-22T20:45:00Z", whole seconds
 };
 
 nlohmann::json encodeDate(Instant instant, DateCoding coding);

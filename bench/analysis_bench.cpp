@@ -80,8 +80,8 @@ void recompute(const HistoryIndex& index, const std::vector<UsageWindow>& window
     benchmark::DoNotOptimize(VornEngine::steer(assessments, WindowKind::week(), 0.1));
 }
 
-void recomputeAll(benchmark::State& state) {
-    const std::vector<HistorySample> history = fullHistory(state);
+/// As a long-lived program does it: the index is kept, and nothing was added since.
+void recomputeOn(const std::vector<HistorySample>& history, benchmark::State& state) {
     const ActivitySummary activity = someActivity();
     const std::vector<UsageWindow> windows = windowsAt(kNow);
     HistoryIndex index(history);
@@ -91,19 +91,17 @@ void recomputeAll(benchmark::State& state) {
     }
 }
 
+void recomputeAll(benchmark::State& state) {
+    recomputeOn(fullHistory(state), state);
+}
+
 /// The running session and week have 1,000 samples; all others are of instances that are over.
 void recomputeWithMorePast(benchmark::State& state) {
     const Instant weekStart = kNow - kWeekAge;
     std::vector<HistorySample> history = historyBetween(kNow - kRetention, weekStart, state.range(0) - 1000);
     const std::vector<HistorySample> current = historyBetween(weekStart, kNow, 1000);
     history.insert(history.end(), current.begin(), current.end());
-    const ActivitySummary activity = someActivity();
-    const std::vector<UsageWindow> windows = windowsAt(kNow);
-    HistoryIndex index(history);
-    for (auto _ : state) {
-        index.update(history);
-        recompute(index, windows, activity);
-    }
+    recomputeOn(history, state);
 }
 
 void sessionWeekRatio(benchmark::State& state) {

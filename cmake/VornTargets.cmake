@@ -45,6 +45,13 @@ function(vorn_library name)
   target_link_libraries(${name} PUBLIC ${ARG_LINKS} PRIVATE vorn_options)
 endfunction()
 
+# vorn_qt_library(NAME SOURCES … LINKS …): the same for a layer that uses Qt's objects. Headers with signals that have no
+# source file beside them are listed as sources.
+function(vorn_qt_library name)
+  vorn_library(${name} ${ARGN})
+  set_target_properties(${name} PROPERTIES AUTOMOC ON)
+endfunction()
+
 function(vorn_executable name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})

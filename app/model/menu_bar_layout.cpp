@@ -1,0 +1,1 @@
+#include "app/model/menu_bar_layout.hpp"

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <functional>
+
+#include "core/support/time.hpp"
+
+namespace vorn {
+
+/// The model's time, so that a test can live through a day in a moment.
+class ModelClock {
+public:
+    virtual ~ModelClock() = default;
+    [[nodiscard]] virtual Instant now() const = 0;
+};
+
+/// Calls back regularly on the main thread. Not by the wall clock: setting that does not move the next call.
+class Ticker {
+public:
+    virtual ~Ticker() = default;
+    /// Ends a previous run. The first call comes after one interval.
+    virtual void start(Seconds interval, std::function<void()> onTick) = 0;
+    virtual void stop() = 0;
+};
+
+}  // namespace vorn

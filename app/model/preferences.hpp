@@ -1,0 +1,95 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <memory>
+
+#include "app/model/menu_bar_layout.hpp"
+
+class QSettings;
+
+namespace vorn {
+
+/// The user's settings, kept in the platform's per-user store. Every property is stored at once and notifies when its
+/// value really changed. Main thread only. What the store holds but cannot mean (another version's value, a number out
+/// of range) counts as not stored; it is overwritten only when the user changes that property.
+class Preferences : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(double refreshMinutes READ refreshMinutes WRITE setRefreshMinutes NOTIFY refreshMinutesChanged)
+    Q_PROPERTY(bool colorWhenAtRisk READ colorWhenAtRisk WRITE setColorWhenAtRisk NOTIFY colorWhenAtRiskChanged)
+    Q_PROPERTY(bool notifyAtRisk READ notifyAtRisk WRITE setNotifyAtRisk NOTIFY notifyAtRiskChanged)
+    Q_PROPERTY(bool notifyLimited READ notifyLimited WRITE setNotifyLimited NOTIFY notifyLimitedChanged)
+    Q_PROPERTY(bool notifyReset READ notifyReset WRITE setNotifyReset NOTIFY notifyResetChanged)
+    Q_PROPERTY(
+        QString claudePathOverride READ claudePathOverride WRITE setClaudePathOverride NOTIFY claudePathOverrideChanged)
+    Q_PROPERTY(bool useLocalActivity READ useLocalActivity WRITE setUseLocalActivity NOTIFY useLocalActivityChanged)
+    Q_PROPERTY(QString storeProblem READ storeProblem NOTIFY storeProblemChanged)
+
+public:
+    /// Takes over the store. A store that nothing may be written to (a demonstration) is one over a temporary file.
+    explicit Preferences(std::unique_ptr<QSettings> defaults, QObject* parent = nullptr);
+    ~Preferences() override;
+
+    /// The standard store of this user.
+    static std::unique_ptr<QSettings> standardStore();
+
+    [[nodiscard]] double refreshMinutes() const { return m_refreshMinutes; }  ///< Finite, 1 to 1440.
+    [[nodiscard]] bool colorWhenAtRisk() const { return m_colorWhenAtRisk; }
+    [[nodiscard]] bool notifyAtRisk() const { return m_notifyAtRisk; }
+    [[nodiscard]] bool notifyLimited() const { return m_notifyLimited; }
+    [[nodiscard]] bool notifyReset() const { return m_notifyReset; }
+    /// Empty: the executable is located automatically.
+    [[nodiscard]] const QString& claudePathOverride() const { return m_claudePathOverride; }
+    [[nodiscard]] bool useLocalActivity() const { return m_useLocalActivity; }
+    [[nodiscard]] GlyphStyle glyphStyle() const { return m_glyphStyle; }
+    [[nodiscard]] TrayCells trayCells() const { return m_trayCells; }
+    /// Every item exactly once.
+    [[nodiscard]] const MenuBarLayout& menuBarLayout() const { return m_menuBarLayout; }
+    /// The items that are on, in layout order.
+    [[nodiscard]] std::vector<MenuBarItem> menuBarItems() const;
+    /// What is wrong with the store (it cannot be read, or changes cannot be saved), for the settings; else empty.
+    [[nodiscard]] const QString& storeProblem() const { return m_storeProblem; }
+
+    void setRefreshMinutes(double minutes);
+    void setColorWhenAtRisk(bool on);
+    void setNotifyAtRisk(bool on);
+    void setNotifyLimited(bool on);
+    void setNotifyReset(bool on);
+    void setClaudePathOverride(const QString& path);
+    void setUseLocalActivity(bool on);
+    void setGlyphStyle(GlyphStyle style);
+    void setTrayCells(TrayCells cells);
+    /// Completed or freed of repetitions where it does not hold every item exactly once.
+    void setMenuBarLayout(MenuBarLayout layout);
+    /// Swaps the item with the one `offset` places to its right (negative: left); nothing when there is none there.
+    void moveMenuBarItem(MenuBarItem item, int offset);
+
+signals:
+    void refreshMinutesChanged();
+    void colorWhenAtRiskChanged();
+    void notifyAtRiskChanged();
+    void notifyLimitedChanged();
+    void notifyResetChanged();
+    void claudePathOverrideChanged();
+    void useLocalActivityChanged();
+    void glyphStyleChanged();
+    void trayCellsChanged();
+    void menuBarLayoutChanged();
+    void storeProblemChanged();
+
+private:
+    std::unique_ptr<QSettings> m_defaults;
+    double m_refreshMinutes = 5;
+    bool m_colorWhenAtRisk = true;
+    bool m_notifyAtRisk = true;
+    bool m_notifyLimited = true;
+    bool m_notifyReset = true;
+    QString m_claudePathOverride;
+    bool m_useLocalActivity = true;
+    GlyphStyle m_glyphStyle = GlyphStyle::usageAndSteer;
+    TrayCells m_trayCells = TrayCells::perItem;
+    MenuBarLayout m_menuBarLayout;
+    QString m_storeProblem;
+};
+
+}  // namespace vorn

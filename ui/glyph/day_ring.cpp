@@ -1,0 +1,1 @@
+#include "ui/glyph/day_ring.hpp"

@@ -1,0 +1,1 @@
+#include "ui/glyph/menu_bar_glyph.hpp"

@@ -10,11 +10,11 @@
 
 #include "cli/argument_checks.hpp"
 #include "cli/commands.hpp"
-#include "cli/interrupts.hpp"
 #include "cli/live_readings.hpp"
 #include "cli/status_json.hpp"
 #include "cli/status_line.hpp"
 #include "cli/status_text.hpp"
+#include "core/support/interrupts.hpp"
 #include "core/support/json.hpp"
 #include "core/support/unicode/display_width.hpp"
 #include "demo/demo.hpp"

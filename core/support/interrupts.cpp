@@ -1,8 +1,8 @@
-#include "cli/interrupts.hpp"
+#include "core/support/interrupts.hpp"
 
 #include <csignal>
 
-namespace vorn::cli {
+namespace vorn {
 namespace {
 
 Cancellation* interrupted = nullptr;
@@ -33,4 +33,4 @@ const Cancellation& catchInterrupts() {
     return cancellation;
 }
 
-}  // namespace vorn::cli
+}  // namespace vorn

@@ -10,6 +10,8 @@ class QSettings;
 
 namespace vorn {
 
+class PreferencesStore;
+
 /// The user's settings, kept in the platform's per-user store. Every property is stored at once and notifies when its
 /// value really changed. Main thread only. What the store holds but cannot mean (another version's value, a number out
 /// of range) counts as not stored; it is overwritten only when the user changes that property.
@@ -50,6 +52,7 @@ public:
     /// What is wrong with the store (it cannot be read, or changes cannot be saved), for the settings; else empty.
     [[nodiscard]] const QString& storeProblem() const { return m_storeProblem; }
 
+    /// Brought into the range; what is no number changes nothing.
     void setRefreshMinutes(double minutes);
     void setColorWhenAtRisk(bool on);
     void setNotifyAtRisk(bool on);
@@ -78,7 +81,11 @@ signals:
     void storeProblemChanged();
 
 private:
-    std::unique_ptr<QSettings> m_defaults;
+    using Signal = void (Preferences::*)();
+    template <typename Value>
+    void change(Value& property, const Value& value, const char* key, const QVariant& stored, Signal changed);
+
+    std::unique_ptr<PreferencesStore> m_defaults;
     double m_refreshMinutes = 5;
     bool m_colorWhenAtRisk = true;
     bool m_notifyAtRisk = true;
@@ -89,7 +96,7 @@ private:
     GlyphStyle m_glyphStyle = GlyphStyle::usageAndSteer;
     TrayCells m_trayCells = TrayCells::perItem;
     MenuBarLayout m_menuBarLayout;
-    QString m_storeProblem;
+    QString m_storeProblem;  ///< As last announced.
 };
 
 }  // namespace vorn

@@ -1,1 +1,72 @@
 #include "app/model/integrations.hpp"
+
+#include <exception>
+#include <utility>
+
+#include "core/sources/status_line_connection.hpp"
+#include "platform/login_item.hpp"
+
+namespace vorn {
+
+Integrations::Integrations(StatusLineIntegration integration, LoginItem* loginItem, QObject* parent)
+    : QObject(parent), m_integration(std::move(integration)), m_loginItem(loginItem) {}
+
+void Integrations::setReadOnly(const QString& reason) {
+    m_readOnlyReason = reason;
+}
+
+void Integrations::refresh() {
+    if (m_loginItem != nullptr) {
+        m_now.launchAtLogin = m_loginItem->isEnabled();
+    }
+    readStatusLine();
+    if (m_now != m_announced) {
+        m_announced = m_now;
+        emit changed();
+    }
+}
+
+void Integrations::readStatusLine() try {
+    m_now.statusLine = m_integration.state();
+    m_now.downstreamCommand = QString::fromStdString(m_integration.downstreamCommand().value_or(std::string()));
+    if (std::exchange(m_cannotRead, false)) {
+        m_now.statusLineError.clear();
+    }
+} catch (const std::exception& error) {
+    m_cannotRead = true;
+    m_now.statusLineError = QString::fromUtf8(error.what());
+}
+
+/// Does what the user asked for, leaves in `error` how it went, and then shows what is really there.
+template <typename Action>
+void Integrations::perform(QString& error, Action action) {
+    if (m_readOnlyReason.isEmpty()) {
+        try {
+            action();
+            error.clear();
+        } catch (const std::exception& failure) {
+            error = QString::fromUtf8(failure.what());
+        }
+    } else {
+        error = m_readOnlyReason;
+    }
+    refresh();
+}
+
+void Integrations::setLaunchAtLogin(bool on) {
+    if (m_loginItem != nullptr) {
+        perform(m_now.loginItemError, [&] { m_loginItem->setEnabled(on); });
+    }
+}
+
+void Integrations::connectStatusLine() {
+    m_cannotRead = false;
+    perform(m_now.statusLineError, [this] { StatusLineConnection::connect(m_integration, systemNow()); });
+}
+
+void Integrations::disconnectStatusLine() {
+    m_cannotRead = false;
+    perform(m_now.statusLineError, [this] { StatusLineConnection::disconnect(m_integration); });
+}
+
+}  // namespace vorn

@@ -22,36 +22,51 @@ public:
     /// `loginItem`: null where the system has none; must outlive this.
     Integrations(StatusLineIntegration integration, LoginItem* loginItem, QObject* parent = nullptr);
 
+    /// Reads everything again. `changed` comes when something is different.
     void refresh();
+    /// Does nothing where the system has no login item.
     void setLaunchAtLogin(bool on);
+    /// Copies the relay afresh and puts it in front of the user's own status line.
     void connectStatusLine();
     void disconnectStatusLine();
 
-    /// A demonstration: from now on nothing outside is changed, and connecting says so instead.
+    /// A demonstration: from now on nothing outside is changed, and who asks for it reads `reason` instead.
     void setReadOnly(const QString& reason);
 
-    [[nodiscard]] bool launchAtLogin() const { return m_launchAtLogin; }
+    [[nodiscard]] bool launchAtLogin() const { return m_now.launchAtLogin; }
     [[nodiscard]] bool canLaunchAtLogin() const { return m_loginItem != nullptr; }
-    [[nodiscard]] const StatusLineIntegration::State& statusLine() const { return m_statusLine; }
-    /// Empty when the last operation of its kind succeeded.
-    [[nodiscard]] const QString& statusLineError() const { return m_statusLineError; }
-    [[nodiscard]] const QString& loginItemError() const { return m_loginItemError; }
-    [[nodiscard]] bool hasDownstreamCommand() const { return !m_downstreamCommand.isEmpty(); }
+    [[nodiscard]] const StatusLineIntegration::State& statusLine() const { return m_now.statusLine; }
+    /// Why the status line could not be read, connected or disconnected; empty when the last operation of that kind
+    /// succeeded. The same below for the login item.
+    [[nodiscard]] const QString& statusLineError() const { return m_now.statusLineError; }
+    [[nodiscard]] const QString& loginItemError() const { return m_now.loginItemError; }
+    [[nodiscard]] bool hasDownstreamCommand() const { return !m_now.downstreamCommand.isEmpty(); }
     /// The user's own status-line command, which keeps running behind the relay; empty when there is none.
-    [[nodiscard]] const QString& downstreamCommand() const { return m_downstreamCommand; }
+    [[nodiscard]] const QString& downstreamCommand() const { return m_now.downstreamCommand; }
     [[nodiscard]] const StatusLineIntegration& integration() const { return m_integration; }
 
 signals:
     void changed();
 
 private:
+    /// What has been announced.
+    struct Published {
+        bool launchAtLogin = false;
+        StatusLineIntegration::State statusLine;
+        QString statusLineError;
+        QString loginItemError;
+        QString downstreamCommand;
+        bool operator==(const Published&) const = default;
+    };
+    template <typename Action>
+    void perform(QString& error, Action action);
+    void readStatusLine();
+
     StatusLineIntegration m_integration;
     LoginItem* m_loginItem;
-    bool m_launchAtLogin = false;
-    StatusLineIntegration::State m_statusLine;
-    QString m_statusLineError;
-    QString m_loginItemError;
-    QString m_downstreamCommand;
+    Published m_now;
+    Published m_announced;
+    bool m_cannotRead = false;  ///< The error is about reading, so that reading clears it.
     QString m_readOnlyReason;
 };
 

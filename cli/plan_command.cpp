@@ -151,18 +151,20 @@ void bank(const PlanArguments& arguments) {
 
 /// The next large fall of the limits it covers is then taken at face value.
 void expectResets(PlannedReset::Scope scope) {
-    const ProbeRecordStore records(VornPaths::probeRecord());
-    ProbeRecord record = records.load();
-    std::set<WindowKind> kinds = {WindowKind::session(), WindowKind::week()};
-    for (const UsageWindow& reading : record.readings) {
-        kinds.insert(reading.kind);
-    }
-    for (const WindowKind& kind : kinds) {
-        if (PlannedReset{.scope = scope}.covers(kind)) {
-            record.expectedResets.insert(kind);
+    const auto announce = [scope](ProbeRecord& record) {
+        std::set<WindowKind> kinds = {WindowKind::session(), WindowKind::week()};
+        for (const UsageWindow& reading : record.readings) {
+            kinds.insert(reading.kind);
         }
-    }
-    if (!records.save(record)) {
+        for (const WindowKind& kind : kinds) {
+            if (PlannedReset{.scope = scope}.covers(kind)) {
+                record.expectedResets.insert(kind);
+            }
+        }
+    };
+    try {
+        ProbeRecordStore(VornPaths::probeRecord()).edit(announce, kPatience);
+    } catch (const std::filesystem::filesystem_error&) {
         throw PlanError("cannot write " + VornPaths::probeRecord().string());
     }
 }

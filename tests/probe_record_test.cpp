@@ -1,13 +1,17 @@
 #include "core/data/probe_record.hpp"
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include "core/support/file.hpp"
 #include "tests/support/readings.hpp"
 #include "tests/support/temporary_directory.hpp"
 
 namespace vorn {
 namespace {
 
+namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 using test::kNow;
 
@@ -47,6 +51,47 @@ TEST(ProbeRecordStore, TakesADamagedFileForNone) {
     };
     EXPECT_EQ(failures(R"({"consecutiveFailures": -3, "readings": {}})"), 0);
     EXPECT_EQ(failures(R"({"consecutiveFailures": 9000000000})"), 1000);
+}
+
+TEST(ProbeRecordStore, LosesNoEditOfSeveralPrograms) {
+    const test::TemporaryDirectory dir;
+    const fs::path file = dir / "new/probe.json";
+    constexpr int kPrograms = 4;
+    constexpr int kEdits = 10;
+    for (int program = 0; program < kPrograms; ++program) {
+        if (::fork() == 0) {
+            for (int i = 0; i < kEdits; ++i) {
+                ProbeRecordStore(file).edit(
+                    [&](ProbeRecord& record) {
+                        ++record.consecutiveFailures;
+                        record.expectedResets.insert(WindowKind::weekModel(std::to_string(program * kEdits + i)));
+                    },
+                    20s);
+            }
+            ::_exit(0);
+        }
+    }
+    for (int program = 0, status = 0; program < kPrograms; ++program) {
+        ::wait(&status);
+        EXPECT_EQ(status, 0);
+    }
+    EXPECT_EQ(ProbeRecordStore(file).load().consecutiveFailures, kPrograms * kEdits);
+    EXPECT_EQ(ProbeRecordStore(file).load().expectedResets.size(), std::size_t{kPrograms * kEdits});
+
+    const auto written = fs::last_write_time(file);
+    ProbeRecordStore(file).edit([](ProbeRecord&) {});
+    EXPECT_EQ(fs::last_write_time(file), written);
+    const auto codeOf = [&](const fs::path& store) {
+        try {
+            ProbeRecordStore(store).edit([](ProbeRecord& record) { ++record.consecutiveFailures; });
+        } catch (const fs::filesystem_error& error) {
+            return error.code();
+        }
+        return std::error_code();
+    };
+    const auto lock = FileLock::acquire(file.string() + ".lock", 0ms);
+    EXPECT_EQ(codeOf(file), std::errc::device_or_resource_busy);
+    EXPECT_EQ(codeOf(file / "below"), std::errc::not_a_directory);
 }
 
 TEST(ProbeRecord, SpacesFailuresEverWider) {

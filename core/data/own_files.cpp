@@ -67,7 +67,8 @@ OwnFiles listOwnFiles() {
     }
     add(result, {.path = root,
                  .files = {VornPaths::history(), VornPaths::integrationRecord(), VornPaths::statusLineSnapshot(),
-                           VornPaths::resetPlan(), VornPaths::probeRecord(), VornPaths::breakdown()}});
+                           VornPaths::resetPlan(), VornPaths::probeRecord(), VornPaths::probingLock(),
+                           VornPaths::sharedChoices(), VornPaths::breakdown()}});
     // A folder that holds somebody else's is told by that.
     std::erase_if(result.others, [&](const fs::path& path) {
         return std::ranges::any_of(inner, [&](const Folder& folder) { return folder.path == path; }) &&

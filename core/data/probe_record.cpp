@@ -6,6 +6,7 @@
 #include "core/support/json.hpp"
 
 namespace vorn {
+namespace fs = std::filesystem;
 namespace {
 
 constexpr int kMostDoublings = 4;
@@ -87,12 +88,35 @@ ProbeRecord ProbeRecordStore::load() const {
     }
 }
 
-bool ProbeRecordStore::save(const ProbeRecord& record) const try {
+void ProbeRecordStore::write(const ProbeRecord& record) const {
     createPrivateDirectories(m_file.parent_path());
     replaceFile(m_file, dumpJson(encode(record), true) + "\n");
+}
+
+bool ProbeRecordStore::save(const ProbeRecord& record) const try {
+    write(record);
     return true;
-} catch (const std::filesystem::filesystem_error&) {
+} catch (const fs::filesystem_error&) {
     return false;
+}
+
+ProbeRecord ProbeRecordStore::edit(const std::function<void(ProbeRecord&)>& change,
+                                   std::chrono::milliseconds patience) const {
+    createPrivateDirectories(m_file.parent_path());
+    fs::path lockPath = m_file;
+    lockPath += ".lock";
+    std::error_code error;
+    const auto lock = FileLock::acquire(lockPath, patience, error);
+    if (!lock) {
+        throw fs::filesystem_error("cannot lock", lockPath, error);
+    }
+    const ProbeRecord before = load();
+    ProbeRecord after = before;
+    change(after);
+    if (after != before) {
+        write(after);
+    }
+    return after;
 }
 
 }  // namespace vorn

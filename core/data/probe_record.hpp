@@ -1,6 +1,8 @@
 #pragma once
 
+#include <chrono>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <set>
 #include <string>
@@ -41,7 +43,19 @@ public:
     /// False when it could not be written.
     [[nodiscard]] bool save(const ProbeRecord& record) const;
 
+    /// How long `edit` waits for another process by default: it is called on the application's main thread.
+    static constexpr std::chrono::milliseconds defaultPatience{50};
+
+    /// Applies a change to the record as it stands in the file, with every other editor locked out, so that what one
+    /// program remembers does not undo what another announced. Returns the record as it is now; a change that changes
+    /// nothing writes nothing. Throws std::filesystem::filesystem_error, with `device_or_resource_busy` when the lock
+    /// cannot be had in time; the file is then as it was.
+    ProbeRecord edit(const std::function<void(ProbeRecord&)>& change,
+                     std::chrono::milliseconds patience = defaultPatience) const;
+
 private:
+    void write(const ProbeRecord& record) const;
+
     std::filesystem::path m_file;
 };
 

@@ -78,6 +78,14 @@ fs::path probeRecord() {
     return root() / "probe.json";
 }
 
+fs::path probingLock() {
+    return root() / "probing.lock";
+}
+
+fs::path sharedChoices() {
+    return root() / "choices.json";
+}
+
 fs::path breakdown() {
     return root() / "insights.json";
 }

@@ -289,20 +289,29 @@ void removeAbandonedTemporaries(const fs::path& path) try {
 }
 
 std::optional<FileLock> FileLock::acquire(const fs::path& path, std::chrono::milliseconds patience) {
+    std::error_code ignored;
+    return acquire(path, patience, ignored);
+}
+
+std::optional<FileLock> FileLock::acquire(const fs::path& path, std::chrono::milliseconds patience,
+                                          std::error_code& error) {
     const auto deadline = std::chrono::steady_clock::now() + patience;
     for (;;) {
         // Opened anew for every try: whoever deletes the lock file must not leave us waiting at one that nobody else
         // will ever come to.
         FileLock lock(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
         if (lock.m_descriptor < 0) {
+            error = lastError();
             return std::nullopt;
         }
         const bool granted = ::flock(lock.m_descriptor, LOCK_EX | LOCK_NB) == 0;
         const bool unsupported = !granted && errno != EWOULDBLOCK && errno != EINTR;
         if (unsupported || (granted && isNamed(path, lock.m_descriptor))) {
+            error.clear();
             return lock;
         }
         if (std::chrono::steady_clock::now() >= deadline) {
+            error = std::make_error_code(std::errc::device_or_resource_busy);
             return std::nullopt;
         }
         std::this_thread::sleep_for(std::chrono::milliseconds{1});

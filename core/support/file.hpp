@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 /// Files as Vorn treats them: read whole, replaced whole, and never half-written.
 namespace vorn {
@@ -61,6 +62,9 @@ class FileLock {
 public:
     /// Waits at most `patience`; empty when another process still holds it or the file cannot be opened.
     static std::optional<FileLock> acquire(const std::filesystem::path& path, std::chrono::milliseconds patience);
+    /// The same with the reason in `error`: `device_or_resource_busy` when another process holds it.
+    static std::optional<FileLock> acquire(const std::filesystem::path& path, std::chrono::milliseconds patience,
+                                           std::error_code& error);
 
     FileLock(FileLock&& other) noexcept;
     FileLock& operator=(FileLock&& other) noexcept;

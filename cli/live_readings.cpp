@@ -4,22 +4,27 @@
 #include <iterator>
 #include <utility>
 
+#include <poll.h>
+
 #include "cli/breakdown_file.hpp"
 #include "core/data/history_store.hpp"
 #include "core/data/reset_plan_store.hpp"
+#include "core/data/shared_choices.hpp"
 #include "core/data/usage_state.hpp"
 #include "core/data/vorn_paths.hpp"
 #include "core/sources/claude_locator.hpp"
 #include "core/sources/probe_error.hpp"
 #include "core/sources/status_line_snapshot.hpp"
 #include "core/sources/usage_command_probe.hpp"
+#include "core/support/file.hpp"
 
 namespace vorn::cli {
 namespace {
 
-/// How often a client is asked that answers; failures are spaced from it.
-constexpr Seconds kRefresh{300};
 constexpr Seconds kProbeTimeout{30};
+/// For another process that is asking the client: as long as that may take, and some.
+constexpr std::chrono::seconds kTurnPatience{35};
+constexpr std::chrono::milliseconds kTurnPoll{50};
 /// For another process that is writing the history: what is not written when this one ends is lost.
 constexpr std::chrono::milliseconds kPatience{2000};
 
@@ -32,25 +37,102 @@ public:
           m_cancellation(cancellation),
           m_history(VornPaths::history(), HistoryStore::defaultRetention, HistoryStore::defaultHeartbeat, kPatience) {}
 
-    Readings read() {
+    /// What is known without asking.
+    void gather() {
         m_samples = m_history.all();
         m_state.merge(newestCurrent(m_samples, now()));
         m_state.merge(believable(m_record.readings));
         // Announced after that answer was judged, so the next one is meant.
-        const std::vector expected(m_record.expectedResets.begin(), m_record.expectedResets.end());
-        m_state.expectReset(expected);
+        m_state.expectReset(std::vector(m_announced.begin(), m_announced.end()));
         m_state.setInsights(loadBreakdown(now()));
         takeSnapshot();
-        if (mayProbe()) {
-            probe();
+    }
+
+    /// Whether the client is to be asked; else why it is not, where that is because it failed.
+    bool mayProbe() {
+        if (m_request.probing != Probing::whenStale) {
+            return m_request.probing == Probing::always;
         }
-        if (m_cancellation.isCancelled()) {
-            throw Cancelled();
+        if (isFresh(m_fallIsHeld ? m_record.lastProbeAt : m_state.lastObservedAt(), staleAfter()) && modelsAreFresh()) {
+            return false;
         }
-        return collect();
+        if (mayRetryProbe(m_record, m_choices.refresh, now())) {
+            return true;
+        }
+        m_failure = ProbeFailure{
+            .message = m_record.lastError,
+            .advice = ProbeError::adviceFor(m_record.lastError),
+            .retryAt = *m_record.lastProbeAt + probeInterval(m_record.consecutiveFailures, m_choices.refresh)};
+        return false;
+    }
+
+    /// Keeps others from asking meanwhile, and waits while another does. Empty, and no reason not to ask, where there
+    /// is no keeping them or the other one takes too long. A user who wants an answer now need not wait.
+    [[nodiscard]] std::optional<FileLock> takeTurn() const try {
+        if (!mayWrite()) {
+            return std::nullopt;
+        }
+        VornPaths::ensureRoot();
+        const auto patience = m_request.probing == Probing::always ? std::chrono::seconds{0} : kTurnPatience;
+        const auto deadline = std::chrono::steady_clock::now() + patience;
+        for (;;) {
+            std::error_code error;
+            auto turn = FileLock::acquire(VornPaths::probingLock(), std::chrono::milliseconds{0}, error);
+            if (turn || error != std::errc::device_or_resource_busy || std::chrono::steady_clock::now() >= deadline) {
+                return turn;
+            }
+            pollfd cancelled{.fd = m_cancellation.descriptor(), .events = POLLIN, .revents = 0};
+            ::poll(&cancelled, 1, static_cast<int>(kTurnPoll.count()));
+            throwIfCancelled();
+        }
+    } catch (const std::filesystem::filesystem_error&) {
+        return std::nullopt;
+    }
+
+    /// Whether another program has asked since this one looked.
+    [[nodiscard]] bool isOvertaken() const {
+        return m_request.probing != Probing::always && !m_memory.unsaved &&
+               m_records.load().lastProbeAt != m_lastProbeAt;
+    }
+
+    void probe() {
+        try {
+            const auto result = ask();
+            take(result);
+            remember([&](ProbeRecord& record) {
+                forgetSeenResets(record);
+                record = {.lastProbeAt = now(),
+                          .readings = result.windows,
+                          .expectedResets = std::move(record.expectedResets)};
+            });
+        } catch (const ProbeError& error) {
+            m_failure = ProbeFailure{.message = error.what(), .advice = error.advice()};
+            remember([&](ProbeRecord& record) { record = record.afterFailure(now(), error.what()); });
+        }
+    }
+
+    /// What the run is about; it has nothing more to say afterwards.
+    Readings collect() {
+        throwIfCancelled();
+        Readings readings{.windows = m_state.current(now()),
+                          .insights = m_state.insights(),
+                          .history = std::move(m_samples),
+                          .plan = ResetPlanStore(VornPaths::resetPlan()).load().pruned(now()),
+                          .failure = std::move(m_failure)};
+        if (!m_choices.useLocalActivity) {
+            return readings;
+        }
+        if (m_request.wholeWeek) {
+            readings.activity = scan(WindowKind::week().length());
+        } else if (sessionRateNeedsActivity(readings.windows)) {
+            // Nothing older than a session can enter its rate, so nothing older is read.
+            readings.activity = scan(WindowKind::session().length());
+        }
+        return readings;
     }
 
 private:
+    [[nodiscard]] Seconds staleAfter() const { return m_request.staleAfter.value_or(m_choices.refresh); }
     [[nodiscard]] Instant now() const { return m_request.now.value_or(systemNow()); }
     [[nodiscard]] bool mayWrite() const { return !m_request.now; }
 
@@ -89,28 +171,9 @@ private:
             m_history.record(believed, now());
             m_samples = m_history.all();
         }
-        if (m_state.expectingReset() != m_record.expectedResets) {
-            m_record.expectedResets = m_state.expectingReset();  // seen: another fall is not what was announced
-            remember(m_record);
+        if (m_state.expectingReset() != m_announced) {
+            remember([this](ProbeRecord& record) { forgetSeenResets(record); });
         }
-    }
-
-    bool mayProbe() {
-        if (m_request.probing != Probing::whenStale) {
-            return m_request.probing == Probing::always;
-        }
-        if (isFresh(m_fallIsHeld ? m_record.lastProbeAt : m_state.lastObservedAt(), m_request.staleAfter) &&
-            modelsAreFresh()) {
-            return false;
-        }
-        if (mayRetryProbe(m_record, kRefresh, now())) {
-            return true;
-        }
-        m_failure =
-            ProbeFailure{.message = m_record.lastError,
-                         .advice = ProbeError::adviceFor(m_record.lastError),
-                         .retryAt = *m_record.lastProbeAt + probeInterval(m_record.consecutiveFailures, kRefresh)};
-        return false;
     }
 
     /// A reading from the future (the clock was set back) says nothing about now.
@@ -124,25 +187,18 @@ private:
         return std::ranges::all_of(m_state.windows(), [this](const auto& entry) {
             const UsageWindow& window = entry.second;
             return window.kind.which() != WindowKind::Case::weekModel || window.hasReset(now()) ||
-                   isFresh(window.observedAt, std::max(kRefresh, m_request.staleAfter));
+                   isFresh(window.observedAt, std::max(m_choices.refresh, staleAfter()));
         });
     }
 
-    void probe() {
-        try {
-            auto result = ask();
-            take(result);
-            remember({.lastProbeAt = now(),
-                      .readings = std::move(result.windows),
-                      .expectedResets = m_state.expectingReset()});
-        } catch (const ProbeError& error) {
-            m_failure = ProbeFailure{.message = error.what(), .advice = error.advice()};
-            remember(m_record.afterFailure(now(), error.what()));
+    void throwIfCancelled() const {
+        if (m_cancellation.isCancelled()) {
+            throw Cancelled();
         }
     }
 
     [[nodiscard]] UsageCommandParser::Result ask() const {
-        const auto executable = ClaudeLocator::locate(m_request.claudePath);
+        const auto executable = ClaudeLocator::locate(m_request.claudePath.value_or(m_choices.claudePath));
         if (!executable) {
             throw ProbeError(ProbeError::Kind::claudeNotFound);
         }
@@ -165,28 +221,37 @@ private:
         }
     }
 
-    /// Where it cannot be written it still keeps this process from asking at every turn.
-    void remember(ProbeRecord record) {
-        if (mayWrite() && m_records.save(record)) {
-            m_memory.unsaved.reset();
-        } else {
-            m_memory.unsaved = std::move(record);
+    /// Another fall is not what was announced. What another program announced meanwhile stands.
+    void forgetSeenResets(ProbeRecord& record) const {
+        for (const WindowKind& kind : m_announced) {
+            if (!m_state.expectingReset().contains(kind)) {
+                record.expectedResets.erase(kind);
+            }
         }
     }
 
-    Readings collect() {
-        Readings readings{.windows = m_state.current(now()),
-                          .insights = m_state.insights(),
-                          .history = std::move(m_samples),
-                          .plan = ResetPlanStore(VornPaths::resetPlan()).load().pruned(now()),
-                          .failure = std::move(m_failure)};
-        if (m_request.wholeWeek) {
-            readings.activity = scan(WindowKind::week().length());
-        } else if (sessionRateNeedsActivity(readings.windows)) {
-            // Nothing older than a session can enter its rate, so nothing older is read.
-            readings.activity = scan(WindowKind::session().length());
+    /// Where it cannot be written it still keeps this process from asking at every turn.
+    template <typename Change>
+    void remember(Change change) {
+        if (mayWrite() && rememberForAll(change)) {
+            m_memory.unsaved.reset();
+            return;
         }
-        return readings;
+        change(m_record);
+        m_memory.unsaved = m_record;
+    }
+
+    template <typename Change>
+    bool rememberForAll(Change change) try {
+        m_record = m_records.edit(
+            [&](ProbeRecord& record) {
+                record = m_memory.unsaved.value_or(record);
+                change(record);
+            },
+            kPatience);
+        return true;
+    } catch (const std::filesystem::filesystem_error&) {
+        return false;
     }
 
     [[nodiscard]] ActivitySummary scan(Seconds lookback) {
@@ -207,7 +272,10 @@ private:
     HistoryStore m_history;
     std::vector<HistorySample> m_samples;  ///< What the history holds; copied no more often than it changes.
     const ProbeRecordStore m_records{VornPaths::probeRecord()};
+    const SharedChoices m_choices = loadSharedChoices(VornPaths::sharedChoices());
     ProbeRecord m_record = m_memory.unsaved ? *m_memory.unsaved : m_records.load();
+    const std::optional<Instant> m_lastProbeAt = m_record.lastProbeAt;  ///< As it was at the start.
+    const std::set<WindowKind> m_announced = m_record.expectedResets;   ///< Likewise: what the state was told.
     UsageState m_state;
     bool m_fallIsHeld = false;  ///< The snapshot tells of an early reset that nothing has confirmed yet.
     std::optional<ProbeFailure> m_failure;
@@ -216,7 +284,18 @@ private:
 }  // namespace
 
 Readings readLive(const LiveRequest& request, LiveMemory& memory, const Cancellation& cancellation) {
-    return LiveRun(request, memory, cancellation).read();
+    for (;;) {
+        LiveRun run(request, memory, cancellation);
+        run.gather();
+        if (run.mayProbe()) {
+            const auto turn = run.takeTurn();
+            if (run.isOvertaken()) {
+                continue;
+            }
+            run.probe();
+        }
+        return run.collect();
+    }
 }
 
 }  // namespace vorn::cli

@@ -20,9 +20,10 @@ enum class Probing : std::uint8_t {
 };
 
 struct LiveRequest {
-    std::optional<std::string> claudePath;  ///< The executable to use instead of looking for one.
+    std::optional<std::string> claudePath;  ///< The executable to use whatever was chosen in the application.
     Probing probing = Probing::whenStale;
-    Seconds staleAfter{60};      ///< Age of the newest reading from which the client is asked.
+    /// Age of the newest reading from which the client is asked; empty: as often as the application asks it.
+    std::optional<Seconds> staleAfter = Seconds{60};
     bool wholeWeek = false;      ///< Read a week of local activity, not just what the session's rate needs.
     std::optional<Instant> now;  ///< Instead of the clock; nothing is then written.
 };
@@ -33,8 +34,10 @@ struct LiveMemory {
     std::unique_ptr<LocalActivityScanner> scanner;  ///< Knows what it has read already.
 };
 
-/// Current readings from the history and, where asked for, from the client; what was read is recorded. Whatever fails
-/// is in the result. The same requests go with the same memory. Throws Cancelled.
+/// Current readings from the history and, where asked for, from the client; what was read is recorded. Of programs that
+/// would ask at the same time one does, and the others wait for what it records. Whatever fails is in the result. What
+/// was chosen in the application holds where the request leaves it open. The same requests go with the same memory.
+/// Throws Cancelled.
 Readings readLive(const LiveRequest& request, LiveMemory& memory, const Cancellation& cancellation);
 
 }  // namespace vorn::cli

@@ -26,8 +26,6 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr Seconds kWatchInterval = 5s;
-/// While somebody watches, the client is asked as often as the application would.
-constexpr Seconds kWatchStaleAfter = 300s;
 
 struct StatusArguments {
     LiveRequest live;
@@ -217,7 +215,7 @@ int watch(const StatusArguments& arguments, const Cancellation& cancellation) tr
         const StatusReport report = readReport(arguments, request, memory, cancellation);
         const Terminal terminal = describeTerminal(STDOUT_FILENO);
         screen.show(render(report, arguments, terminal), complaint(report), terminal);
-        request.staleAfter = kWatchStaleAfter;
+        request.staleAfter.reset();  // from the second time on as often as the application would
         if (request.probing == Probing::always) {
             request.probing = Probing::whenStale;
         }
@@ -232,7 +230,9 @@ int watch(const StatusArguments& arguments, const Cancellation& cancellation) tr
 void addStatusCommand(CLI::App& app, CommandContext& context) {
     auto arguments = std::make_shared<StatusArguments>();
     CLI::App* command = app.add_subcommand("status", "How much of each limit is used, and where that leads");
-    command->add_option("--claude", arguments->claudePath, "The claude executable to ask, instead of looking for one")
+    command
+        ->add_option("--claude", arguments->claudePath,
+                     "The claude executable to ask, instead of the application's choice or looking for one")
         ->type_name("PATH");
     auto* probe = command->add_flag("--probe", arguments->probe, "Ask Claude Code now, however fresh the figures are");
     command->add_flag("--no-probe", arguments->noProbe, "Never ask Claude Code, show what is known")->excludes(probe);

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include "app/model/choices_file.hpp"
 #include "tests/support/temporary_directory.hpp"
 
 namespace vorn {
@@ -240,6 +241,35 @@ TEST_F(PreferencesTest, KeepsACopyOfADamagedFile) {
     fs::remove(m_file.string() + ".damaged");
     preferences->setNotifyLimited(false);
     EXPECT_THAT(readAll(m_file), testing::AllOf(HasSubstr("refreshMinutes=8"), HasSubstr("notifyReset=false")));
+}
+
+TEST_F(PreferencesTest, TellsTheTerminalToolWhatItHonours) {
+    const auto preferences = open();
+    const fs::path file = m_dir / "home/choices.json";
+    {
+        const ChoicesFile choices(*preferences, file);
+        EXPECT_FALSE(fs::exists(file));  // nothing there says the same
+        preferences->setClaudePathOverride(QStringLiteral("/opt/Clöde"));
+        preferences->setUseLocalActivity(false);
+        preferences->setRefreshMinutes(7.5);
+        const SharedChoices expected{
+            .claudePath = "/opt/Clöde", .useLocalActivity = false, .refresh = std::chrono::seconds{450}};
+        EXPECT_EQ(loadSharedChoices(file), expected);
+    }
+    m_dir.write("home/choices.json", "{");
+    const ChoicesFile again(*preferences, file);
+    EXPECT_EQ(loadSharedChoices(file).claudePath, "/opt/Clöde");
+    fs::remove_all(file.parent_path());
+    m_dir.write("home", "in the way");
+    preferences->setUseLocalActivity(true);
+
+    const SharedChoices defaults;
+    for (const char* text : {"", "[]", "null", R"({"claudePath": 7, "useLocalActivity": "no", "refreshMinutes": "9"})",
+                             R"({"refreshMinutes": 0.5})", R"({"refreshMinutes": 1e300})", R"({"claudePath": null})"}) {
+        EXPECT_EQ(loadSharedChoices(m_dir.write("choices.json", text)), defaults) << text;
+    }
+    EXPECT_FALSE(loadSharedChoices(m_dir.write("choices.json", R"({"claudePath": [], "useLocalActivity": false})"))
+                     .useLocalActivity);
 }
 
 TEST_F(PreferencesTest, LiesInTheUsersConfigurationFolder) {

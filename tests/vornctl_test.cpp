@@ -5,6 +5,7 @@
 #include <cstring>
 #include <ctime>
 #include <fstream>
+#include <future>
 #include <iterator>
 #include <map>
 #include <set>
@@ -23,6 +24,7 @@
 #include <pty.h>
 #endif
 
+#include "core/support/file.hpp"
 #include "core/support/process.hpp"
 #include "core/support/time.hpp"
 #include "tests/support/child_watch.hpp"
@@ -313,6 +315,82 @@ TEST_F(VornctlTest, LeavesAFailingClientAlone) {
     age(61s);
     EXPECT_EQ(session(), 26);
     EXPECT_EQ(asked(), 5);
+}
+
+TEST_F(VornctlTest, AsksOnceForAllWhoWantToKnow) {
+    client("echo >> started; while [ ! -e go ]; do sleep 0.02; done; cat answer.json");
+    std::vector<std::future<double>> sessions;
+    for (int i = 0; i < 4; ++i) {
+        sessions.push_back(std::async(std::launch::async, [this] { return session(); }));
+    }
+    m_dir.write("go", "");
+    for (auto& known : sessions) {
+        EXPECT_EQ(known.get(), 23);
+    }
+    EXPECT_EQ(asked(), 1);
+
+    // Who is killed while asking leaves the turn to the next, at once.
+    age(61s);
+    fs::remove(m_dir / "go");
+    fs::remove(m_dir / "started");
+    const std::string killed =
+        fmt::format("{} status & while [ ! -e {}/started ]; do sleep 0.02; done; kill -9 $!; touch {}/go", VORNCTL,
+                    m_dir.path().string(), m_dir.path().string());
+    runProcess({.executable = "/bin/sh", .arguments = {"-c", killed}, .environment = m_environment});
+    EXPECT_EQ(session(), 23);
+    EXPECT_EQ(asked(), 3);
+    // Nobody waits who does not ask, or asks whatever others do.
+    const auto turn = FileLock::acquire(m_vorn / "probing.lock", 5s);
+    ASSERT_TRUE(turn);
+    EXPECT_EQ(session(), 23);
+    EXPECT_EQ(session("--probe"), 23);
+    EXPECT_EQ(session("--probe --now " + formatIso8601(systemNow())), 23);
+    EXPECT_EQ(asked(), 5);
+}
+
+TEST_F(VornctlTest, KeepsWhatIsAnnouncedWhileItAsks) {
+    const std::string redeem =
+        fmt::format("VORN_HOME='{}' {} plan redeem --scope week >&2 || exit 1; ", m_vorn.string(), VORNCTL);
+    for (const char* outcome : {"cat answer.json", "exit 1"}) {
+        fs::remove_all(m_vorn);
+        client(redeem + outcome);
+        EXPECT_EQ(run("status --probe").status, std::string(outcome) == "exit 1" ? 1 : 0);
+        const json record = json::parse(readAll(m_vorn / "probe.json"));
+        EXPECT_EQ(record.at("expectedResets").size(), 1U) << record;
+        EXPECT_EQ(record.contains("readings"), std::string(outcome) != "exit 1");
+        EXPECT_TRUE(record.contains("lastProbeAt"));
+    }
+}
+
+TEST_F(VornctlTest, HonoursWhatWasChosenInTheApplication) {
+    const std::string reply = json{{"type", "assistant"},
+                                   {"timestamp", formatIso8601Milliseconds(systemNow() - 600s)},
+                                   {"cwd", "/p"},
+                                   {"requestId", "r"},
+                                   {"message",
+                                    {{"id", "m"},
+                                     {"model", "claude-sonnet-4-5"},
+                                     {"usage", {{"input_tokens", 1000}, {"output_tokens", 200}}}}}}
+                                  .dump();
+    m_dir.write("home/claude/projects/a/s.jsonl", reply + "\n");
+    const auto basis = [&](const std::string& options = {}) {
+        return status(options).at("windows").at(0).at("rateBasis").get<std::string>();
+    };
+    const auto choose = [&](const json& choices) {
+        m_dir.write("home/vorn/choices.json", choices.dump());
+    };
+    EXPECT_EQ(basis(), "localActivity");
+    choose({{"useLocalActivity", false}, {"claudePath", m_dir.executable("chosen", "exit 3").string()}});
+    EXPECT_EQ(basis(), "windowAverage");
+    EXPECT_EQ(basis("--rates"), "windowAverage");
+    EXPECT_THAT(run("status --probe").standardError, StartsWith("claude /usage failed:"));
+    EXPECT_EQ(asked(), 1);
+    EXPECT_EQ(session("--probe --claude " + (m_dir / "bin/claude").string()), 23);
+    EXPECT_EQ(asked(), 2);
+    choose({{"claudePath", "/nowhere/claude"}, {"refreshMinutes", 60}});
+    EXPECT_THAT(run("status --probe").standardError, StartsWith("Couldn't find the claude command."));
+    age(3600s);  // longer than after one failure with the usual interval
+    EXPECT_THAT(run("status").standardError, HasSubstr("Not asked again before"));
 }
 
 TEST_F(VornctlTest, BelievesAnEarlyResetWhenItIsConfirmedOrAnnounced) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 
 #include "core/support/time.hpp"
 
@@ -21,5 +22,9 @@ public:
     virtual void start(Seconds interval, std::function<void()> onTick) = 0;
     virtual void stop() = 0;
 };
+
+std::unique_ptr<ModelClock> makeSystemClock();
+/// Needs a running event loop.
+std::unique_ptr<Ticker> makeTimerTicker();
 
 }  // namespace vorn

@@ -1,16 +1,15 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <optional>
 #include <string>
 #include <variant>
-#include <vector>
 
-#include "core/data/history_sample.hpp"
-#include "core/data/probe_record.hpp"
-#include "core/sources/activity_event.hpp"
+#include "core/sources/activity_summary.hpp"
 #include "core/sources/status_line_snapshot.hpp"
 #include "core/sources/usage_command_parser.hpp"
+#include "core/support/file.hpp"
 #include "core/support/time.hpp"
 
 /// Where the model gets its readings. Each of these works off the main thread where it may take long, is asked one
@@ -26,12 +25,14 @@ public:
     virtual ~ProbeSource() = default;
     /// `overridePath`: the executable the user chose; empty to look for one.
     virtual void run(const std::string& overridePath, std::function<void(Answer)> done) = 0;
+    /// The process is about to end: gives up what is running and waits for that, at most `patience`. No answer comes.
+    virtual void shutDown(std::chrono::milliseconds patience) { static_cast<void>(patience); }
 };
 
 class ActivitySource {
 public:
-    /// All replies of the last seven days by time; empty when they are the same as in the answer before.
-    using Answer = std::optional<std::vector<ActivityEvent>>;
+    /// Of all replies of the last seven days; empty when they are the same as in the answer before.
+    using Answer = std::optional<ActivitySummary>;
 
     virtual ~ActivitySource() = default;
     virtual void scan(Instant now, std::function<void(Answer)> done) = 0;
@@ -42,7 +43,7 @@ class SnapshotSource {
 public:
     virtual ~SnapshotSource() = default;
     /// Changes whenever the file's content does; empty when there is none.
-    [[nodiscard]] virtual std::optional<Instant> modified() const = 0;
+    [[nodiscard]] virtual std::optional<FileStamp> stamp() const = 0;
     [[nodiscard]] virtual std::optional<StatusLineSnapshot> read() const = 0;
 };
 

@@ -24,17 +24,56 @@ std::vector<HistorySample> HistoryStore::all() {
 }
 
 void HistoryStore::record(std::span<const UsageWindow> windows, Instant now) {
+    add(windows, now);
+    flush(now);
+}
+
+std::vector<HistorySample> HistoryStore::add(std::span<const UsageWindow> windows, Instant now, Stored stored) {
     const std::lock_guard lock(m_mutex);
     loadIfNeeded();
+    std::vector<HistorySample> added;
     for (const UsageWindow& window : windows) {
-        if (auto candidate = HistorySample::of(window); isNew(candidate)) {
-            m_unsaved.push_back(candidate);
-            m_samples.push_back(std::move(candidate));
+        if (auto candidate = HistorySample::of(window); isNew(candidate, now)) {
+            m_samples.push_back(candidate);
+            added.push_back(std::move(candidate));
         }
     }
-    if (!m_unsaved.empty() && save(now)) {
-        m_unsaved.clear();
+    if (stored == Stored::notYet) {
+        m_unsaved.insert(m_unsaved.end(), added.begin(), added.end());
     }
+    return added;
+}
+
+HistoryStore::Flushed HistoryStore::flush(Instant now) {
+    const std::lock_guard writing(m_writing);
+    const Instant cutoff = now - m_retention;
+    std::unique_lock lock(m_mutex);
+    if (m_unsaved.empty()) {
+        return {};
+    }
+    const bool isPruneDue = m_samples.front().observedAt < cutoff - kPruneSlack;
+    if (!isPruneDue) {
+        const std::vector<HistorySample> lines = m_unsaved;
+        lock.unlock();
+        return {.isSaved = m_file.append(lines) && forgetUnsaved(lines.size())};
+    }
+    dropBefore(cutoff);
+    const std::size_t unsaved = m_unsaved.size();
+    const std::size_t known = m_samples.size();
+    std::vector<HistorySample> samples = m_samples;
+    lock.unlock();
+    const bool isSaved = m_file.rewrite(samples, cutoff) && forgetUnsaved(unsaved);
+    lock.lock();
+    // What was added meanwhile follows what was merged.
+    samples.insert(samples.end(), m_samples.begin() + static_cast<std::ptrdiff_t>(known), m_samples.end());
+    m_samples = std::move(samples);
+    return {.isSaved = isSaved, .isRewritten = true};
+}
+
+bool HistoryStore::forgetUnsaved(std::size_t count) {
+    const std::lock_guard lock(m_mutex);
+    m_unsaved.erase(m_unsaved.begin(), m_unsaved.begin() + static_cast<std::ptrdiff_t>(count));
+    return true;
 }
 
 void HistoryStore::loadIfNeeded() {
@@ -47,12 +86,15 @@ void HistoryStore::loadIfNeeded() {
     }
 }
 
-bool HistoryStore::isNew(const HistorySample& candidate) const {
+bool HistoryStore::isNew(const HistorySample& candidate, Instant now) const {
     if (!isStorable(candidate)) {
         return false;
     }
-    const auto last = std::find_if(m_samples.rbegin(), m_samples.rend(),
-                                   [&](const HistorySample& sample) { return sample.kindKey == candidate.kindKey; });
+    // Samples from before the clock was set back would keep out all others until it has caught up.
+    const Instant latest = std::max(now + kClockSlack, candidate.observedAt);
+    const auto last = std::find_if(m_samples.rbegin(), m_samples.rend(), [&](const HistorySample& sample) {
+        return sample.kindKey == candidate.kindKey && sample.observedAt <= latest;
+    });
     if (last == m_samples.rend()) {
         return true;
     }
@@ -62,15 +104,6 @@ bool HistoryStore::isNew(const HistorySample& candidate) const {
     const bool isUnchanged =
         sameReset(last->resetsAt, candidate.resetsAt) && last->usedPercent == candidate.usedPercent;
     return !isUnchanged || candidate.observedAt - last->observedAt >= m_heartbeat;
-}
-
-bool HistoryStore::save(Instant now) {
-    const Instant cutoff = now - m_retention;
-    if (m_samples.empty() || m_samples.front().observedAt >= cutoff - kPruneSlack) {
-        return m_file.append(m_unsaved);
-    }
-    dropBefore(cutoff);
-    return m_file.rewrite(m_samples, cutoff);
 }
 
 void HistoryStore::dropBefore(Instant cutoff) {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <mutex>
 #include <span>
@@ -12,13 +14,13 @@
 namespace vorn {
 
 /// Every meaningful reading of the last days, in memory and as one JSON object a line in a file. Safe to call from any
-/// thread. Nothing here throws or reports: a file that cannot be read is an empty history, one that cannot be written
-/// leaves the history in memory, and its lines are tried again with the next record.
+/// thread. Nothing here throws: a file that cannot be read is an empty history, one that cannot be written leaves the
+/// history in memory, and its lines are tried again with the next record.
 class HistoryStore {
 public:
     static constexpr Seconds defaultRetention{8 * 86400.0};
     static constexpr Seconds defaultHeartbeat{600};
-    /// How long `record` may wait for another process that is writing: it is called on the application's main thread.
+    /// How long a write may wait for another process that is writing.
     static constexpr std::chrono::milliseconds defaultPatience{50};
 
     /// Does not touch the file. `retention`: how long samples are kept; `heartbeat`: the longest gap after which an
@@ -34,17 +36,36 @@ public:
     /// past its retention. A reading with a number that is not finite is passed over.
     void record(std::span<const UsageWindow> windows, Instant now);
 
+    // The two halves of `record`, for a thread that must not wait for the disk. Once the file has been read, `add`
+    // returns at once whatever `flush` is doing.
+
+    /// Whether the file has the readings already.
+    enum class Stored : std::uint8_t {
+        notYet,
+        byAnotherProcess,  ///< which wrote what this one takes over
+    };
+    /// Appends what is new in memory alone; returns it.
+    std::vector<HistorySample> add(std::span<const UsageWindow> windows, Instant now, Stored stored = Stored::notYet);
+
+    struct Flushed {
+        bool isSaved = true;       ///< The file has everything.
+        bool isRewritten = false;  ///< Samples went, or came from other processes: `all` is no longer what it was.
+    };
+    /// Brings the file up to date and prunes.
+    Flushed flush(Instant now);
+
 private:
     void loadIfNeeded();
-    [[nodiscard]] bool isNew(const HistorySample& candidate) const;
+    [[nodiscard]] bool isNew(const HistorySample& candidate, Instant now) const;
     void dropBefore(Instant cutoff);
-    [[nodiscard]] bool save(Instant now);
+    bool forgetUnsaved(std::size_t count);
 
     const HistoryFile m_file;
     const Seconds m_retention;
     const Seconds m_heartbeat;
 
-    std::mutex m_mutex;  ///< Guards everything below, and is held while the file is read and written.
+    std::mutex m_writing;  ///< Held for a whole `flush`, and taken before the other one.
+    std::mutex m_mutex;    ///< Guards everything below; held while the file is read, never while it is written.
     bool m_loaded = false;
     std::vector<HistorySample> m_samples;
     std::vector<HistorySample> m_unsaved;  ///< Those of `m_samples` that are not in the file yet.

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "core/data/usage_window.hpp"
+#include "core/support/file.hpp"
 
 namespace vorn {
 
@@ -40,6 +41,8 @@ class ProbeRecordStore {
 public:
     explicit ProbeRecordStore(std::filesystem::path file) : m_file(std::move(file)) {}
     [[nodiscard]] ProbeRecord load() const;
+    /// Which record the file holds, for who looks again and again; see `fileStamp`.
+    [[nodiscard]] std::optional<FileStamp> stamp() const { return fileStamp(m_file); }
     /// False when it could not be written.
     [[nodiscard]] bool save(const ProbeRecord& record) const;
 

@@ -3,8 +3,10 @@
 #include <chrono>
 #include <filesystem>
 #include <functional>
+#include <optional>
 
 #include "core/data/reset_plan.hpp"
+#include "core/support/file.hpp"
 
 namespace vorn {
 
@@ -18,6 +20,9 @@ public:
 
     /// Never fails: a file that is missing, unreadable or not wholly a plan is the empty plan.
     [[nodiscard]] ResetPlan load() const;
+
+    /// Which plan the file holds, for who looks again and again; see `fileStamp`.
+    [[nodiscard]] std::optional<FileStamp> stamp() const { return fileStamp(m_file); }
 
     /// Replaces the file, creating its directory where that is missing. Throws std::filesystem::filesystem_error, and
     /// DecodingError for a plan that `load` could not read back; the old file then stands.

@@ -1,6 +1,7 @@
 #include "core/data/usage_state.hpp"
 
 #include <algorithm>
+#include <iterator>
 
 namespace vorn {
 namespace {
@@ -11,6 +12,15 @@ constexpr Seconds kConfirmationDelay{60};
 constexpr double kConfirmationSlack = 3.0;
 
 }  // namespace
+
+std::vector<UsageWindow> believable(std::span<const UsageWindow> readings, Instant now) {
+    std::vector<UsageWindow> answer;
+    std::ranges::copy_if(readings, std::back_inserter(answer), [&](const UsageWindow& reading) {
+        return reading.observedAt <= now && now - reading.observedAt < reading.kind.length();
+    });
+    const bool isOver = std::ranges::all_of(answer, [&](const UsageWindow& reading) { return reading.hasReset(now); });
+    return isOver ? std::vector<UsageWindow>() : answer;
+}
 
 void UsageState::merge(std::span<const UsageWindow> incoming) {
     for (const UsageWindow& window : incoming) {
@@ -58,6 +68,15 @@ bool UsageState::acceptsDrop(const UsageWindow& incoming, const UsageWindow& sto
     }
     m_pendingDrops.insert_or_assign(incoming.kind, incoming);
     return false;
+}
+
+void UsageState::noticeTime(Instant now) {
+    for (auto& [kind, window] : m_windows) {
+        if (window.observedAt > now + kClockSlack) {
+            window.observedAt = now;
+        }
+    }
+    std::erase_if(m_pendingDrops, [&](const auto& drop) { return drop.second.observedAt > now + kClockSlack; });
 }
 
 void UsageState::expectReset(std::span<const WindowKind> kinds) {

@@ -11,6 +11,11 @@
 
 namespace vorn {
 
+/// What of an earlier answer, kept from another run or by another program, can still be true: nothing of a clock that
+/// was ahead, and a window that is over only while another is not, so that a session does not vanish at its reset but
+/// stands at nothing used.
+std::vector<UsageWindow> believable(std::span<const UsageWindow> readings, Instant now);
+
 /// The latest accepted reading of every limit, and the judgement what to believe when sources disagree.
 class UsageState {
 public:
@@ -21,6 +26,10 @@ public:
     /// Takes readings in, in the given order. An older reading never replaces a newer one, and within one window
     /// instance the used share falls only after a confirmed or announced reset.
     void merge(std::span<const UsageWindow> incoming);
+
+    /// After the clock was set back: what was observed later than `now` and `kClockSlack` counts as observed now, so
+    /// that it does not keep out new readings until the clock has caught up.
+    void noticeTime(Instant now);
 
     /// The user announced an early reset: the next large fall of these kinds is believed at once.
     void expectReset(std::span<const WindowKind> kinds);

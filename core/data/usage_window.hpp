@@ -21,6 +21,9 @@ enum class DataSource : std::uint8_t {
 /// Two reset times closer than this name the same window instance: the sources round them differently.
 inline constexpr Seconds kSameInstanceTolerance{300};
 
+/// A time stamp further ahead of the clock than this comes from before the clock was set back.
+inline constexpr Seconds kClockSlack{60};
+
 /// Both reset times absent, or both present and less than `kSameInstanceTolerance` apart.
 bool sameReset(std::optional<Instant> one, std::optional<Instant> other);
 

@@ -219,6 +219,21 @@ std::string requireFile(const fs::path& path, std::size_t limit) {
     return content;
 }
 
+std::optional<FileStamp> fileStamp(const fs::path& path) {
+    struct stat status {};
+    std::error_code unreadable;
+    // The system's own record has the fractions of a second under a name that differs between systems.
+    const auto modified = fs::last_write_time(path, unreadable);
+    if (unreadable || ::stat(path.c_str(), &status) != 0) {
+        return std::nullopt;
+    }
+    const auto age = std::chrono::duration_cast<std::chrono::nanoseconds>(modified.time_since_epoch());
+    return FileStamp{.device = static_cast<std::uint64_t>(status.st_dev),
+                     .number = static_cast<std::uint64_t>(status.st_ino),
+                     .modified = static_cast<std::int64_t>(age.count()),
+                     .size = static_cast<std::int64_t>(status.st_size)};
+}
+
 void createPrivateDirectories(const fs::path& directory) {
     std::error_code error;
     if (fs::is_directory(directory, error) || directory.empty()) {

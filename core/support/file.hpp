@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -27,6 +28,17 @@ std::optional<std::string> readFile(const std::filesystem::path& path, std::size
 /// The same for a caller who has to tell why: throws std::filesystem::filesystem_error, with
 /// std::errc::no_such_file_or_directory for a missing file alone.
 std::string requireFile(const std::filesystem::path& path, std::size_t limit = 512U << 20U);
+
+/// Which content a path has, for who looks again and again: another one after the file was written to or replaced.
+struct FileStamp {
+    std::uint64_t device = 0;
+    std::uint64_t number = 0;
+    std::int64_t modified = 0;  ///< Nanoseconds since some fixed moment.
+    std::int64_t size = 0;      ///< Bytes.
+    bool operator==(const FileStamp&) const = default;
+};
+/// Follows links. Empty when there is nothing of that name, or nothing can be told about it.
+std::optional<FileStamp> fileStamp(const std::filesystem::path& path);
 
 /// Creates `directory` and its missing parents, the new ones with mode 0700. Throws std::filesystem::filesystem_error.
 void createPrivateDirectories(const std::filesystem::path& directory);

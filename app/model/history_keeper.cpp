@@ -1,0 +1,92 @@
+#include "app/model/history_keeper.hpp"
+
+#include <utility>
+
+#include "app/model/background_queue.hpp"
+
+namespace vorn {
+
+struct HistoryKeeper::Content {
+    std::vector<HistorySample> samples;
+    HistoryIndex index;
+};
+
+HistoryKeeper::HistoryKeeper(std::unique_ptr<HistoryStore> store, BackgroundQueue& disk)
+    : m_store(std::move(store)), m_disk(disk) {}
+
+HistoryKeeper::Content HistoryKeeper::read(HistoryStore& store) {
+    Content content{.samples = store.all(), .index = {}};
+    content.index.update(content.samples);
+    return content;
+}
+
+void HistoryKeeper::load(std::function<void()> done) {
+    if (std::exchange(m_isLoading, true)) {
+        return;
+    }
+    const auto finish = [this, done](const std::shared_ptr<Content>& content) {
+        m_isLoaded = true;
+        take(std::move(*content));
+        done();
+    };
+    const bool isRunning = m_disk.run([store = m_store, finish] {
+        const auto content = std::make_shared<Content>(read(*store));
+        return [content, finish] {
+            finish(content);
+        };
+    });
+    if (!isRunning) {
+        finish(std::make_shared<Content>(read(*m_store)));
+    }
+}
+
+void HistoryKeeper::take(Content content) {
+    m_samples = std::move(content.samples);
+    m_index = std::move(content.index);
+}
+
+void HistoryKeeper::replace(std::vector<HistorySample> samples) {
+    m_samples = std::move(samples);
+    m_index = HistoryIndex(m_samples);
+}
+
+bool HistoryKeeper::add(std::span<const UsageWindow> windows, Instant now, HistoryStore::Stored stored) {
+    const std::vector<HistorySample> added = m_store->add(windows, now, stored);
+    m_samples.insert(m_samples.end(), added.begin(), added.end());
+    m_index.update(m_samples);
+    if (stored == HistoryStore::Stored::notYet && (!added.empty() || m_isUnsaved)) {
+        flush(now);
+    }
+    return !added.empty();
+}
+
+void HistoryKeeper::flush(Instant now) {
+    if (m_isFlushing) {
+        m_nextFlush = now;
+        return;
+    }
+    m_isFlushing = m_disk.run([this, store = m_store, now] {
+        const HistoryStore::Flushed flushed = store->flush(now);
+        return [this, flushed] {
+            finishFlush(flushed);
+        };
+    });
+    m_isUnsaved = m_isUnsaved || !m_isFlushing;
+}
+
+void HistoryKeeper::finishFlush(HistoryStore::Flushed flushed) {
+    m_isFlushing = false;
+    m_isUnsaved = !flushed.isSaved;
+    if (flushed.isRewritten) {
+        // About once a day, and then a short history: nothing that was older is left.
+        replace(m_store->all());
+    }
+    if (const auto next = std::exchange(m_nextFlush, std::nullopt)) {
+        flush(*next);
+    }
+    if (onFlushed) {
+        onFlushed(flushed.isRewritten);
+    }
+}
+
+}  // namespace vorn

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <set>
+
+#include "core/data/probe_record.hpp"
+
+namespace vorn {
+
+class BackgroundQueue;
+
+/// The record of asking the client, which the terminal keeps too: each learns what the other was told, so that none
+/// hammers a client that fails, and a fall that both saw is believed.
+class ProbeMemory {
+public:
+    struct News {
+        ProbeRecord record;
+        std::set<WindowKind> announced;  ///< Resets that another program was told to expect, new in the record.
+    };
+
+    /// `disk` must outlive this.
+    ProbeMemory(ProbeRecordStore store, BackgroundQueue& disk);
+
+    /// What the file has when it is not what was last seen.
+    std::optional<News> read();
+    /// Makes the file say `mine`, in the background, except for what another program learnt since. Nothing is written
+    /// that would only repeat the file.
+    void save(ProbeRecord mine);
+
+    /// Called on the main thread when a save found something in the file.
+    std::function<void(News)> onNews;
+
+private:
+    [[nodiscard]] News newsIn(ProbeRecord record);
+    void finishSave(ProbeRecord record);
+
+    ProbeRecordStore m_store;
+    BackgroundQueue& m_disk;
+    bool m_isRead = false;
+    std::optional<FileStamp> m_stamp;  ///< Of the file as it was last seen.
+    ProbeRecord m_seen;                ///< What it held.
+    bool m_isSaving = false;
+    std::optional<ProbeRecord> m_next;  ///< To be saved when the present one is.
+};
+
+}  // namespace vorn

@@ -28,8 +28,6 @@ using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-/// Between the request to terminate and the kill.
-constexpr auto kTerminationGrace = 2s;
 /// For output that a pipeline behind the child is still passing on when the child itself has ended.
 constexpr auto kDrainGrace = 200ms;
 /// For killed processes to be gone. Only one that hangs in the kernel (a dead network drive) takes longer.
@@ -312,7 +310,8 @@ public:
             drainRest();
         } else {
             m_child.terminate(m_outputs);
-            watch(Clock::now() + kTerminationGrace, nullptr);
+            const auto grace = wake == Wake::cancelled ? m_cancellation->grace() : Cancellation::defaultGrace;
+            watch(Clock::now() + grace, nullptr);
         }
         m_child.killAll(m_outputs);
         drain();
@@ -416,9 +415,13 @@ Cancellation::Cancellation() {
     }
 }
 
-void Cancellation::cancel() noexcept {
-    static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler must not wait for a lock");
+void Cancellation::cancel(std::chrono::milliseconds grace) noexcept {
+    static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<milliseconds>::is_always_lock_free,
+                  "a signal handler must not wait for a lock");
     const int callersError = errno;
+    if (!m_cancelled) {
+        m_grace = grace;  // before the other one, which lets it be read
+    }
     if (!m_cancelled.exchange(true) && m_writeEnd.isOpen()) {
         // Cannot fail: the pipe is empty and its other end open.
         [[maybe_unused]] const ssize_t written = ::write(m_writeEnd.get(), "", 1);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <exception>
@@ -23,14 +24,19 @@ public:
     Cancellation(const Cancellation&) = delete;
     Cancellation& operator=(const Cancellation&) = delete;
 
-    /// Async-signal-safe; may be called any number of times.
-    void cancel() noexcept;
+    /// What a child usually gets between the request to terminate and its end by force.
+    static constexpr std::chrono::milliseconds defaultGrace{2000};
+
+    /// Async-signal-safe; may be called any number of times, but only the first call counts.
+    void cancel(std::chrono::milliseconds grace = defaultGrace) noexcept;
     [[nodiscard]] bool isCancelled() const noexcept { return m_cancelled.load(); }
     /// Becomes readable on cancellation, for poll(); -1 when no descriptor could be had.
     [[nodiscard]] int descriptor() const noexcept { return m_readEnd.get(); }
+    [[nodiscard]] std::chrono::milliseconds grace() const noexcept { return m_grace.load(); }
 
 private:
     std::atomic<bool> m_cancelled{false};
+    std::atomic<std::chrono::milliseconds> m_grace{defaultGrace};
     Descriptor m_readEnd;
     Descriptor m_writeEnd;
 };
@@ -67,10 +73,10 @@ struct ProcessResult {
 
 /// Runs a child in a session of its own with the null device as standard input, drains both outputs while it runs, and
 /// returns when it has ended. After the time limit or a cancellation it is asked to terminate and killed 2 seconds
-/// later. What it started goes with it: its session, its descendants in others, and whoever holds its outputs open.
-/// (A daemon goes unnoticed when it left the session, closed the outputs and lost its parent before.) No zombie and no
-/// descriptor is left behind, and the child inherits no descriptor of ours. Any thread; touches no signal handler and
-/// no other child. Throws LaunchError, Cancelled.
+/// (or the cancellation's grace) later. What it started goes with it: its session, its descendants in others, and
+/// whoever holds its outputs open. (A daemon goes unnoticed when it left the session, closed the outputs and lost its
+/// parent before.) No zombie and no descriptor is left behind, and the child inherits no descriptor of ours. Any
+/// thread; touches no signal handler and no other child. Throws LaunchError, Cancelled.
 ProcessResult runProcess(const ProcessRequest& request, const Cancellation* cancellation = nullptr);
 
 }  // namespace vorn

@@ -1,0 +1,63 @@
+#include "app/model/background_probe.hpp"
+
+#include <exception>
+#include <utility>
+
+#include "core/sources/claude_locator.hpp"
+#include "core/sources/probe_error.hpp"
+#include "core/sources/usage_command_probe.hpp"
+
+namespace vorn {
+namespace {
+
+/// Between asking a client to terminate and killing it, when nobody wants its answer any more.
+constexpr std::chrono::milliseconds kGrace{100};
+
+/// Everything in here may take long: the search path may lead to a network drive.
+ProbeSource::Answer ask(const std::string& overridePath, const Cancellation& cancellation) {
+    const auto executable = ClaudeLocator::locate(overridePath);
+    if (!executable) {
+        throw ProbeError(ProbeError::Kind::claudeNotFound);
+    }
+    return UsageCommandProbe{.executable = *executable}.run(systemNow, &cancellation);
+}
+
+}  // namespace
+
+BackgroundProbe::~BackgroundProbe() {
+    cancel();
+}
+
+void BackgroundProbe::run(const std::string& overridePath, std::function<void(Answer)> done) {
+    m_cancellation = std::make_shared<Cancellation>();
+    const bool isRunning =
+        m_queue.run([overridePath, done, cancellation = m_cancellation]() -> BackgroundQueue::Answer {
+            Answer answer;
+            try {
+                answer = ask(overridePath, *cancellation);
+            } catch (const Cancelled&) {
+                return nullptr;
+            } catch (const std::exception& error) {
+                answer = error.what();
+            }
+            return [done, answer] {
+                done(answer);
+            };
+        });
+    if (!isRunning) {
+        done("Could not start a thread to run claude in.");
+    }
+}
+
+void BackgroundProbe::shutDown(std::chrono::milliseconds patience) {
+    cancel();
+    static_cast<void>(m_queue.waitForJobs(patience));
+}
+
+void BackgroundProbe::cancel() {
+    if (m_cancellation) {
+        m_cancellation->cancel(kGrace);
+    }
+}
+
+}  // namespace vorn

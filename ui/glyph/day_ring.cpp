@@ -40,7 +40,7 @@ public:
         QPainterPath path;
         path.arcMoveTo(box, 90 - fromDegrees);
         path.arcTo(box, 90 - fromDegrees, fromDegrees - toDegrees);
-        stroke(std::move(path), kRingWidth, cap, alpha);
+        stroke(path, kRingWidth, cap, alpha);
     }
 
     void continuous(const std::optional<double>& used) {
@@ -68,7 +68,7 @@ public:
         const QPointF direction(std::sin(angle), -std::cos(angle));
         QPainterPath hand(m_middle + direction * 1.6 * m_u);
         hand.lineTo(m_middle + direction * 4.1 * m_u);
-        stroke(std::move(hand), 1.5, Qt::RoundCap, 1);
+        stroke(hand, 1.5, Qt::RoundCap, 1);
     }
 
     void operator()(const Arrow& arrow) {
@@ -92,21 +92,20 @@ public:
         QPainterPath path;
         path.addRoundedRect(QRectF(m_middle.x() - side / 2, m_middle.y() - side / 2, side, side), 0.22 * side,
                             0.22 * side);
-        m_marks.push_back({.path = std::move(path), .style = Mark::Fill{}, .alpha = 1});
+        m_marks.push_back({.path = path, .style = Mark::Fill{}, .alpha = 1});
     }
 
     void operator()(const Dash& /*dash*/) {
         QPainterPath path(m_middle - QPointF(2.6 * m_u, 0));
         path.lineTo(m_middle + QPointF(2.6 * m_u, 0));
-        stroke(std::move(path), 1.6, Qt::RoundCap, 0.45);
+        stroke(path, 1.6, Qt::RoundCap, 0.45);
     }
 
     std::vector<Mark> take() { return std::move(m_marks); }
 
 private:
-    void stroke(QPainterPath path, double width, Qt::PenCapStyle cap, double alpha) {
-        m_marks.push_back(
-            {.path = std::move(path), .style = Mark::Stroke{.width = width * m_u, .cap = cap}, .alpha = alpha});
+    void stroke(const QPainterPath& path, double width, Qt::PenCapStyle cap, double alpha) {
+        m_marks.push_back({.path = path, .style = Mark::Stroke{.width = width * m_u, .cap = cap}, .alpha = alpha});
     }
 
     double m_u;

@@ -10,6 +10,7 @@
 
 #include "app/model/menu_bar_layout.hpp"
 #include "core/analysis/window_assessment.hpp"
+#include "ui/glyph/day_ring.hpp"
 
 namespace vorn {
 
@@ -51,6 +52,9 @@ struct Look {
     bool tint = true;  ///< Rings take the colour of their window's status.
     Palette palette;
 };
+
+/// What `DayRing` draws for a part: in the style `steer` nothing is said about use.
+DayRing::Ring ring(const RingPart& part, GlyphStyle style, double side);
 
 /// All parts in one strip of that height in device pixels.
 QImage image(std::span<const MenuBarPart> parts, const Look& look, int height);

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QFont>
+#include <QPointF>
+#include <QStringView>
+
+class QColor;
+class QPainter;
+
+namespace vorn {
+
+/// Short text in the system's font, semibold, at one size in device pixels. All digits are equally wide, so that a
+/// number that counts does not move what stands beside it. Arrows and the stop square are drawn, since many fonts lack
+/// them.
+class GlyphText {
+public:
+    /// `stretch`: percent of the natural width.
+    explicit GlyphText(int pixelSize, int stretch = 100);
+
+    [[nodiscard]] double width(QStringView text) const;
+    /// Of a capital letter or digit; whole pixels, at least 1.
+    [[nodiscard]] int capHeight() const { return m_capHeight; }
+    /// `start`: the left end of the base line.
+    void draw(QPainter& painter, QPointF start, QStringView text, const QColor& color) const;
+
+private:
+    [[nodiscard]] double advance(QStringView character) const;
+    void drawSign(QPainter& painter, QPointF start, QChar sign, const QColor& color) const;
+
+    QFont m_font;
+    int m_capHeight;
+    double m_digitAdvance = 0;
+};
+
+}  // namespace vorn

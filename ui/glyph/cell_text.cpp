@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <numeric>
 
 #include "ui/glyph/glyph_text.hpp"
 
@@ -12,53 +11,74 @@ namespace vorn::CellText {
 
 namespace {
 
+/// Of the number's size.
 constexpr double kUnitShare = 0.62;
 /// Percent of the natural width; narrower than that looks squeezed.
 constexpr std::array kStretches{100, 95, 90};
-/// A single line never gets larger than this share of the side: one digit must not shout.
-constexpr double kLargestShare = 0.64;
-constexpr int kWholeNumberDigits = 2;
+/// The largest size as a share of the side, for one line and for each of two: cells beside each other should look as
+/// if they belonged together, even when one has a single digit.
+constexpr double kLargestAlone = 0.6;
+constexpr double kLargestOfTwo = 0.5;
+/// A sign alone: nothing else could be misread for its size.
+constexpr double kLargestSign = 0.8;
+/// A unit that has a line for itself.
+constexpr double kLargestUnitLine = 0.4;
+constexpr int kDigitsBesideUnit = 2;
+constexpr QStringView kUnits = u"%mhd";
+/// Smaller cells cannot afford a margin.
+constexpr int kMarginFrom = 20;
 
-/// One size tried for all lines.
-struct Setting {
-    GlyphText text;
-    GlyphText unit;
+/// A line at one size.
+class Setting {
+public:
+    Setting(const Line& line, int pixelSize, int stretch)
+        : m_line(&line),
+          m_text({.pixelSize = pixelSize, .stretch = stretch, .weight = QFont::DemiBold}),
+          m_unit({.pixelSize = unitSize(line, pixelSize), .stretch = stretch, .weight = QFont::DemiBold}) {}
 
-    Setting(int pixelSize, int stretch)
-        : text(pixelSize, stretch), unit(static_cast<int>(std::lround(pixelSize * kUnitShare)), stretch) {}
+    [[nodiscard]] double width() const { return m_text.width(m_line->text) + m_unit.width(m_line->unit); }
+    [[nodiscard]] int height() const { return m_line->text.isEmpty() ? m_unit.capHeight() : m_text.capHeight(); }
 
-    [[nodiscard]] double width(const Line& line) const { return text.width(line.text) + unit.width(line.unit); }
-    [[nodiscard]] int height(const Line& line) const {
-        return line.text.isEmpty() ? unit.capHeight() : text.capHeight();
+    void draw(QPainter& painter, QPointF start, const QColor& color) const {
+        m_text.draw(painter, start, m_line->text, color);
+        start.rx() += m_text.width(m_line->text);
+        m_unit.draw(painter, start, m_line->unit, color);
     }
+
+private:
+    static int unitSize(const Line& line, int pixelSize) {
+        return line.text.isEmpty() ? pixelSize : static_cast<int>(std::lround(pixelSize * kUnitShare));
+    }
+
+    const Line* m_line;
+    GlyphText m_text;
+    GlyphText m_unit;
 };
 
-struct Room {
-    double width;
-    int height;
-    int gap;  ///< Between two lines.
-};
-
-int heightOf(const std::vector<Line>& lines, const Setting& setting, const Room& room) {
-    return std::accumulate(lines.begin(), lines.end(), -room.gap,
-                           [&](int sum, const Line& line) { return sum + room.gap + setting.height(line); });
-}
-
-bool fits(const std::vector<Line>& lines, const Setting& setting, const Room& room) {
-    return heightOf(lines, setting, room) <= room.height &&
-           std::all_of(lines.begin(), lines.end(), [&](const Line& line) { return setting.width(line) <= room.width; });
-}
-
-Setting largest(const std::vector<Line>& lines, int side, const Room& room) {
-    for (int size = static_cast<int>(side * kLargestShare); size > 1; --size) {
+Setting largest(const Line& line, int from, double width, int height) {
+    for (int size = from; size > 1; --size) {
         for (const int stretch : kStretches) {
-            Setting setting(size, stretch);
-            if (fits(lines, setting, room)) {
+            Setting setting(line, size, stretch);
+            if (setting.height() <= height && setting.width() <= width) {
                 return setting;
             }
         }
     }
-    return {1, kStretches.back()};
+    return {line, 1, kStretches.back()};
+}
+
+double largestShare(const Line& line, int lineCount) {
+    if (line.text.isEmpty()) {
+        return kLargestUnitLine;
+    }
+    if (lineCount > 1) {
+        return kLargestOfTwo;
+    }
+    return GlyphText::isSign(line.text) ? kLargestSign : kLargestAlone;
+}
+
+int pixels(double share, int side) {
+    return static_cast<int>(std::lround(share * side));
 }
 
 }  // namespace
@@ -68,37 +88,39 @@ std::vector<Line> lines(std::string_view text) {
     if (const qsizetype space = all.indexOf(u' '); space > 0) {  // "1h 30m"
         return {{.text = all.left(space)}, {.text = all.mid(space + 1)}};
     }
-    if (all.endsWith(u'%')) {
-        const QString number = all.chopped(1);
-        if (number.size() > kWholeNumberDigits) {
-            return {{.text = number}, {.unit = all.right(1)}};
-        }
-        return {{.text = number, .unit = all.right(1)}};
+    if (const qsizetype times = all.indexOf(u'×'); times > 0 && times + 1 < all.size()) {  // "3.4×5h"
+        return {{.text = all.left(times)}, {.text = all.mid(times)}};
+    }
+    if (all.endsWith(u'%') && all.size() <= kDigitsBesideUnit + 1) {
+        return {{.text = all.chopped(1), .unit = all.right(1)}};
+    }
+    if (all.size() > kDigitsBesideUnit && kUnits.contains(all.back())) {  // "100%", "45m", "<1m"
+        return {{.text = all.chopped(1)}, {.unit = all.right(1)}};
     }
     if (all.size() > 1 && (all.front() == u'↑' || all.front() == u'↓')) {  // "↓0.6×"
         return {{.text = all.left(1)}, {.text = all.mid(1)}};
-    }
-    if (const qsizetype times = all.indexOf(u'×'); times > 0 && times + 1 < all.size()) {  // "3.4×5h"
-        return {{.text = all.left(times)}, {.text = all.mid(times)}};
     }
     return {{.text = all}};
 }
 
 void paint(QPainter& painter, const std::vector<Line>& lines, int side, const QColor& color) {
-    const int margin = std::max(1, static_cast<int>(std::lround(side / 22.0)));
-    const Room room{.width = side - 2.0 * margin,
-                    .height = side - 2 * margin,
-                    .gap = std::max(1, static_cast<int>(std::lround(side / 11.0)))};
-    const Setting setting = largest(lines, side, room);
+    const int margin = side < kMarginFrom ? 0 : std::max(1, pixels(1 / 22.0, side));
+    const int gap = std::max(1, pixels(1 / 11.0, side));
+    const int room = side - 2 * margin;
+    const int count = std::max(1, static_cast<int>(lines.size()));
+    const int heightEach = (room - (count - 1) * gap) / count;
 
-    int baseLine = (side - heightOf(lines, setting, room)) / 2;
+    std::vector<Setting> settings;
+    int height = -gap;
     for (const Line& line : lines) {
-        baseLine += setting.height(line);
-        QPointF start((side - setting.width(line)) / 2, baseLine);
-        setting.text.draw(painter, start, line.text, color);
-        start.rx() += setting.text.width(line.text);
-        setting.unit.draw(painter, start, line.unit, color);
-        baseLine += room.gap;
+        settings.push_back(largest(line, pixels(largestShare(line, count), side), room, heightEach));
+        height += gap + settings.back().height();
+    }
+    int baseLine = (side - height) / 2;
+    for (const Setting& setting : settings) {
+        baseLine += setting.height();
+        setting.draw(painter, QPointF((side - setting.width()) / 2, baseLine), color);
+        baseLine += gap;
     }
 }
 

@@ -16,12 +16,12 @@ constexpr QStringView kDrawnSigns = u"↑↓→■";
 /// Room on both sides of a drawn sign, in cap heights.
 constexpr double kSignBearing = 0.12;
 
-QFont fontOf(int pixelSize, int stretch) {
+QFont fontOf(const GlyphText::Face& face) {
     QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
-    font.setPixelSize(std::max(1, pixelSize));
-    font.setStretch(stretch);
+    font.setPixelSize(std::max(1, face.pixelSize));
+    font.setStretch(face.stretch);
     font.setItalic(false);
-    font.setWeight(QFont::DemiBold);
+    font.setWeight(face.weight);
     // Horizontal edges on whole pixels, while the letters keep their widths.
     font.setHintingPreference(QFont::PreferVerticalHinting);
     font.setStyleStrategy(QFont::StyleStrategy(QFont::PreferAntialias | QFont::NoSubpixelAntialias));
@@ -30,10 +30,6 @@ QFont fontOf(int pixelSize, int stretch) {
 
 bool isDigit(QStringView character) {
     return character.size() == 1 && character.front() >= u'0' && character.front() <= u'9';
-}
-
-bool isDrawn(QStringView character) {
-    return character.size() == 1 && kDrawnSigns.contains(character.front());
 }
 
 /// Calls `use(character, isLast)` for each code point.
@@ -48,7 +44,12 @@ void forEachCharacter(QStringView text, Use&& use) {
 
 }  // namespace
 
-GlyphText::GlyphText(int pixelSize, int stretch) : m_font(fontOf(pixelSize, stretch)) {
+bool GlyphText::isSign(QStringView text) {
+    return text.size() == 1 && kDrawnSigns.contains(text.front());
+}
+
+GlyphText::GlyphText(const Face& face)
+    : m_font(fontOf(face)), m_signThickness(face.weight > QFont::Medium ? 0.2 : 0.13) {
     const QFontMetricsF metrics(m_font);
     m_capHeight = std::max(1, static_cast<int>(std::lround(metrics.tightBoundingRect(QStringLiteral("0")).height())));
     for (char16_t digit = u'0'; digit <= u'9'; ++digit) {
@@ -56,12 +57,16 @@ GlyphText::GlyphText(int pixelSize, int stretch) : m_font(fontOf(pixelSize, stre
     }
 }
 
+double GlyphText::advanceOfSign() const {
+    return m_capHeight * (1 + 2 * kSignBearing);
+}
+
 double GlyphText::advance(QStringView character) const {
     if (isDigit(character)) {
         return m_digitAdvance;
     }
-    if (isDrawn(character)) {
-        return m_capHeight * (1 + 2 * kSignBearing);
+    if (isSign(character)) {
+        return advanceOfSign();
     }
     return QFontMetricsF(m_font).horizontalAdvance(character.toString());
 }
@@ -79,7 +84,7 @@ void GlyphText::draw(QPainter& painter, QPointF start, QStringView text, const Q
     painter.setPen(color);
     forEachCharacter(text, [&](QStringView character) {
         const double room = advance(character);
-        if (isDrawn(character)) {
+        if (isSign(character)) {
             drawSign(painter, start, character.front(), color);
         } else {
             const QString one = character.toString();
@@ -91,8 +96,10 @@ void GlyphText::draw(QPainter& painter, QPointF start, QStringView text, const Q
 }
 
 void GlyphText::drawSign(QPainter& painter, QPointF start, QChar sign, const QColor& color) const {
-    const int side = m_capHeight;
-    const QRectF box(std::round(start.x() + kSignBearing * side), start.y() - side, side, side);
+    // As thick as the stems beside it; of a height that puts both edges of the shaft on whole pixels.
+    const int thickness = std::max(1, static_cast<int>(std::ceil(m_capHeight * m_signThickness - 0.3)));
+    const int side = (m_capHeight - thickness) % 2 == 0 ? m_capHeight : m_capHeight - 1;
+    const QRectF box(std::round(start.x() + (advanceOfSign() - side) / 2), start.y() - side, side, side);
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     if (sign == u'■') {
@@ -100,11 +107,6 @@ void GlyphText::drawSign(QPainter& painter, QPointF start, QChar sign, const QCo
         painter.fillRect(box.adjusted(inset, inset, -inset, -inset), color);
         painter.restore();
         return;
-    }
-    // As thick as the stems beside it, and of the parity that puts the shaft between whole pixels.
-    int thickness = std::max(1, static_cast<int>(std::lround(side * 0.19)));
-    if ((thickness - side) % 2 != 0 && side > 4) {
-        ++thickness;
     }
     const double half = side / 2.0;
     const double reach = half - thickness * 0.35;

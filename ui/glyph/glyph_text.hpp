@@ -9,13 +9,20 @@ class QPainter;
 
 namespace vorn {
 
-/// Short text in the system's font, semibold, at one size in device pixels. All digits are equally wide, so that a
+/// Short text in the system's font at one size in device pixels. All digits are equally wide, so that a
 /// number that counts does not move what stands beside it. Arrows and the stop square are drawn, since many fonts lack
 /// them.
 class GlyphText {
 public:
-    /// `stretch`: percent of the natural width.
-    explicit GlyphText(int pixelSize, int stretch = 100);
+    struct Face {
+        int pixelSize = 13;
+        int stretch = 100;  ///< Percent of the natural width.
+        QFont::Weight weight = QFont::Normal;
+    };
+    explicit GlyphText(const Face& face);
+
+    /// Whether it is one of the signs that are drawn: ↑ ↓ → ■.
+    static bool isSign(QStringView text);
 
     [[nodiscard]] double width(QStringView text) const;
     /// Of a capital letter or digit; whole pixels, at least 1.
@@ -25,9 +32,11 @@ public:
 
 private:
     [[nodiscard]] double advance(QStringView character) const;
+    [[nodiscard]] double advanceOfSign() const;
     void drawSign(QPainter& painter, QPointF start, QChar sign, const QColor& color) const;
 
     QFont m_font;
+    double m_signThickness;  ///< In cap heights.
     int m_capHeight;
     double m_digitAdvance = 0;
 };

@@ -115,7 +115,7 @@ QString textOf(const TextPart& part) {
 class Strip {
 public:
     Strip(std::span<const MenuBarPart> parts, int height)
-        : m_parts(parts), m_height(height), m_ringSide(points(16)), m_text(std::max(1, points(13))) {}
+        : m_parts(parts), m_height(height), m_ringSide(points(16)), m_text({.pixelSize = points(13)}) {}
 
     [[nodiscard]] int width() const {
         int width = 0;

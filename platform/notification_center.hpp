@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QString>
+#include <cstdint>
 #include <functional>
 #include <memory>
 
@@ -27,7 +28,7 @@ public:
     /// Asks for permission to show notices with sound. `onAnswer` comes on the main thread: once with the answer, and
     /// again whenever it changes (a server that appears or goes away).
     virtual void requestAuthorization(std::function<void(bool granted)> onAnswer) = 0;
-    /// Shows it with the system's default sound. Errors are ignored.
+    /// Shows it with the system's default sound; does nothing while notices cannot be shown. Errors are ignored.
     virtual void post(const Notice& notice) = 0;
     /// Why notices cannot be shown at the moment, for people; empty while they can.
     [[nodiscard]] virtual QString problem() const = 0;

@@ -15,6 +15,7 @@
 #include "core/data/vorn_paths.hpp"
 #include "core/sources/usage_command_parser.hpp"
 #include "core/support/json.hpp"
+#include "core/support/local_socket.hpp"
 #include "core/support/text.hpp"
 #include "core/support/unicode/calendar.hpp"
 #include "core/support/unicode/display_width.hpp"
@@ -26,6 +27,8 @@ namespace {
 
 /// Longer than the application waits: a person at a terminal would rather wait than type again.
 constexpr std::chrono::milliseconds kPatience{2000};
+/// For the application, which may be busy: what it is told is in the files as well.
+constexpr std::chrono::milliseconds kAnswerPatience{500};
 constexpr std::size_t kNarrowestNote = 8;  // cells
 
 /// A change that cannot be made as asked; `what()` says why and what to do.
@@ -169,11 +172,19 @@ void expectResets(PlannedReset::Scope scope) {
     }
 }
 
+/// One that is running reads the plan and the announcement again; without one there is nobody to tell.
+void tellApplication(const std::string& scope) {
+    if (const auto socket = findLocalSocket(VornPaths::root())) {
+        sendRequest(*socket, dumpJson({{"request", "redeemed"}, {"scope", scope}}), kAnswerPatience);
+    }
+}
+
 void redeem(const PlanArguments& arguments) {
     const Instant now = arguments.moment();
     expectResets(scopeOf(arguments.scope));
     const ResetPlan plan =
         edit(now, [](ResetPlan& edited) { edited.banked = std::max<std::int64_t>(0, edited.banked - 1); });
+    tellApplication(arguments.scope);
     std::cout << "After redeeming in Claude's Settings → Usage → Resets: Vorn takes the drop at face value instead of "
                  "treating it as a stale reading.\n";
     print(plan, now);

@@ -61,28 +61,27 @@ bool HistoryKeeper::add(std::span<const UsageWindow> windows, Instant now, Histo
 }
 
 void HistoryKeeper::flush(Instant now) {
-    if (m_isFlushing) {
-        m_nextFlush = now;
-        return;
+    if (m_isFlushQueued->exchange(true)) {
+        return;  // that one will find what is new
     }
-    m_isFlushing = m_disk.run([this, store = m_store, now] {
+    const bool isRunning = m_disk.run([this, store = m_store, isQueued = m_isFlushQueued, now] {
+        *isQueued = false;
         const HistoryStore::Flushed flushed = store->flush(now);
         return [this, flushed] {
             finishFlush(flushed);
         };
     });
-    m_isUnsaved = m_isUnsaved || !m_isFlushing;
+    if (!isRunning) {
+        *m_isFlushQueued = false;
+        m_isUnsaved = true;
+    }
 }
 
 void HistoryKeeper::finishFlush(HistoryStore::Flushed flushed) {
-    m_isFlushing = false;
     m_isUnsaved = !flushed.isSaved;
     if (flushed.isRewritten) {
         // About once a day, and then a short history: nothing that was older is left.
         replace(m_store->all());
-    }
-    if (const auto next = std::exchange(m_nextFlush, std::nullopt)) {
-        flush(*next);
     }
     if (onFlushed) {
         onFlushed(flushed.isRewritten);

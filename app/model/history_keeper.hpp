@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <span>
@@ -50,8 +51,8 @@ private:
     HistoryIndex m_index;
     bool m_isLoading = false;
     bool m_isLoaded = false;
-    bool m_isFlushing = false;
-    std::optional<Instant> m_nextFlush;  ///< Wanted when the present one is done.
+    /// Whether a write waits for its turn; shared with the job that it is.
+    const std::shared_ptr<std::atomic<bool>> m_isFlushQueued = std::make_shared<std::atomic<bool>>(false);
     bool m_isUnsaved = false;
 };
 

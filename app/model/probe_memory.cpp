@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <mutex>
 #include <utility>
 
 #include "app/model/background_queue.hpp"
@@ -26,7 +27,7 @@ bool repeats(const ProbeRecord& mine, const ProbeRecord& stored) {
            std::ranges::equal(mine.readings, stored.readings, saysTheSame);
 }
 
-/// `seen`: what was known of `stored` when `mine` was formed.
+/// `seen`: what the file was last known to hold.
 ProbeRecord merged(ProbeRecord mine, ProbeRecord stored, const ProbeRecord& seen) {
     std::set<WindowKind> expected = mine.expectedResets;
     expected.merge(without(stored.expectedResets, seen.expectedResets));
@@ -38,10 +39,29 @@ ProbeRecord merged(ProbeRecord mine, ProbeRecord stored, const ProbeRecord& seen
 
 }  // namespace
 
-ProbeMemory::ProbeMemory(ProbeRecordStore store, BackgroundQueue& disk) : m_store(std::move(store)), m_disk(disk) {}
+/// What the saving jobs work on.
+struct ProbeMemory::Shared {
+    std::mutex mutex;  ///< Guards everything here.
+    std::optional<ProbeRecord> wanted;
+    ProbeRecord seen;  ///< What the file was last known to hold.
+
+    /// What there is to save, with what the file was last known to hold; empty when an earlier job has done it.
+    std::optional<std::pair<ProbeRecord, ProbeRecord>> take() {
+        const std::lock_guard lock(mutex);
+        auto mine = std::exchange(wanted, std::nullopt);
+        return mine ? std::optional(std::pair(*std::move(mine), seen)) : std::nullopt;
+    }
+    void saw(const ProbeRecord& record) {
+        const std::lock_guard lock(mutex);
+        seen = record;
+    }
+};
+
+ProbeMemory::ProbeMemory(ProbeRecordStore store, BackgroundQueue& disk)
+    : m_store(std::move(store)), m_disk(disk), m_shared(std::make_shared<Shared>()) {}
 
 std::optional<ProbeMemory::News> ProbeMemory::read() {
-    if (m_isSaving) {
+    if (m_saves > 0) {
         return std::nullopt;
     }
     // Before reading: what is written in between shows the next time.
@@ -50,7 +70,9 @@ std::optional<ProbeMemory::News> ProbeMemory::read() {
         return std::nullopt;
     }
     m_stamp = stamp;
-    return newsIn(m_store.load());
+    ProbeRecord record = m_store.load();
+    m_shared->saw(record);
+    return newsIn(std::move(record));
 }
 
 ProbeMemory::News ProbeMemory::newsIn(ProbeRecord record) {
@@ -60,32 +82,32 @@ ProbeMemory::News ProbeMemory::newsIn(ProbeRecord record) {
 }
 
 void ProbeMemory::save(ProbeRecord mine) {
-    if (m_isSaving) {
-        m_next = std::move(mine);
+    if (m_saves == 0 && repeats(mine, m_seen)) {
         return;
     }
-    if (repeats(mine, m_seen)) {
-        return;
-    }
-    const ProbeRecord seen = m_seen;
     m_seen.expectedResets.insert(mine.expectedResets.begin(), mine.expectedResets.end());  // no news to us
-    m_isSaving = m_disk.run([this, store = m_store, mine = std::move(mine), seen] {
-        const ProbeRecord record = merged(mine, store.load(), seen);
-        static_cast<void>(store.save(record));
+    {
+        const std::lock_guard lock(m_shared->mutex);
+        m_shared->wanted = std::move(mine);
+    }
+    const bool isRunning = m_disk.run([this, store = m_store, shared = m_shared] {
+        std::optional<ProbeRecord> record;
+        if (auto work = shared->take()) {
+            record = merged(std::move(work->first), store.load(), work->second);
+            static_cast<void>(store.save(*record));
+            shared->saw(*record);
+        }
         return [this, record] {
             finishSave(record);
         };
     });
+    m_saves += isRunning ? 1 : 0;
 }
 
-void ProbeMemory::finishSave(ProbeRecord record) {
-    m_isSaving = false;
-    const News news = newsIn(std::move(record));
-    if (auto next = std::exchange(m_next, std::nullopt)) {
-        save(*std::move(next));
-    }
-    if (onNews) {
-        onNews(news);
+void ProbeMemory::finishSave(const std::optional<ProbeRecord>& record) {
+    --m_saves;
+    if (record && onNews) {
+        onNews(newsIn(*record));
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <set>
 
@@ -32,16 +33,18 @@ public:
     std::function<void(News)> onNews;
 
 private:
+    struct Shared;
+
     [[nodiscard]] News newsIn(ProbeRecord record);
-    void finishSave(ProbeRecord record);
+    void finishSave(const std::optional<ProbeRecord>& record);
 
     ProbeRecordStore m_store;
     BackgroundQueue& m_disk;
+    const std::shared_ptr<Shared> m_shared;  ///< With the saving jobs.
     bool m_isRead = false;
     std::optional<FileStamp> m_stamp;  ///< Of the file as it was last seen.
     ProbeRecord m_seen;                ///< What it held.
-    bool m_isSaving = false;
-    std::optional<ProbeRecord> m_next;  ///< To be saved when the present one is.
+    int m_saves = 0;                   ///< Jobs that have not answered yet.
 };
 
 }  // namespace vorn

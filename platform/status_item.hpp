@@ -19,6 +19,7 @@ using StatusImage = std::function<QImage(int height)>;
 struct StatusContent {
     std::vector<StatusImage> images;  ///< Left to right; exactly one where the host shows one wide image.
     QString toolTip;
+    bool isTemplate = false;  ///< In one colour, which a system that can may choose itself.
 };
 
 /// Vorn's place in the tray or menu bar. Main thread only.

@@ -1,0 +1,134 @@
+#include "platform/linux/tray_host.hpp"
+
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusServiceWatcher>
+#include <QGuiApplication>
+#include <QSystemTrayIcon>
+#include <chrono>
+#include <utility>
+
+namespace vorn {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+const QString kWatcher = QStringLiteral("org.kde.StatusNotifierWatcher");
+const QString kWatcherPath = QStringLiteral("/StatusNotifierWatcher");
+
+/// On the bus with panels that add to the left.
+const QString kLeftAddingPanel = QStringLiteral("org.xfce.Panel");
+
+/// How long the bus gets ahead of the embedding. A starting panel often offers the latter a moment earlier.
+constexpr auto kFirstLook = 2s;
+/// Nothing announces an embedding panel to a program without windows; asking costs one round trip to the X server.
+constexpr auto kLook = 5s;
+
+}  // namespace
+
+TrayHost::TrayHost() : m_bus(QDBusConnection::sessionBus()) {
+    m_embeddingTimer.setTimerType(Qt::CoarseTimer);
+    connect(&m_embeddingTimer, &QTimer::timeout, this, &TrayHost::lookForEmbedding);
+    if (QGuiApplication::platformName() == QStringLiteral("xcb")) {
+        m_embeddingTimer.start(kFirstLook);
+    }
+    if (!m_bus.isConnected()) {
+        return;
+    }
+    auto* const watch = new QDBusServiceWatcher(kWatcher, m_bus, QDBusServiceWatcher::WatchForOwnerChange, this);
+    connect(watch, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString& /*service*/, const QString& /*before*/, const QString& now) {
+                // One may take over from another.
+                watcherWent();
+                if (!now.isEmpty()) {
+                    watcherCame();
+                }
+            });
+    for (const char* const signal : {"StatusNotifierHostRegistered", "StatusNotifierHostUnregistered"}) {
+        m_bus.connect(kWatcher, kWatcherPath, kWatcher, QLatin1String(signal), this, SLOT(hostsChanged()));
+    }
+    askForOwner(kWatcher, [this](bool isThere) {
+        if (isThere && !m_isWatcherThere) {
+            watcherCame();
+        }
+    });
+}
+
+void TrayHost::askForOwner(const QString& name, std::function<void(bool)> answer) {
+    auto call =
+        QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+                                       QStringLiteral("org.freedesktop.DBus"), QStringLiteral("NameHasOwner"));
+    call << name;
+    auto* const pending = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
+    connect(pending, &QDBusPendingCallWatcher::finished, this, [pending, answer = std::move(answer)] {
+        const QDBusPendingReply<bool> reply = *pending;
+        pending->deleteLater();
+        answer(reply.isValid() && reply.value());
+    });
+}
+
+void TrayHost::watcherCame() {
+    m_isWatcherThere = true;
+    askForOwner(kLeftAddingPanel, [this, watcher = ++m_watchers](bool isThere) {
+        if (m_isWatcherThere && watcher == m_watchers) {
+            m_addsToTheLeft = isThere;
+            setKind(Kind::notifier);
+            hostsChanged();
+        }
+    });
+}
+
+void TrayHost::watcherWent() {
+    m_isWatcherThere = false;
+    setHasHost(false);
+    setKind(Kind::none);
+    if (m_embeddingTimer.isActive()) {
+        m_embeddingTimer.start(kFirstLook);
+    }
+}
+
+void TrayHost::hostsChanged() {
+    auto call = QDBusMessage::createMethodCall(
+        kWatcher, kWatcherPath, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
+    call << kWatcher << QStringLiteral("IsStatusNotifierHostRegistered");
+    call.setAutoStartService(false);
+    auto* const pending = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
+    connect(pending, &QDBusPendingCallWatcher::finished, this, [this, pending] {
+        const QDBusPendingReply<QDBusVariant> reply = *pending;
+        pending->deleteLater();
+        // A watcher that does not answer this one is taken at its word.
+        setHasHost(m_isWatcherThere && (!reply.isValid() || reply.value().variant().toBool()));
+    });
+}
+
+void TrayHost::lookForEmbedding() {
+    m_embeddingTimer.setInterval(kLook);
+    // Qt remembers for good whether there was a watcher when it was first asked. It is asked only when there is none,
+    // so that it always answers for embedding.
+    if (!m_isWatcherThere) {
+        setKind(QSystemTrayIcon::isSystemTrayAvailable() ? Kind::embedded : Kind::none);
+    }
+}
+
+void TrayHost::setKind(Kind kind) {
+    const bool wasShown = isShown();
+    if (std::exchange(m_kind, kind) == kind) {
+        return;
+    }
+    emit restarted();
+    if (isShown() != wasShown) {
+        emit shownChanged();
+    }
+}
+
+void TrayHost::setHasHost(bool hasHost) {
+    const bool wasShown = isShown();
+    m_hasHost = hasHost;
+    if (isShown() != wasShown) {
+        emit shownChanged();
+    }
+}
+
+}  // namespace vorn

@@ -1,0 +1,223 @@
+#include "platform/linux/tray_menu.hpp"
+
+#include <QAction>
+#include <QDBusMetaType>
+#include <QEvent>
+#include <QGuiApplication>
+#include <QMenu>
+#include <QTimer>
+#include <algorithm>
+
+namespace vorn {
+
+namespace {
+
+void registerTypes() {
+    static const bool done = [] {
+        qDBusRegisterMetaType<TrayMenuNode>();
+        qDBusRegisterMetaType<TrayMenuProperties>();
+        qDBusRegisterMetaType<QList<TrayMenuProperties>>();
+        qDBusRegisterMetaType<TrayMenuEvent>();
+        qDBusRegisterMetaType<QList<TrayMenuEvent>>();
+        qDBusRegisterMetaType<QList<QDBusVariant>>();
+        qDBusRegisterMetaType<QList<int>>();
+        return true;
+    }();
+    Q_UNUSED(done)
+}
+
+/// "&Quit" is "_Quit" there.
+QString labelOf(const QString& text) {
+    QString label;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text[i] == u'_') {
+            label += QStringLiteral("__");
+        } else if (text[i] != u'&') {
+            label += text[i];
+        } else if (i + 1 < text.size()) {
+            label += text[i + 1] == u'&' ? text[++i] : QChar(u'_');
+        }
+    }
+    return label;
+}
+
+}  // namespace
+
+QDBusArgument& operator<<(QDBusArgument& out, const TrayMenuNode& node) {
+    out.beginStructure();
+    out << node.id << node.properties << node.children;
+    out.endStructure();
+    return out;
+}
+
+const QDBusArgument& operator>>(const QDBusArgument& in, TrayMenuNode& node) {
+    in.beginStructure();
+    in >> node.id >> node.properties >> node.children;
+    in.endStructure();
+    return in;
+}
+
+QDBusArgument& operator<<(QDBusArgument& out, const TrayMenuProperties& properties) {
+    out.beginStructure();
+    out << properties.id << properties.properties;
+    out.endStructure();
+    return out;
+}
+
+const QDBusArgument& operator>>(const QDBusArgument& in, TrayMenuProperties& properties) {
+    in.beginStructure();
+    in >> properties.id >> properties.properties;
+    in.endStructure();
+    return in;
+}
+
+QDBusArgument& operator<<(QDBusArgument& out, const TrayMenuEvent& event) {
+    out.beginStructure();
+    out << event.id << event.event << event.data << event.timestamp;
+    out.endStructure();
+    return out;
+}
+
+const QDBusArgument& operator>>(const QDBusArgument& in, TrayMenuEvent& event) {
+    in.beginStructure();
+    in >> event.id >> event.event >> event.data >> event.timestamp;
+    in.endStructure();
+    return in;
+}
+
+TrayMenu::TrayMenu(QMenu& menu) : m_menu(menu) {
+    registerTypes();
+    new TrayMenuAdaptor(*this);  // NOLINT(cppcoreguidelines-owning-memory): this is its parent
+    menu.installEventFilter(this);
+}
+
+TrayMenuNode TrayMenu::root() {
+    TrayMenuNode root{
+        .id = 0, .properties = {{QStringLiteral("children-display"), QStringLiteral("submenu")}}, .children = {}};
+    for (QAction* const action : m_menu.actions()) {
+        const TrayMenuNode node{.id = idOf(action), .properties = propertiesOf(*action), .children = {}};
+        root.children.append(QDBusVariant(QVariant::fromValue(node)));
+    }
+    return root;
+}
+
+QAction* TrayMenu::action(int id) const {
+    const auto index = static_cast<std::size_t>(id) - 1;
+    QAction* const action = index < m_actions.size() ? m_actions[index].data() : nullptr;
+    return m_menu.actions().contains(action) ? action : nullptr;
+}
+
+QVariantMap TrayMenu::propertiesOf(const QAction& action) {
+    if (action.isSeparator()) {
+        return {{QStringLiteral("type"), QStringLiteral("separator")}, {QStringLiteral("visible"), action.isVisible()}};
+    }
+    QVariantMap properties{{QStringLiteral("label"), labelOf(action.text())},
+                           {QStringLiteral("enabled"), action.isEnabled()},
+                           {QStringLiteral("visible"), action.isVisible()}};
+    if (action.isCheckable()) {
+        properties.insert(QStringLiteral("toggle-type"), QStringLiteral("checkmark"));
+        properties.insert(QStringLiteral("toggle-state"), action.isChecked() ? 1 : 0);
+    }
+    return properties;
+}
+
+void TrayMenu::prepare() {
+    emit m_menu.aboutToShow();
+}
+
+bool TrayMenu::eventFilter(QObject* watched, QEvent* event) {
+    const QEvent::Type type = event->type();
+    if ((type == QEvent::ActionAdded || type == QEvent::ActionRemoved || type == QEvent::ActionChanged) &&
+        !m_isChangePending) {
+        m_isChangePending = true;
+        // Several changes at once are one for the host.
+        QTimer::singleShot(0, this, [this] {
+            m_isChangePending = false;
+            emit layoutChanged(++m_revision);
+        });
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+int TrayMenu::idOf(QAction* action) {
+    auto found = std::find(m_actions.begin(), m_actions.end(), action);
+    if (found == m_actions.end()) {
+        found = m_actions.insert(m_actions.end(), action);
+    }
+    return static_cast<int>(found - m_actions.begin()) + 1;
+}
+
+TrayMenuAdaptor::TrayMenuAdaptor(TrayMenu& menu) : QDBusAbstractAdaptor(&menu), m_menu(menu) {
+    connect(&menu, &TrayMenu::layoutChanged, this, [this](uint revision) { emit LayoutUpdated(revision, 0); });
+}
+
+QString TrayMenuAdaptor::textDirection() const {
+    return QGuiApplication::isRightToLeft() ? QStringLiteral("rtl") : QStringLiteral("ltr");
+}
+
+uint TrayMenuAdaptor::GetLayout(int parentId, int recursionDepth, const QStringList& /*propertyNames*/,
+                                TrayMenuNode& layout) {
+    if (parentId == 0) {
+        layout = m_menu.root();
+        if (recursionDepth == 0) {
+            layout.children.clear();
+        }
+    } else if (const QAction* const action = m_menu.action(parentId)) {
+        layout = {.id = parentId, .properties = TrayMenu::propertiesOf(*action), .children = {}};
+    }
+    return m_menu.revision();
+}
+
+QList<TrayMenuProperties> TrayMenuAdaptor::GetGroupProperties(const QList<int>& ids,
+                                                              const QStringList& /*propertyNames*/) {
+    QList<TrayMenuProperties> all;
+    for (const QDBusVariant& child : m_menu.root().children) {
+        const auto node = child.variant().value<TrayMenuNode>();
+        if (ids.isEmpty() || ids.contains(node.id)) {
+            all.append({.id = node.id, .properties = node.properties});
+        }
+    }
+    return all;
+}
+
+QDBusVariant TrayMenuAdaptor::GetProperty(int id, const QString& name) {
+    const QAction* const action = m_menu.action(id);
+    const QVariant value = action == nullptr ? QVariant() : TrayMenu::propertiesOf(*action).value(name);
+    return QDBusVariant(value.isValid() ? value : QVariant(QString()));
+}
+
+void TrayMenuAdaptor::Event(int id, const QString& eventId, const QDBusVariant& /*data*/, uint /*timestamp*/) {
+    QAction* const action = m_menu.action(id);
+    if (action != nullptr && eventId == QStringLiteral("clicked")) {
+        // The host waits for the answer to this call; what the entry does may take longer.
+        QMetaObject::invokeMethod(action, &QAction::trigger, Qt::QueuedConnection);
+    }
+}
+
+QList<int> TrayMenuAdaptor::EventGroup(const QList<TrayMenuEvent>& events) {
+    QList<int> unknown;
+    for (const TrayMenuEvent& event : events) {
+        if (event.id != 0 && m_menu.action(event.id) == nullptr) {
+            unknown.append(event.id);
+        }
+        Event(event.id, event.event, event.data, event.timestamp);
+    }
+    return unknown;
+}
+
+bool TrayMenuAdaptor::AboutToShow(int id) {
+    if (id == 0) {
+        m_menu.prepare();
+    }
+    // A change is told by LayoutUpdated.
+    return false;
+}
+
+QList<int> TrayMenuAdaptor::AboutToShowGroup(const QList<int>& ids, QList<int>& /*idErrors*/) {
+    for (const int id : ids) {
+        AboutToShow(id);
+    }
+    return {};
+}
+
+}  // namespace vorn

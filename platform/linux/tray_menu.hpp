@@ -1,0 +1,108 @@
+#pragma once
+
+#include <QDBusAbstractAdaptor>
+#include <QDBusArgument>
+#include <QDBusVariant>
+#include <QObject>
+#include <QPointer>
+#include <QString>
+#include <QStringList>
+#include <QVariantMap>
+#include <vector>
+
+class QAction;
+class QMenu;
+
+namespace vorn {
+
+/// One entry as hosts read it; the root holds the others.
+struct TrayMenuNode {
+    int id = 0;
+    QVariantMap properties;
+    QList<QDBusVariant> children;
+};
+QDBusArgument& operator<<(QDBusArgument& out, const TrayMenuNode& node);
+const QDBusArgument& operator>>(const QDBusArgument& in, TrayMenuNode& node);
+
+struct TrayMenuProperties {
+    int id = 0;
+    QVariantMap properties;
+};
+QDBusArgument& operator<<(QDBusArgument& out, const TrayMenuProperties& properties);
+const QDBusArgument& operator>>(const QDBusArgument& in, TrayMenuProperties& properties);
+
+struct TrayMenuEvent {
+    int id = 0;
+    QString event;
+    QDBusVariant data;
+    uint timestamp = 0;
+};
+QDBusArgument& operator<<(QDBusArgument& out, const TrayMenuEvent& event);
+const QDBusArgument& operator>>(const QDBusArgument& in, TrayMenuEvent& event);
+
+/// A menu for tray hosts to draw: the entries of a QMenu, without submenus. Follows the QMenu as it changes.
+class TrayMenu : public QObject {
+    Q_OBJECT
+
+public:
+    /// `menu` must outlive this.
+    explicit TrayMenu(QMenu& menu);
+
+    [[nodiscard]] uint revision() const { return m_revision; }
+    [[nodiscard]] TrayMenuNode root();
+    /// Null when there is no such entry (any more).
+    [[nodiscard]] QAction* action(int id) const;
+    [[nodiscard]] static QVariantMap propertiesOf(const QAction& action);
+    void prepare();  ///< It is about to be shown.
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+signals:
+    void layoutChanged(uint revision);
+
+private:
+    int idOf(QAction* action);
+
+    QMenu& m_menu;
+    uint m_revision = 1;
+    bool m_isChangePending = false;
+    /// Position + 1 is the id. Ids are not given twice: a click may come for a menu that was drawn before a change.
+    std::vector<QPointer<QAction>> m_actions;
+};
+
+/// The interface that hosts call; named as they name things.
+class TrayMenuAdaptor : public QDBusAbstractAdaptor {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "com.canonical.dbusmenu")
+    Q_PROPERTY(uint Version READ version)
+    Q_PROPERTY(QString Status READ status)
+    Q_PROPERTY(QString TextDirection READ textDirection)
+    Q_PROPERTY(QStringList IconThemePath READ iconThemePath)
+
+public:
+    explicit TrayMenuAdaptor(TrayMenu& menu);
+
+    [[nodiscard]] uint version() const { return 3; }
+    [[nodiscard]] QString status() const { return QStringLiteral("normal"); }
+    [[nodiscard]] QString textDirection() const;
+    [[nodiscard]] QStringList iconThemePath() const { return {}; }
+
+public slots:
+    uint GetLayout(int parentId, int recursionDepth, const QStringList& propertyNames, vorn::TrayMenuNode& layout);
+    QList<vorn::TrayMenuProperties> GetGroupProperties(const QList<int>& ids, const QStringList& propertyNames);
+    QDBusVariant GetProperty(int id, const QString& name);
+    void Event(int id, const QString& eventId, const QDBusVariant& data, uint timestamp);
+    QList<int> EventGroup(const QList<vorn::TrayMenuEvent>& events);
+    bool AboutToShow(int id);
+    QList<int> AboutToShowGroup(const QList<int>& ids, QList<int>& idErrors);
+
+signals:
+    void LayoutUpdated(uint revision, int parent);
+
+private:
+    TrayMenu& m_menu;
+};
+
+}  // namespace vorn
+
+Q_DECLARE_METATYPE(vorn::TrayMenuNode)

@@ -1,0 +1,148 @@
+#include "platform/linux/tray_status_item.hpp"
+
+#include <QDBusPendingCallWatcher>
+#include <QIcon>
+#include <QPixmap>
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace vorn {
+
+namespace {
+
+/// Heights of tray cells, once and twice; a host scales what it does not find.
+constexpr std::array kSizes{16, 22, 24, 32, 44, 48, 64, 96};
+
+std::vector<QImage> imagesOf(const StatusImage& draw) {
+    std::vector<QImage> images;
+    images.reserve(kSizes.size());
+    for (const int size : kSizes) {
+        images.push_back(draw(size));
+    }
+    return images;
+}
+
+QIcon iconOf(const std::vector<QImage>& images) {
+    QIcon icon;
+    for (const QImage& image : images) {
+        icon.addPixmap(QPixmap::fromImage(image));
+    }
+    return icon;
+}
+
+}  // namespace
+
+TrayStatusItem::TrayStatusItem(QMenu& menu) : m_menu(menu), m_trayMenu(menu) {
+    connect(&m_host, &TrayHost::restarted, this, &TrayStatusItem::rebuild);
+    connect(&m_host, &TrayHost::shownChanged, this, &StatusItem::hostChanged);
+}
+
+void TrayStatusItem::show(StatusContent content) {
+    m_images.clear();
+    m_images.reserve(content.images.size());
+    for (const StatusImage& draw : content.images) {
+        m_images.push_back(imagesOf(draw));
+    }
+    if (std::exchange(m_toolTip, content.toolTip) != content.toolTip) {
+        for (const Cell& cell : m_cells) {
+            setToolTip(cell);
+        }
+    }
+    update();
+}
+
+std::optional<QRect> TrayStatusItem::geometry() const {
+    QRect all;
+    for (const Cell& cell : m_cells) {
+        all |= cell.embedded ? cell.embedded->geometry() : QRect();
+    }
+    return all.isEmpty() ? std::nullopt : std::optional(all);
+}
+
+/// For a host that knows nothing of the cells yet.
+void TrayStatusItem::rebuild() {
+    m_cells.clear();
+    m_enrolled = 0;
+    update();
+}
+
+void TrayStatusItem::update() {
+    const std::size_t count = m_host.kind() == TrayHost::Kind::none ? 0 : m_images.size();
+    while (m_cells.size() > count) {
+        m_cells.pop_back();
+    }
+    m_enrolled = std::min(m_enrolled, count);
+    while (m_cells.size() < count) {
+        addCell();
+    }
+    for (std::size_t i = 0; i < count; ++i) {
+        draw(m_cells[i], m_images[m_host.addsToTheLeft() ? count - 1 - i : i]);
+    }
+    enrollNext();
+}
+
+void TrayStatusItem::addCell() {
+    Cell cell;
+    if (m_host.kind() == TrayHost::Kind::notifier) {
+        cell.item = std::make_unique<NotifierItem>(QStringLiteral("vorn-%1").arg(m_cells.size() + 1), m_trayMenu);
+        connect(cell.item.get(), &NotifierItem::activated, this, &StatusItem::activated);
+    } else {
+        cell.embedded = std::make_unique<QSystemTrayIcon>();
+        cell.embedded->setContextMenu(&m_menu);
+        connect(cell.embedded.get(), &QSystemTrayIcon::activated, this,
+                [this](QSystemTrayIcon::ActivationReason reason) {
+                    if (reason == QSystemTrayIcon::Trigger) {
+                        emit activated();
+                    }
+                });
+    }
+    setToolTip(cell);
+    m_cells.push_back(std::move(cell));
+}
+
+/// Nothing, as long as it would be the same: an idle program wakes no panel.
+void TrayStatusItem::draw(Cell& cell, const Images& images) {
+    if (cell.shown == images) {
+        return;
+    }
+    cell.shown = images;
+    if (cell.item) {
+        cell.item->setImages(images);
+    } else {
+        cell.embedded->setIcon(iconOf(images));
+        cell.embedded->show();
+    }
+}
+
+void TrayStatusItem::setToolTip(const Cell& cell) const {
+    if (cell.item) {
+        cell.item->setToolTip(m_toolTip);
+    } else {
+        cell.embedded->setToolTip(m_toolTip);
+    }
+}
+
+/// One after the other: each has a connection of its own, and the bus keeps no order between connections.
+void TrayStatusItem::enrollNext() {
+    if (m_isEnrolling || m_enrolled >= m_cells.size() || !m_cells[m_enrolled].item) {
+        return;
+    }
+    m_isEnrolling = true;
+    auto* const pending = new QDBusPendingCallWatcher(m_cells[m_enrolled++].item->enroll(), this);
+    connect(pending, &QDBusPendingCallWatcher::finished, this, [this, pending] {
+        pending->deleteLater();
+        m_isEnrolling = false;
+        enrollNext();
+    });
+}
+
+std::unique_ptr<StatusItem> StatusItem::system(QMenu& menu) {
+    return std::make_unique<TrayStatusItem>(menu);
+}
+
+bool StatusItem::hasCells() {
+    return true;
+}
+
+}  // namespace vorn

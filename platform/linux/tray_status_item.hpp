@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QMenu>
+#include <QSystemTrayIcon>
+#include <memory>
+#include <vector>
+
+#include "platform/linux/notifier_item.hpp"
+#include "platform/linux/tray_host.hpp"
+#include "platform/linux/tray_menu.hpp"
+#include "platform/status_item.hpp"
+
+namespace vorn {
+
+/// The status item as one tray cell per image. Hosts order cells by when they came, and later by their ids; so a part
+/// that appears in the middle must not be a cell that appears in the middle. The cells stay where they are, what they
+/// show moves on, and only the one that came last goes.
+class TrayStatusItem : public StatusItem {
+    Q_OBJECT
+
+public:
+    explicit TrayStatusItem(QMenu& menu);
+
+    void show(StatusContent content) override;
+    [[nodiscard]] bool hasHost() const override { return m_host.isShown(); }
+    [[nodiscard]] std::optional<QRect> geometry() const override;
+
+private:
+    /// What a cell shows, in the sizes that hosts ask for.
+    using Images = std::vector<QImage>;
+    /// One of the two, as the host has it.
+    struct Cell {
+        std::unique_ptr<NotifierItem> item;
+        std::unique_ptr<QSystemTrayIcon> embedded;
+        Images shown;
+    };
+
+    void rebuild();
+    void update();
+    void addCell();
+    void draw(Cell& cell, const Images& images);
+    void setToolTip(const Cell& cell) const;
+    void enrollNext();
+
+    QMenu& m_menu;
+    TrayMenu m_trayMenu;
+    TrayHost m_host;
+    std::vector<Images> m_images;  ///< Left to right.
+    QString m_toolTip;
+    std::vector<Cell> m_cells;   ///< As they came.
+    std::size_t m_enrolled = 0;  ///< How many of them the host was told of.
+    bool m_isEnrolling = false;
+};
+
+}  // namespace vorn

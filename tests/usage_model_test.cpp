@@ -1,4 +1,568 @@
 #include "app/model/usage_model.hpp"
 
+#include <array>
+#include <chrono>
+#include <filesystem>
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
-TEST(UsageModel, x) {}
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "app/model/background_activity.hpp"
+#include "app/model/background_probe.hpp"
+#include "app/model/model_parts.hpp"
+#include "core/data/vorn_paths.hpp"
+#include "tests/support/child_watch.hpp"
+#include "tests/support/model_world.hpp"
+#include "tests/support/readings.hpp"
+
+namespace vorn {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+using test::kNow;
+using test::waitFor;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using Phase = UsageModel::Phase;
+using Scope = PlannedReset::Scope;
+
+UsageCommandParser::Result answer(std::vector<UsageWindow> windows) {
+    return {.windows = std::move(windows), .insights = {}};
+}
+
+class UsageModelTest : public testing::Test, public test::ModelWorld {
+protected:
+    UsageModelTest() : ModelWorld(kNow) {}
+
+    /// A session that has an hour to go from `kNow` on, as it is read now.
+    [[nodiscard]] UsageWindow session(double usedPercent) const {
+        return {WindowKind::session(), usedPercent, kNow + 1h, now};
+    }
+    void clientSays(double sessionPercent) {
+        client = [this, sessionPercent] {
+            return answer({session(sessionPercent)});
+        };
+    }
+    void clientFails(const char* message) {
+        client = [message] {
+            return ProbeSource::Answer(message);
+        };
+    }
+    void relayWrites(double sessionPercent, Instant at) {
+        ++snapshotVersion;
+        snapshot = StatusLineSnapshot{.observedAt = at, .rateLimits = {.fiveHour = {{sessionPercent, kNow + 1h}}}};
+    }
+    [[nodiscard]] double used() const {
+        return model->session() != nullptr ? model->session()->window.usedPercent : -1;
+    }
+    /// Until the files say what the model knows.
+    void settle() { model->shutDown(), model->start(); }
+};
+
+TEST_F(UsageModelTest, IsFailedUntilTheFirstReading) {
+    clientFails("no claude");
+    start();
+    EXPECT_EQ(model->phase(), (Phase{Phase::Kind::failed, "no claude"}));
+    EXPECT_EQ(model->lastProbeError(), "no claude");
+    EXPECT_EQ(model->lastProbeAt(), now);
+
+    relayWrites(40, now);
+    pass(5s);
+    EXPECT_EQ(model->phase(), Phase{Phase::Kind::ready});
+    EXPECT_EQ(used(), 40);
+    EXPECT_EQ(model->lastStatusLineAt(), kNow);
+    model->probe();
+    EXPECT_EQ(model->phase(), Phase{Phase::Kind::ready});
+    EXPECT_EQ(model->lastProbeError(), "no claude");
+
+    clientSays(41);
+    model->probe();
+    EXPECT_EQ(model->lastProbeError(), std::nullopt);
+    EXPECT_EQ(used(), 41);
+}
+
+TEST_F(UsageModelTest, ParsesASnapshotOnceAndAtMostOnceATick) {
+    start();
+    relayWrites(10, now);
+    pass(60s);
+    EXPECT_EQ(snapshotReads, 1);
+
+    snapshot.reset();  // not to be understood
+    ++snapshotVersion;
+    pass(60s);
+    EXPECT_EQ(snapshotReads, 2);
+
+    for (int i = 0; i < 250; ++i) {
+        relayWrites(11 + i / 25.0, now);
+    }
+    pass(5s);
+    EXPECT_EQ(snapshotReads, 3);
+    EXPECT_NEAR(used(), 21, 0.1);
+
+    // From before the clock was set back: it would seem newer than everything that comes.
+    relayWrites(90, now + 1h);
+    pass(5s);
+    EXPECT_NEAR(used(), 21, 0.1);
+    EXPECT_LE(model->lastStatusLineAt(), now);
+}
+
+TEST_F(UsageModelTest, KeepsTheBreakdownThatAnAnswerDoesNotHave) {
+    start();
+    const UsageInsights insights{.periods = {{.label = "Last 24h"}}, .observedAt = now};
+    client = [&] {
+        return UsageCommandParser::Result{.windows = {session(3)}, .insights = insights};
+    };
+    unansweredProbe(client());
+    EXPECT_EQ(model->insights(), insights);
+    clientSays(4);
+    model->probe();
+    EXPECT_EQ(model->insights(), insights);
+}
+
+TEST_F(UsageModelTest, NeverAsksTwiceAtOnce) {
+    start();
+    EXPECT_TRUE(model->isProbing());
+    model->probe();
+    model->refreshIfStale();
+    model->redeemReset(Scope::all);
+    pass(1h);  // the client hangs: everything else goes on
+    EXPECT_EQ(probes.size(), 1U);
+    EXPECT_EQ(model->now(), now);
+    EXPECT_GT(scans.size(), 100U);
+    unansweredProbe(answer({session(7)}));
+    EXPECT_FALSE(model->isProbing());
+    EXPECT_EQ(model->lastProbeAt(), now);
+
+    clientSays(8);
+    const struct {
+        Seconds sinceProbe;
+        Seconds sinceSnapshot;
+        bool asks;
+    } cases[] = {{60s, 1h, false}, {61s, 1h, true}, {61s, 60s, false}, {2min, 61s, true}};
+    for (const auto& c : cases) {
+        model->probe();
+        now += c.sinceProbe;
+        relayWrites(8, now - c.sinceSnapshot);
+        tick();
+        const auto before = probes.size();
+        model->refreshIfStale();
+        EXPECT_EQ(probes.size() - before, c.asks ? 1U : 0U) << c.sinceProbe.count();
+    }
+}
+
+TEST_F(UsageModelTest, GoesOnWhileAScanHangs) {
+    transcripts = nullptr;
+    relayWrites(10, now);
+    start();
+    relayWrites(20, now + 40s);
+    pass(10min);
+    EXPECT_EQ(scans.size(), 1U);
+    EXPECT_EQ(used(), 20);
+    EXPECT_THAT(model->activity().events(), IsEmpty());
+
+    unansweredScan(test::activity({{-5min, 600}}));
+    EXPECT_EQ(model->activity().events().size(), 1U);
+    EXPECT_EQ(model->rateActivity(), &model->activity());
+    pass(5s);
+    EXPECT_EQ(scans.size(), 2U);
+}
+
+TEST_F(UsageModelTest, LeavesTheTranscriptsAloneWhenToldTo) {
+    preferences.setUseLocalActivity(false);
+    transcripts = [] {
+        return test::activity({{-5min, 600}});
+    };
+    start();
+    pass(10min);
+    EXPECT_EQ(scans.size(), 1U);  // the first comes in any case
+    EXPECT_EQ(model->rateActivity(), nullptr);
+    preferences.setUseLocalActivity(true);
+    pass(5s);
+    EXPECT_EQ(scans.size(), 2U);
+    EXPECT_NE(model->rateActivity(), nullptr);
+}
+
+TEST_F(UsageModelTest, NotifiesOfWhatChangedAndOfNothingElse) {
+    clientSays(12);
+    start();
+    std::vector<const char*> heard;
+    const auto listen = [&](auto signal, const char* name) {
+        QObject::connect(model.get(), signal, [&heard, name] { heard.push_back(name); });
+    };
+    listen(&UsageModel::phaseChanged, "phase");
+    listen(&UsageModel::historyChanged, "history");
+    listen(&UsageModel::resetPlanChanged, "plan");
+    listen(&UsageModel::lastProbeErrorChanged, "error");
+    listen(&UsageModel::sessionWeekRatioChanged, "ratio");
+    listen(&UsageModel::activityChanged, "activity");
+    listen(&UsageModel::insightsChanged, "insights");
+    listen(&UsageModel::isProbingChanged, "probing");
+    listen(&UsageModel::changed, "changed");
+    pass(30s);
+    model->setBankedResets(0);
+    model->removePlannedReset("none");
+    EXPECT_THAT(heard, ElementsAre("changed", "changed", "changed"));
+    heard.clear();
+    clientSays(13);
+    now += 1s;
+    model->probe();
+    EXPECT_THAT(heard, ElementsAre("probing", "history", "changed", "probing"));
+}
+
+// ---- The reset plan ----
+
+const PlannedReset kSoon{.id = "6F9619FF-8B86-D011-B42D-00CF4FC964FF", .date = kNow + 30min, .scope = Scope::all};
+const PlannedReset kOther{.id = "00000000-8B86-D011-B42D-00CF4FC964FF", .date = kNow + 40min, .scope = Scope::week};
+
+TEST_F(UsageModelTest, EditsThePlanThatAnotherProgramEditsToo) {
+    clientSays(10);
+    start();
+    model->addPlannedReset(kSoon);
+    EXPECT_EQ(plan.load().planned, std::vector{kSoon});
+    EXPECT_EQ(model->session()->plannedResetAt, kSoon.date);
+
+    plan.edit([](ResetPlan& stored) {
+        stored.planned.push_back(kOther);
+        stored.banked = 1;
+    });
+    model->removePlannedReset(kSoon.id);  // knows of the other at once
+    EXPECT_THAT(model->resetPlan().planned, ElementsAre(kOther));
+    plan.edit([](ResetPlan& stored) { stored.banked = 2; });
+    pass(5s);
+    EXPECT_EQ(model->resetPlan().banked, 2);
+
+    model->redeemReset(Scope::session);
+    model->redeemReset(Scope::session);
+    model->redeemReset(Scope::session);
+    EXPECT_EQ(model->resetPlan(), (ResetPlan{.planned = {kOther}, .banked = 0}));
+    EXPECT_EQ(plan.load(), model->resetPlan());
+}
+
+TEST_F(UsageModelTest, BelievesTheFallAfterARedemption) {
+    const std::array<std::function<void()>, 2> redemptions{[&] { model->redeemReset(Scope::all); },
+                                                           [&] {
+                                                               model->redeemedElsewhere(Scope::session);
+                                                           }};
+    for (const auto& redeem : redemptions) {
+        clientSays(80);
+        revive();
+        start();
+        client = nullptr;
+        now += 10s;
+        redeem();
+        EXPECT_TRUE(model->isProbing());
+        waitFor([&] { return record.load().expectedResets.contains(WindowKind::session()); });
+        unansweredProbe(answer({session(5)}));
+        EXPECT_EQ(used(), 5);
+        waitFor([&] { return record.load().expectedResets.empty(); });
+        now += 10s;
+    }
+    // Unannounced it takes a second reading.
+    clientSays(80);
+    model->probe();
+    now += 10s;
+    clientSays(5);
+    model->probe();
+    EXPECT_EQ(used(), 80);
+}
+
+TEST_F(UsageModelTest, KeepsAPlanThatCannotBeSaved) {
+    clientSays(10);
+    start();
+    model->addPlannedReset(kSoon);
+    fs::create_directory(directory / "away");
+    fs::rename(directory / "reset-plan.json", directory / "away/plan");
+    fs::create_directories(directory / "reset-plan.json/in the way");
+    pass(5s);
+    model->addPlannedReset(kOther);
+    EXPECT_THAT(model->resetPlan().planned, testing::Contains(kOther));
+    EXPECT_THAT(model->storageProblem().value_or(""), HasSubstr("reset plan"));
+    pass(30s);
+    EXPECT_THAT(model->resetPlan().planned, testing::Contains(kOther));
+
+    fs::remove_all(directory / "reset-plan.json");
+    fs::rename(directory / "away/plan", directory / "reset-plan.json");
+    pass(35s);
+    EXPECT_EQ(model->storageProblem(), std::nullopt);
+    EXPECT_THAT(plan.load().planned, ElementsAre(kSoon, kOther));
+    EXPECT_EQ(model->resetPlan(), plan.load());
+}
+
+// ---- What the terminal remembered ----
+
+TEST_F(UsageModelTest, GoesOnWithTheFailuresOfOtherPrograms) {
+    ASSERT_TRUE(record.save({.lastProbeAt = now - 1min, .consecutiveFailures = 2, .lastError = "offline"}));
+    client = nullptr;
+    start();
+    EXPECT_EQ(model->lastProbeError(), "offline");
+    EXPECT_EQ(model->lastProbeAt(), now - 1min);
+    unansweredProbe("still offline");  // the first is sent in any case
+    probes.clear();
+    pass(41min);
+    EXPECT_THAT(probes, ElementsAre(kNow + 40min));
+
+    // Somebody else got an answer: no need to ask for it.
+    unansweredProbe("offline again");
+    waitFor([&] { return record.load().consecutiveFailures == 4; });
+    pass(1min);
+    ASSERT_TRUE(record.save({.lastProbeAt = now, .readings = {session(33)}}));
+    probes.clear();
+    waitFor([&] { return pass(5s), model->lastProbeError() == std::nullopt; });
+    EXPECT_EQ(used(), 33);
+    EXPECT_EQ(model->phase().kind, Phase::Kind::ready);
+    EXPECT_THAT(probes, IsEmpty());
+}
+
+TEST_F(UsageModelTest, CountsAFallThatAnotherProgramSaw) {
+    {
+        HistoryStore store(directory / "history.jsonl");
+        store.record(std::vector{session(70)}, now);
+    }
+    now += 2min;
+    ASSERT_TRUE(record.save({.lastProbeAt = now, .readings = {session(9)}}));
+    now += 2min;
+    client = nullptr;
+    start();
+    EXPECT_EQ(used(), 70);
+    unansweredProbe(answer({session(9)}));
+    EXPECT_EQ(used(), 9);
+}
+
+TEST_F(UsageModelTest, WritesNothingWhenNothingChanged) {
+    clientSays(10);
+    start();
+    model->shutDown();
+    model->start();
+    pass(9min);  // before the heartbeat
+    model->shutDown();
+    const auto history = fileStamp(directory / "history.jsonl");
+    const auto probing = fileStamp(directory / "probe.json");
+    ASSERT_TRUE(history && probing);
+    QCoreApplication::processEvents();
+    model->start();
+    clientSays(10);
+    model->probe();
+    model->shutDown();
+    EXPECT_EQ(fileStamp(directory / "history.jsonl"), history);
+    EXPECT_EQ(fileStamp(directory / "probe.json"), probing);
+    EXPECT_FALSE(fs::exists(directory / "reset-plan.json"));
+}
+
+// ---- Bad worlds ----
+
+TEST_F(UsageModelTest, MovesAgainAfterTheClockWasSetBack) {
+    clientSays(10);
+    start();
+    relayWrites(11, now);
+    pass(20min);
+    now -= 24h;
+    probes.clear();
+    scans.clear();
+    clientSays(12);
+    tick();
+    EXPECT_THAT(probes, ElementsAre(now));
+    EXPECT_THAT(scans, ElementsAre(now));
+    EXPECT_EQ(used(), 12);
+    EXPECT_EQ(model->now(), now);
+    relayWrites(13, now + 5s);
+    pass(5s);
+    EXPECT_EQ(used(), 13);
+    EXPECT_EQ(model->history().back().usedPercent, 13);
+    EXPECT_EQ(model->history().back().observedAt, now);
+    clientSays(14);
+    pass(5min);
+    EXPECT_EQ(probes.size(), 2U);
+    EXPECT_EQ(used(), 14);
+
+    // The same for a run that begins after it.
+    clientSays(15);
+    revive();
+    start();
+    EXPECT_EQ(used(), 15);
+    EXPECT_EQ(model->history().back().usedPercent, 15);
+}
+
+TEST_F(UsageModelTest, TellsThatTheHistoryCannotBeSaved) {
+    fs::create_directories(directory / "history.jsonl/in the way");
+    clientSays(10);
+    start();
+    waitFor([&] { return model->storageProblem().has_value(); });
+    EXPECT_EQ(model->history().size(), 1U);
+    EXPECT_EQ(used(), 10);
+    fs::remove_all(directory / "history.jsonl");
+    clientSays(11);
+    pass(5min);
+    waitFor([&] { return !model->storageProblem().has_value(); });
+    revive();
+    start();
+    EXPECT_EQ(model->history().size(), 2U);
+}
+
+TEST_F(UsageModelTest, ReadsAndWritesNothingInADemonstration) {
+    const auto demo = demo::makeDemo(demo::Scenario::atRisk, now);
+    model->startDemo(demo);
+    EXPECT_TRUE(model->isDemo());
+    EXPECT_EQ(model->phase().kind, Phase::Kind::ready);
+    EXPECT_EQ(model->assessments().size(), demo.windows.size());
+    EXPECT_EQ(model->history(), demo.history);
+    EXPECT_EQ(model->resetPlan(), demo.plan);
+    EXPECT_EQ(model->rateActivity(), nullptr);
+    now += 1h;
+    model->probe();
+    model->refreshIfStale();
+    model->addPlannedReset(kOther);
+    model->redeemReset(Scope::all);
+    model->redeemedElsewhere(Scope::all);
+    model->recompute();
+    model->shutDown();
+    EXPECT_THAT(model->resetPlan().planned, testing::Contains(kOther));
+    EXPECT_EQ(probes.size() + scans.size(), 0U);
+    EXPECT_EQ(tick, nullptr);
+    EXPECT_TRUE(fs::is_empty(directory.path()) || !fs::exists(directory / "reset-plan.json"));
+    EXPECT_FALSE(fs::exists(directory / "probe.json"));
+    EXPECT_FALSE(fs::exists(directory / "history.jsonl"));
+}
+
+TEST_F(UsageModelTest, TurnsIntoADemonstrationWhileAskingTheClient) {
+    transcripts = nullptr;
+    model->start();
+    model->startDemo(demo::makeDemo(demo::Scenario::limited, now));
+    const auto assessments = model->assessments();
+    unansweredProbe(answer({session(1)}));
+    unansweredScan(test::activity({{-5min, 600}}));
+    model->shutDown();
+    QCoreApplication::processEvents();
+    model->recompute();
+    EXPECT_EQ(model->assessments(), assessments);
+}
+
+// ---- The real sources ----
+
+constexpr const char* kEndlessClient = "echo $$ >> \"$(dirname \"$0\")/pids\"; trap '' TERM; sleep 60 & wait; sleep 60";
+
+/// Milliseconds that it took.
+double timed(const std::function<void()>& action) {
+    const auto start = std::chrono::steady_clock::now();
+    action();
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+}
+
+class RealSources : public testing::Test {
+protected:
+    RealSources() {
+        test::application();
+        VornPaths::setRootOverride(m_directory / "home");
+    }
+    ~RealSources() override { VornPaths::setRootOverride({}); }
+
+    /// Whether the endless client runs.
+    [[nodiscard]] bool hasBegun() const {
+        std::error_code notYet;
+        return fs::file_size(m_directory / "pids", notYet) > 0 && !notYet;
+    }
+
+    test::TemporaryDirectory m_directory;
+    const std::string m_client = m_directory.executable("endless", kEndlessClient).string();
+    const test::ScopedEnvironment m_claude{"CLAUDE_CONFIG_DIR", (m_directory / "claude").c_str()};
+    Preferences m_preferences{
+        std::make_unique<QSettings>(QString::fromStdString(m_directory / "preferences.ini"), QSettings::IniFormat)};
+};
+
+TEST_F(RealSources, ReadTheClientAndTheTranscripts) {
+    const auto reply = [](const char* id) {
+        return R"({"type":"assistant","timestamp":")" + formatIso8601Milliseconds(systemNow()) + R"(","requestId":")" +
+               id + R"(","cwd":"/p","message":{"id":")" + id +
+               R"(","model":"claude-sonnet-4","usage":{"input_tokens":5,"output_tokens":7}}})"
+               "\n";
+    };
+    m_directory.write("claude/projects/p/s.jsonl", reply("one") + reply("two"));
+    const auto claude =
+        m_directory.executable("client", R"(echo '{"is_error":false,"result":"Current session: 42% used"}')");
+    m_preferences.setClaudePathOverride(QString::fromStdString(claude));
+    UsageModel model(m_preferences, makeModelParts());
+    model.start();
+    waitFor([&] { return !model.isProbing() && model.activity().events().size() == 2 && model.isHistoryLoaded(); });
+    EXPECT_EQ(model.lastProbeError(), std::nullopt);
+    ASSERT_NE(model.session(), nullptr);
+    EXPECT_EQ(model.session()->window.usedPercent, 42);
+    model.shutDown();
+    EXPECT_EQ(HistoryStore(VornPaths::history()).all().size(), 1U);
+
+    fs::remove(claude);  // uninstalled
+    model.probe();
+    waitFor([&] { return model.lastProbeError().has_value(); });
+    EXPECT_EQ(model.phase().kind, Phase::Kind::ready);
+}
+
+TEST_F(RealSources, LeaveNoClientBehindWhenTheProcessEnds) {
+    const test::ChildWatch watch(m_directory / "pids");
+    {
+        BackgroundProbe probe;
+        probe.run(m_client, [](const auto&) { ADD_FAILURE() << "an answer to nobody"; });
+        waitFor([&] { return hasBegun(); });
+        // It does not heed the request to terminate.
+        EXPECT_LT(timed([&] { probe.shutDown(20s); }), 2000);
+    }
+    watch.expectNothingLeft();
+    QCoreApplication::processEvents();
+}
+
+TEST_F(RealSources, AreDestroyedAtOnceWhileTheyWork) {
+    m_preferences.setClaudePathOverride(QString::fromStdString(m_client));
+    auto model = std::make_unique<UsageModel>(m_preferences, makeModelParts());
+    QObject::connect(model.get(), &UsageModel::lastProbeAtChanged, [] { ADD_FAILURE() << "an answer to nobody"; });
+    model->start();
+    waitFor([&] { return hasBegun(); });
+    EXPECT_LT(timed([&] { model.reset(); }), 500);
+    // The thread goes its way; the client does not survive.
+    waitFor([&] { return ::kill(std::stoi(test::readAll(m_directory / "pids")), 0) != 0; });
+
+    auto activity = std::make_unique<BackgroundActivity>(m_directory / "nothing");
+    activity->scan(systemNow(), [](const auto&) { ADD_FAILURE() << "an answer to nobody"; });
+    EXPECT_LT(timed([&] { activity.reset(); }), 500);
+    QCoreApplication::processEvents();
+}
+
+TEST(BackgroundQueue, LeavesAReaderThatHangsToItself) {
+    test::application();
+    std::array<int, 2> pipe{};
+    ASSERT_EQ(::pipe(pipe.data()), 0);
+    std::vector<int> order;
+    auto queue = std::make_unique<BackgroundQueue>(BackgroundQueue::Priority::low);
+    const auto answering = [&](int number) {
+        return [&order, number] {
+            return [&order, number] {
+                order.push_back(number);
+            };
+        };
+    };
+    ASSERT_TRUE(queue->run(answering(1)));
+    ASSERT_TRUE(queue->run(answering(2)));
+    waitFor([&] { return order.size() == 2; });
+    EXPECT_THAT(order, ElementsAre(1, 2));
+
+    const auto hasEnded = std::make_shared<std::atomic<bool>>(false);
+    ASSERT_TRUE(queue->run([descriptor = pipe[0], hasEnded]() -> BackgroundQueue::Answer {
+        char byte = 0;
+        const bool isRead = ::read(descriptor, &byte, 1) == 1;
+        *hasEnded = isRead;
+        return [] {
+            ADD_FAILURE() << "an answer to nobody";
+        };
+    }));
+    EXPECT_FALSE(queue->waitForJobs(10ms));
+    EXPECT_LT(timed([&] { queue.reset(); }), 100);
+    ASSERT_EQ(::write(pipe[1], "", 1), 1);
+    waitFor([&] { return hasEnded->load(); });
+    QCoreApplication::processEvents();
+    ::close(pipe[0]);
+    ::close(pipe[1]);
+}
+
+}  // namespace
+}  // namespace vorn

@@ -11,7 +11,7 @@ namespace vorn {
 namespace {
 
 /// Between asking a client to terminate and killing it, when nobody wants its answer any more.
-constexpr std::chrono::milliseconds kGrace{100};
+constexpr std::chrono::milliseconds kGrace{50};
 
 /// Everything in here may take long: the search path may lead to a network drive.
 ProbeSource::Answer ask(const std::string& overridePath, const Cancellation& cancellation) {

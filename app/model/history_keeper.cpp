@@ -25,9 +25,11 @@ void HistoryKeeper::load(std::function<void()> done) {
         return;
     }
     const auto finish = [this, done](const std::shared_ptr<Content>& content) {
-        m_isLoaded = true;
-        take(std::move(*content));
-        done();
+        if (!m_isDetached) {
+            m_isLoaded = true;
+            take(std::move(*content));
+            done();
+        }
     };
     const bool isRunning = m_disk.run([store = m_store, finish] {
         const auto content = std::make_shared<Content>(read(*store));
@@ -46,8 +48,9 @@ void HistoryKeeper::take(Content content) {
 }
 
 void HistoryKeeper::replace(std::vector<HistorySample> samples) {
-    m_samples = std::move(samples);
-    m_index = HistoryIndex(m_samples);
+    m_isDetached = true;
+    take({.samples = std::move(samples), .index = {}});
+    m_index.update(m_samples);
 }
 
 bool HistoryKeeper::add(std::span<const UsageWindow> windows, Instant now, HistoryStore::Stored stored) {
@@ -79,9 +82,9 @@ void HistoryKeeper::flush(Instant now) {
 
 void HistoryKeeper::finishFlush(HistoryStore::Flushed flushed) {
     m_isUnsaved = !flushed.isSaved;
-    if (flushed.isRewritten) {
-        // About once a day, and then a short history: nothing that was older is left.
-        replace(m_store->all());
+    if (flushed.isRewritten && !m_isDetached) {
+        // About once a day, and then a short history: what was too old is gone.
+        take(read(*m_store));
     }
     if (onFlushed) {
         onFlushed(flushed.isRewritten);

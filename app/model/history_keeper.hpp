@@ -54,6 +54,7 @@ private:
     /// Whether a write waits for its turn; shared with the job that it is.
     const std::shared_ptr<std::atomic<bool>> m_isFlushQueued = std::make_shared<std::atomic<bool>>(false);
     bool m_isUnsaved = false;
+    bool m_isDetached = false;  ///< From file and store.
 };
 
 }  // namespace vorn

@@ -76,7 +76,12 @@ std::optional<ProbeMemory::News> ProbeMemory::read() {
 }
 
 ProbeMemory::News ProbeMemory::newsIn(ProbeRecord record) {
-    News news{.record = record, .announced = without(record.expectedResets, m_seen.expectedResets)};
+    News news{.record = record, .announced = without(record.expectedResets, m_announced)};
+    // While another save is under way, the file is about to have what that one brings too.
+    if (m_saves == 0) {
+        m_announced.clear();
+    }
+    m_announced.insert(record.expectedResets.begin(), record.expectedResets.end());
     m_seen = std::move(record);
     return news;
 }
@@ -85,7 +90,7 @@ void ProbeMemory::save(ProbeRecord mine) {
     if (m_saves == 0 && repeats(mine, m_seen)) {
         return;
     }
-    m_seen.expectedResets.insert(mine.expectedResets.begin(), mine.expectedResets.end());  // no news to us
+    m_announced.insert(mine.expectedResets.begin(), mine.expectedResets.end());  // no news to us
     {
         const std::lock_guard lock(m_shared->mutex);
         m_shared->wanted = std::move(mine);

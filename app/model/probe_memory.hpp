@@ -44,6 +44,7 @@ private:
     bool m_isRead = false;
     std::optional<FileStamp> m_stamp;  ///< Of the file as it was last seen.
     ProbeRecord m_seen;                ///< What it held.
+    std::set<WindowKind> m_announced;  ///< Resets that are no news when the file has them.
     int m_saves = 0;                   ///< Jobs that have not answered yet.
 };
 

@@ -65,11 +65,12 @@ void UsageModel::start() {
 }
 
 void UsageModel::shutDown() {
-    if (m_isDemo) {
-        return;
+    if (m_ticker) {
+        m_ticker->stop();
     }
-    m_ticker->stop();
-    m_probe->shutDown(shutdownPatience);
+    if (m_probe) {
+        m_probe->shutDown(shutdownPatience);
+    }
     static_cast<void>(m_disk.waitForJobs(shutdownPatience));
 }
 

@@ -6,7 +6,7 @@
 #include <climits>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
+#include <unistd.h>
 
 #include "app/model/choices_file.hpp"
 #include "tests/support/temporary_directory.hpp"
@@ -214,6 +214,31 @@ TEST_F(PreferencesTest, ActsInMemoryWhileTheStoreCannotBeWritten) {
     blocked->setRefreshMinutes(30);
     EXPECT_THAT(blocked->storeProblem().toStdString(), HasSubstr("cannot be saved"));
     EXPECT_EQ(blocked->refreshMinutes(), 30);
+}
+
+TEST_F(PreferencesTest, SaysSoBeforeAnythingChangesInAReadOnlyStore) {
+    const std::string content = "[General]\nrefreshMinutes=7\n";
+    const fs::path file = m_dir.write("Vorn.conf", content);
+    const bool isRoot = ::geteuid() == 0;  // whom nothing is read-only to
+    fs::permissions(file, fs::perms(0444));
+    fs::permissions(m_dir.path(), fs::perms(0555));
+    if (isRoot) {
+        ASSERT_EQ(::seteuid(65534), 0);
+    }
+    m_file = file;
+    {
+        const auto preferences = open();
+        EXPECT_THAT(preferences->storeProblem().toStdString(), HasSubstr(file.string() + " is read-only. "));
+        EXPECT_EQ(preferences->refreshMinutes(), 7);
+        preferences->setRefreshMinutes(8);
+        EXPECT_THAT(preferences->storeProblem().toStdString(), HasSubstr("cannot be saved to "));
+        EXPECT_EQ(preferences->refreshMinutes(), 8);
+    }
+    if (isRoot) {
+        ASSERT_EQ(::seteuid(0), 0);
+    }
+    fs::permissions(m_dir.path(), fs::perms(0700));
+    EXPECT_EQ(readAll(file), content);
 }
 
 TEST_F(PreferencesTest, KeepsACopyOfADamagedFile) {

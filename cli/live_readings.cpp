@@ -41,7 +41,7 @@ public:
     void gather() {
         m_samples = m_history.all();
         m_state.merge(newestCurrent(m_samples, now()));
-        m_state.merge(believable(m_record.readings));
+        m_state.merge(believable(m_record.readings, now()));
         // Announced after that answer was judged, so the next one is meant.
         m_state.expectReset(std::vector(m_announced.begin(), m_announced.end()));
         m_state.setInsights(loadBreakdown(now()));
@@ -136,22 +136,10 @@ private:
     [[nodiscard]] Instant now() const { return m_request.now.value_or(systemNow()); }
     [[nodiscard]] bool mayWrite() const { return !m_request.now; }
 
-    /// What of an earlier answer can still be true: nothing of a clock that was ahead, and a window that is over only
-    /// while another is not, so that a session does not vanish at its reset but stands at nothing used.
-    [[nodiscard]] std::vector<UsageWindow> believable(const std::vector<UsageWindow>& readings) const {
-        std::vector<UsageWindow> answer;
-        std::ranges::copy_if(readings, std::back_inserter(answer), [this](const UsageWindow& reading) {
-            return reading.observedAt <= now() && now() - reading.observedAt < reading.kind.length();
-        });
-        const bool isOver =
-            std::ranges::all_of(answer, [this](const UsageWindow& reading) { return reading.hasReset(now()); });
-        return isOver ? std::vector<UsageWindow>() : answer;
-    }
-
     /// What the relay left, unless something newer is known.
     void takeSnapshot() {
         const auto snapshot = StatusLineSnapshot::read(VornPaths::statusLineSnapshot());
-        const auto incoming = snapshot ? believable(snapshot->windows()) : std::vector<UsageWindow>();
+        const auto incoming = snapshot ? believable(snapshot->windows(), now()) : std::vector<UsageWindow>();
         m_state.merge(incoming);
         std::vector<UsageWindow> believed;
         for (const UsageWindow& reading : incoming) {

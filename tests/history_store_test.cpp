@@ -153,6 +153,48 @@ TEST(HistoryStore, PrunesOnceADayAndKeepsWhatOthersWrote) {
     EXPECT_TRUE(fs::exists(dir / "elsewhere/real.backup"));
 }
 
+TEST(HistoryStore, AddsWithoutWaitingForTheFile) {
+    const TemporaryDirectory dir;
+    HistoryStore store(dir / "h", HistoryStore::defaultRetention, HistoryStore::defaultHeartbeat, kLongPatience);
+    recordOne(store, reading(1, kNow - 10 * 24h));
+    for (const double used : {2, 4}) {  // the first write prunes, the second appends
+        const Instant now = kNow + Seconds{used};
+        auto lock = FileLock::acquire(dir / "h.lock", kLongPatience);
+        EXPECT_THAT(store.add(std::vector{reading(used, now)}, now), SizeIs(1));
+        std::thread writer([&] { EXPECT_TRUE(store.flush(now).isSaved); });
+        const Instant later = now + 1s;
+        const auto start = steady_clock::now();
+        EXPECT_THAT(store.add(std::vector{reading(used + 1, later)}, later), SizeIs(1));
+        EXPECT_LT(steady_clock::now() - start, kLongPatience / 4);
+        lock.reset();
+        writer.join();
+        EXPECT_TRUE(store.flush(later).isSaved);
+        EXPECT_EQ(HistoryStore(dir / "h").all(), store.all());
+    }
+    EXPECT_THAT(store.all(), SizeIs(4));
+
+    // What another process has written already is not written again.
+    store.add(std::vector{reading(6, kNow + 10s)}, kNow + 10s, HistoryStore::Stored::byAnotherProcess);
+    store.flush(kNow + 10s);
+    EXPECT_THAT(store.all(), SizeIs(5));
+    EXPECT_THAT(HistoryStore(dir / "h").all(), SizeIs(4));
+}
+
+TEST(HistoryStore, RecordsOnAfterTheClockWasSetBack) {
+    const TemporaryDirectory dir;
+    HistoryStore store(dir / "h");
+    recordOne(store, reading(20, kNow + 24h));
+    for (int again = 0; again < 2; ++again) {
+        for (const double used : {21, 22, 22}) {
+            recordOne(store, reading(used, kNow + Seconds{used}));
+        }
+        EXPECT_THAT(store.all(), SizeIs(3));
+    }
+    HistoryStore reloaded(dir / "h");
+    recordOne(reloaded, reading(23, kNow + 1min));
+    EXPECT_THAT(reloaded.all(), SizeIs(4));
+}
+
 TEST(HistoryStore, AFullDiskLosesNothingAndATornLineOnlyItself) {
     const TemporaryDirectory dir;
     const std::string before = R"({"k":"session","u":1)";

@@ -10,6 +10,9 @@
 namespace vorn {
 namespace {
 
+/// For another program that is editing; only a background thread waits.
+constexpr std::chrono::milliseconds kPatience{2000};
+
 std::set<WindowKind> without(const std::set<WindowKind>& kinds, const std::set<WindowKind>& others) {
     std::set<WindowKind> rest;
     std::ranges::set_difference(kinds, others, std::inserter(rest, rest.end()));
@@ -35,6 +38,15 @@ ProbeRecord merged(ProbeRecord mine, ProbeRecord stored, const ProbeRecord& seen
     ProbeRecord result = isNewer ? std::move(stored) : std::move(mine);
     result.expectedResets = std::move(expected);
     return result;
+}
+
+/// The record as it is now; what could not be written holds until this process ends.
+ProbeRecord storeRecord(const ProbeRecordStore& store, const ProbeRecord& mine, const ProbeRecord& seen) {
+    try {
+        return store.edit([&](ProbeRecord& stored) { stored = merged(mine, std::move(stored), seen); }, kPatience);
+    } catch (const std::filesystem::filesystem_error&) {
+        return merged(mine, store.load(), seen);
+    }
 }
 
 }  // namespace
@@ -98,8 +110,7 @@ void ProbeMemory::save(ProbeRecord mine) {
     const bool isRunning = m_disk.run([this, store = m_store, shared = m_shared] {
         std::optional<ProbeRecord> record;
         if (auto work = shared->take()) {
-            record = merged(std::move(work->first), store.load(), work->second);
-            static_cast<void>(store.save(*record));
+            record = storeRecord(store, work->first, work->second);
             shared->saw(*record);
         }
         return [this, record] {

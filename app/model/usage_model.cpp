@@ -92,22 +92,26 @@ void UsageModel::tick() {
     }
 }
 
-bool UsageModel::hasPassed(Instant since, Seconds span) const {
-    return m_now - since >= span || since > m_now + kClockSlack;
+/// A time stamp from before the clock was set back must not hold anything up until the clock has caught up.
+bool UsageModel::isAhead(Instant stamp) const {
+    return stamp > m_now + kClockSlack;
 }
 
 bool UsageModel::isProbeDue() const {
+    if (m_isProbing) {
+        return false;
+    }
     const Seconds refresh = std::chrono::duration<double, std::ratio<60>>(m_preferences.refreshMinutes());
-    return !m_isProbing && (!m_lastProbeAt || hasPassed(*m_lastProbeAt, probeInterval(m_consecutiveFailures, refresh)));
+    return !m_lastProbeAt || isAhead(*m_lastProbeAt) ||
+           m_now - *m_lastProbeAt >= probeInterval(m_consecutiveFailures, refresh);
 }
 
 bool UsageModel::isScanDue() const {
-    return !m_lastActivityScan ||
-           (hasPassed(*m_lastActivityScan, kScanInterval) && m_now - *m_lastActivityScan != kScanInterval);
+    return !m_lastActivityScan || isAhead(*m_lastActivityScan) || m_now - *m_lastActivityScan > kScanInterval;
 }
 
 bool UsageModel::isRecomputeDue() const {
-    return !m_lastRecompute || hasPassed(*m_lastRecompute, kRecomputeInterval);
+    return !m_lastRecompute || isAhead(*m_lastRecompute) || m_now - *m_lastRecompute >= kRecomputeInterval;
 }
 
 void UsageModel::refreshIfStale() {

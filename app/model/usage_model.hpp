@@ -165,8 +165,7 @@ private:
     [[nodiscard]] bool isProbeDue() const;
     [[nodiscard]] bool isScanDue() const;
     [[nodiscard]] bool isRecomputeDue() const;
-    /// Whether `span` has passed since then, or the clock was set back to before it.
-    [[nodiscard]] bool hasPassed(Instant since, Seconds span) const;
+    [[nodiscard]] bool isAhead(Instant stamp) const;
 
     // Each of these tells whether there was something new.
     bool readSnapshot();

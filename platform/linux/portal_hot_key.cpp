@@ -184,8 +184,11 @@ void PortalHotKey::shortcutsChanged(const QDBusObjectPath& session, const Portal
 }
 
 void PortalHotKey::enter(State state) {
+    const bool wasRegistered = isRegistered();
+    const QString oldProblem = problem();
     m_overdue.stop();
-    if (std::exchange(m_state, state) != state) {
+    m_state = state;
+    if (isRegistered() != wasRegistered || problem() != oldProblem) {
         emit stateChanged();
     }
 }

@@ -1,6 +1,7 @@
 #include "platform/linux/freedesktop_notification_center.hpp"
 
 #include <QCoreApplication>
+#include <QDBusArgument>
 
 #include <gmock/gmock.h>
 
@@ -12,31 +13,42 @@ namespace vorn {
 namespace {
 
 using namespace std::chrono_literals;
-using test::FakeNotificationServer;
 using testing::ElementsAre;
-using testing::IsEmpty;
+
+const std::string kNoServer = "Notifications cannot be shown: no notification service is running on this desktop.";
+const std::string kSilent = "Notifications cannot be shown: the notification service of this desktop does not answer.";
+const std::string kNoBus = "Notifications cannot be shown: this session has no message bus (D-Bus).";
 
 class FreedesktopNotificationCenterTest : public testing::Test {
 protected:
-    void start(FreedesktopNotificationCenter::Patience patience = {}) {
-        center = std::make_unique<FreedesktopNotificationCenter>(bus.connection(), patience);
+    void start(const QDBusConnection& connection, FreedesktopNotificationCenter::Patience patience = {}) {
+        answers.clear();
+        center = std::make_unique<FreedesktopNotificationCenter>(connection, patience);
         center->requestAuthorization([this](bool granted) { answers.push_back(granted); });
         QObject::connect(center.get(), &NotificationCenter::activated,
                          [this](const QString& id) { clicks.push_back(id.toStdString()); });
     }
     void serve(const QStringList& capabilities = {"actions", "body"}) {
-        server = std::make_unique<FakeNotificationServer>(bus.connection(), capabilities);
+        server = std::make_unique<test::FakeNotificationServer>(bus.connection(), capabilities);
     }
-    void expectAnswers(const std::vector<bool>& expected) {
-        test::waitUntil([&] { return answers.size() >= expected.size(); });
-        EXPECT_EQ(answers, expected);
+    void crash() {
+        server.reset();
+        test::waitUntil([&] { return !answers.back(); });
     }
-    /// Waits for the n-th notice that the present server got.
-    const FakeNotificationServer::Shown& notice(std::size_t number) {
-        if (!test::waitUntil([&] { return server->shown.size() >= number; })) {
-            throw std::runtime_error("the server gets no notice");
-        }
-        return server->shown[number - 1];
+    void expect(const std::vector<bool>& answered, const std::string& problem = "") {
+        test::waitUntil(
+            [&] { return answers.size() >= answered.size() && center->problem().toStdString() == problem; });
+        EXPECT_EQ(answers, answered);
+        EXPECT_EQ(center->problem().toStdString(), problem);
+    }
+    void expectClicks(const std::vector<std::string>& expected) {
+        test::waitUntil([&] { return clicks.size() >= expected.size(); });
+        EXPECT_EQ(clicks, expected);
+    }
+    /// The arguments of the n-th notice that the present server got.
+    QVariantList notice(std::size_t number) {
+        const bool isThere = test::waitUntil([&] { return server->notices.size() >= number; });
+        return isThere ? server->notices[number - 1] : throw std::runtime_error("the server gets no notice");
     }
     /// Has what the server sent so far delivered: whoever asks it now is answered later.
     void settle() {
@@ -49,43 +61,35 @@ protected:
     int argc = 0;
     QCoreApplication application{argc, nullptr};
     test::PrivateBus bus;
-    std::unique_ptr<FakeNotificationServer> server;
+    std::unique_ptr<test::FakeNotificationServer> server;
     std::unique_ptr<FreedesktopNotificationCenter> center;
     std::vector<bool> answers;
     std::vector<std::string> clicks;
 };
 
 TEST_F(FreedesktopNotificationCenterTest, SaysWhatTheServerCanShow) {
+    const QStringList actions{"default", "Open Vorn"};
     const struct {
-        const char* name;
         QStringList capabilities;
         const char* body;
         QStringList actions;
     } cases[] = {
-        {"everything",
-         {"actions", "body", "body-markup", "persistence"},
-         "1 &lt; 2 &amp; it's",
-         {"default", "Open Vorn"}},
-        {"no actions", {"body", "body-markup"}, "1 &lt; 2 &amp; it's", {}},
-        {"no markup", {"body", "actions"}, "1 < 2 & it's", {"default", "Open Vorn"}},
-        {"nothing", {}, "1 < 2 & it's", {}},
+        {{"actions", "body", "body-markup"}, "1 &lt; 2 &amp; it's", actions},
+        {{"body", "body-markup"}, "1 &lt; 2 &amp; it's", {}},
+        {{"body", "actions"}, "1 < 2 & it's", actions},
+        {{}, "1 < 2 & it's", {}},
     };
+    const QVariantMap hints{
+        {"urgency", QVariant::fromValue<uchar>(0)}, {"sound-name", "message"}, {"desktop-entry", "vorn"}};
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        answers.clear();
         serve(c.capabilities);
-        start();
-        expectAnswers({true});
+        start(bus.connection());
+        expect({true});
         center->post({.id = "a", .title = "Week <all>", .body = "1 < 2 & it's", .urgency = Notice::Urgency::low});
-        const auto& shown = notice(1);
-        EXPECT_EQ(shown.title, "Week <all>");
-        EXPECT_EQ(shown.body, c.body);
-        EXPECT_EQ(shown.actions, c.actions);
-        EXPECT_EQ(shown.application, "Vorn");
-        EXPECT_EQ(shown.icon, "vorn");
-        EXPECT_EQ(shown.hints, (QVariantMap{{"urgency", QVariant::fromValue<uchar>(0)},
-                                            {"sound-name", "message"},
-                                            {"desktop-entry", "vorn"}}));
+        auto arguments = notice(1);
+        EXPECT_EQ(qdbus_cast<QVariantMap>(arguments[6]), hints);
+        arguments.remove(6);
+        EXPECT_EQ(arguments, (QVariantList{"Vorn", 0U, "vorn", "Week <all>", c.body, c.actions, -1}));
         center.reset();
         server.reset();
     }
@@ -93,8 +97,8 @@ TEST_F(FreedesktopNotificationCenterTest, SaysWhatTheServerCanShow) {
 
 TEST_F(FreedesktopNotificationCenterTest, ReplacesAnEarlierNoticeOfTheSameServer) {
     serve();
-    start();
-    expectAnswers({true});
+    start(bus.connection());
+    expect({true});
     center->post({.id = "a", .title = "1"});
     center->post({.id = "a", .title = "overtaken"});
     center->post({.id = "a", .title = "2"});  // Before the answer tells the number of the first.
@@ -104,128 +108,109 @@ TEST_F(FreedesktopNotificationCenterTest, ReplacesAnEarlierNoticeOfTheSameServer
     center->post({.id = "a", .title = "4"});
     (void)notice(4);
     std::vector<std::string> seen;
-    for (const auto& shown : server->shown) {
-        seen.push_back(shown.title.toStdString() + " as " + std::to_string(shown.id) + " for " +
-                       std::to_string(shown.replaced));
+    for (const auto& arguments : server->notices) {
+        seen.push_back(arguments[3].toString().toStdString() + " for " + std::to_string(arguments[1].toUInt()));
     }
-    EXPECT_THAT(seen, testing::UnorderedElementsAre("1 as 1 for 0", "2 as 1 for 1", "3 as 2 for 0", "4 as 1 for 1"));
+    EXPECT_THAT(seen, testing::UnorderedElementsAre("1 for 0", "2 for 1", "3 for 0", "4 for 1"));
 
-    server.reset();
-    expectAnswers({true, false});
+    crash();
     serve();
-    expectAnswers({true, false, true});
-    center->post({.id = "c", .title = "somebody else's 1"});
+    expect({true, false, true});
+    center->post({.id = "c", .title = "takes the number 1"});
     (void)notice(1);
     center->post({.id = "a", .title = "5"});
-    EXPECT_EQ(notice(2).replaced, 0U);
+    EXPECT_EQ(notice(2)[1], 0U);
 }
 
 TEST_F(FreedesktopNotificationCenterTest, FollowsServersThatComeAndGo) {
-    start();
-    std::vector<std::string> problems;
-    QObject::connect(center.get(), &NotificationCenter::problemChanged,
-                     [&] { problems.push_back(center->problem().toStdString()); });
+    start(bus.connection());
     center->post({.id = "a", .title = "too early"});
-    expectAnswers({false});
-    EXPECT_EQ(center->problem(), "Notifications cannot be shown: no notification service is running on this desktop.");
+    expect({false}, kNoServer);
     center->requestAuthorization([this](bool granted) { answers.push_back(granted); });
-    expectAnswers({false, false});  // Asked once more, and told at once.
-    center->post({.id = "a", .title = "still too early"});
-
-    serve();
-    expectAnswers({false, false, true, true});
-    EXPECT_EQ(center->problem(), "");
-    EXPECT_THAT(server->shown, IsEmpty());
+    expect({false, false}, kNoServer);
+    serve({});
+    expect({false, false, true, true});
+    EXPECT_TRUE(server->notices.empty());
     server.reset();
-    expectAnswers({false, false, true, true, false, false});
+    expect({false, false, true, true, false, false}, kNoServer);
     serve({"body-markup"});
-    expectAnswers({false, false, true, true, false, false, true, true});
+    expect({false, false, true, true, false, false, true, true});
     center->post({.id = "a", .title = "t", .body = "&"});
-    EXPECT_EQ(notice(1).body, "&amp;");
-    EXPECT_EQ(problems.size(), 4U) << testing::PrintToString(problems);
+    EXPECT_EQ(notice(1)[4], "&amp;");
 }
 
 TEST_F(FreedesktopNotificationCenterTest, TellsClicksOnItsOwnNotices) {
     serve();
-    start();
-    expectAnswers({true});
+    start(bus.connection());
+    expect({true});
     center->post({.id = "risk:week@1", .title = "t"});
-    const uint id = notice(1).id;
+    (void)notice(1);
     settle();
-    emit server->ActionInvoked(id + 1, "default");  // Another program's.
-    emit server->ActionInvoked(id, "other");
-    emit server->ActionInvoked(0, "default");
-    emit server->ActionInvoked(id, "default");
-    test::waitUntil([&] { return !clicks.empty(); });
-    EXPECT_THAT(clicks, ElementsAre("risk:week@1"));
+    server->invoke(2, "default");  // Another program's.
+    server->invoke(1, "other");
+    server->invoke(0, "default");
+    server->invoke(1, "default");
+    expectClicks({"risk:week@1"});
 
-    server.reset();
+    crash();
     serve();
-    expectAnswers({true, false, true});
-    emit server->ActionInvoked(id, "default");  // Says the new server about somebody's notice.
+    expect({true, false, true});
+    server->invoke(1, "default");  // Says the new server about somebody's notice.
     settle();
-    EXPECT_THAT(clicks, ElementsAre("risk:week@1"));
+    expectClicks({"risk:week@1"});
 }
 
 TEST_F(FreedesktopNotificationCenterTest, CountsAServerOnDemandAsThere) {
-    const auto started = bus.directory() / "started";
-    bus.makeActivatable("org.freedesktop.Notifications",
-                        "touch " + started.string() + "; while [ -e " + started.string() + " ]; do sleep 0.1; done");
+    const auto flag = bus.directory() / "started";
     const auto isStarted = [&] {
-        return std::filesystem::exists(started);
+        return std::filesystem::exists(flag);
     };
-    start();
+    bus.makeActivatable("org.freedesktop.Notifications",
+                        "touch " + flag.string() + "; while [ -e " + flag.string() + " ]; do sleep 0.1; done");
+    start(bus.connection());
     EXPECT_TRUE(test::waitUntil(isStarted));
     serve();
-    expectAnswers({true});
+    expect({true});
 
-    std::filesystem::remove(started);
-    server.reset();  // With nothing left to show it ends.
-    expectAnswers({true, false, true});
+    std::filesystem::remove(flag);
+    server.reset();  // It ends with nothing left to show.
+    expect({true, false, true});
     EXPECT_FALSE(isStarted()) << "started again without need";
     center->post({.id = "a", .title = "t"});
     EXPECT_TRUE(test::waitUntil(isStarted));
     serve();
-    const uint id = notice(1).id;
-    expectAnswers({true, false, true, false, true});
-    emit server->ActionInvoked(id, "default");
-    test::waitUntil([&] { return !clicks.empty(); });
-    EXPECT_THAT(clicks, ElementsAre("a"));
-    std::filesystem::remove(started);
+    (void)notice(1);
+    expect({true, false, true, false, true});
+    server->invoke(1, "default");
+    expectClicks({"a"});
+    std::filesystem::remove(flag);
 }
 
 TEST_F(FreedesktopNotificationCenterTest, WaitsForAServerThatDoesNotAnswer) {
     serve();
     server->isSilent = true;
-    start({.answer = 50ms, .nextTry = 50ms});
-    expectAnswers({false});
-    EXPECT_EQ(center->problem(),
-              "Notifications cannot be shown: the notification service of this desktop does not answer.");
+    start(bus.connection(), {.answer = 50ms, .nextTry = 50ms});
+    expect({false}, kSilent);
     test::waitUntil([&] { return server->questions >= 3; });
-    EXPECT_THAT(answers, ElementsAre(false));
+    expect({false}, kSilent);
     server->isSilent = false;
-    expectAnswers({false, true});
+    expect({false, true});
     server->isSilent = true;
     center->post({.id = "a", .title = "1"});
     center->post({.id = "a", .title = "2"});
-    EXPECT_EQ(notice(2).replaced, 0U);  // Posted all the same once the first is given up.
+    EXPECT_EQ(notice(2)[1], 0U) << "not posted when the first was given up";
 }
 
 TEST_F(FreedesktopNotificationCenterTest, SurvivesAnAbsentOrDyingBus) {
-    const QString noBus = "Notifications cannot be shown: this session has no message bus (D-Bus).";
-    FreedesktopNotificationCenter without(QDBusConnection("no such connection"));
-    EXPECT_EQ(without.problem(), noBus);
-    without.requestAuthorization([this](bool granted) { answers.push_back(granted); });
-    without.post({.id = "a", .title = "t"});
-    expectAnswers({false});
-    answers.clear();
+    start(QDBusConnection("no such connection"));
+    center->post({.id = "a", .title = "t"});
+    expect({false}, kNoBus);
 
     serve();
-    start();
-    expectAnswers({true});
+    start(bus.connection());
+    expect({true});
     bus.kill();
-    expectAnswers({true, false});
-    EXPECT_EQ(center->problem(), noBus);
+    expect({true, false}, kNoBus);
     center->post({.id = "a", .title = "t"});
 }
 

@@ -1,48 +1,54 @@
 #pragma once
 
 #include <QDBusConnection>
-#include <QDBusContext>
 #include <QDBusMessage>
-#include <QObject>
-#include <QStringList>
+#include <QDBusVirtualObject>
 #include <QVariantMap>
-#include <vector>
+
+#include <gtest/gtest.h>
 
 namespace vorn::test {
 
 /// A notification server that does as it is told and notes what it was asked for. It goes when it is destroyed.
-class FakeNotificationServer : public QObject, protected QDBusContext {
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Notifications")
-
+class FakeNotificationServer : public QDBusVirtualObject {
 public:
-    struct Shown {
+    FakeNotificationServer(QDBusConnection bus, QStringList capabilities)
+        : m_bus(std::move(bus)), m_capabilities(std::move(capabilities)) {
+        EXPECT_TRUE(m_bus.registerVirtualObject("/org/freedesktop/Notifications", this));
+        EXPECT_TRUE(m_bus.registerService(kName));
+    }
+    ~FakeNotificationServer() override {
+        m_bus.unregisterService(kName);
+        QDBusConnection::disconnectFromBus(m_bus.name());
+    }
+
+    /// The user clicks that part of a notice.
+    void invoke(uint id, const QString& action) {
+        auto signal = QDBusMessage::createSignal("/org/freedesktop/Notifications", kName, "ActionInvoked");
+        m_bus.send(signal << id << action);
+    }
+
+    [[nodiscard]] QString introspect(const QString& /*path*/) const override { return {}; }
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
+        const bool isNotice = message.member() == "Notify";
+        const auto arguments = message.arguments();
         uint id = 0;
-        uint replaced = 0;
-        QString application;
-        QString icon;
-        QString title;
-        QString body;
-        QStringList actions;
-        QVariantMap hints;
-    };
+        if (isNotice) {
+            const uint replaced = arguments.at(1).toUInt();
+            id = replaced != 0 ? replaced : ++m_lastId;
+            notices.push_back(arguments);
+        } else {
+            ++questions;
+        }
+        return isSilent || bus.send(message.createReply(isNotice ? QVariant(id) : QVariant(m_capabilities)));
+    }
 
-    FakeNotificationServer(QDBusConnection bus, QStringList capabilities);
-    ~FakeNotificationServer() override;
-
-    std::vector<Shown> shown;
-    bool isSilent = false;  ///< Takes calls and never answers.
-    int questions = 0;      ///< How often it was asked what it can do.
-
-public slots:
-    QStringList GetCapabilities();
-    uint Notify(const QString& application, uint replaced, const QString& icon, const QString& title,
-                const QString& body, const QStringList& actions, const QVariantMap& hints, int timeout);
-
-signals:
-    void ActionInvoked(uint id, const QString& action);
+    std::vector<QVariantList> notices;  ///< The arguments of `Notify`; those without a number to replace get 1, 2, …
+    int questions = 0;                  ///< How often it was asked what it can do.
+    bool isSilent = false;              ///< Takes calls and never answers.
 
 private:
+    static constexpr auto kName = "org.freedesktop.Notifications";
     QDBusConnection m_bus;
     QStringList m_capabilities;
     uint m_lastId = 0;

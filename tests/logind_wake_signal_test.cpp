@@ -22,10 +22,14 @@ TEST(LogindWakeSignal, TellsWhenTheMachineIsAwakeAgain) {
 
     auto logind = bus.connection();
     ASSERT_TRUE(logind.registerService("org.freedesktop.login1"));
-    for (const bool isGoingToSleep : {true, false, true, false}) {
+    const auto announce = [](const QDBusConnection& sender, bool isGoingToSleep) {
         auto message =
             QDBusMessage::createSignal("/org/freedesktop/login1", "org.freedesktop.login1.Manager", "PrepareForSleep");
-        logind.send(message << isGoingToSleep);
+        EXPECT_TRUE(sender.send(message << isGoingToSleep));
+    };
+    announce(bus.connection(), false);  // Somebody who is not logind.
+    for (const bool isGoingToSleep : {true, false, true, false}) {
+        announce(logind, isGoingToSleep);
     }
     test::waitUntil([&] { return wakes >= 2; });
     EXPECT_EQ(wakes, 2);

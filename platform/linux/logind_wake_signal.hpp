@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDBusConnection>
+#include <QDBusMessage>
 
 #include "platform/wake_signal.hpp"
 
@@ -11,10 +12,13 @@ class LogindWakeSignal final : public WakeSignal {
     Q_OBJECT
 
 public:
-    explicit LogindWakeSignal(QDBusConnection bus);
+    explicit LogindWakeSignal(const QDBusConnection& bus);
 
 private slots:
-    void onPrepareForSleep(bool isGoingToSleep);
+    void onPrepareForSleep(bool isGoingToSleep, const QDBusMessage& signal);
+
+private:
+    QDBusConnection m_bus;
 };
 
 }  // namespace vorn

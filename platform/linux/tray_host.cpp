@@ -108,6 +108,8 @@ void TrayHost::lookForEmbedding() {
     // Qt remembers for good whether there was a watcher when it was first asked. It is asked only when there is none,
     // so that it always answers for embedding.
     if (!m_isWatcherThere) {
+        // Nothing tells how a panel that embeds orders them; the one that was tried adds to the left.
+        m_addsToTheLeft = true;
         setKind(QSystemTrayIcon::isSystemTrayAvailable() ? Kind::embedded : Kind::none);
     }
 }

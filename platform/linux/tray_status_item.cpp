@@ -125,14 +125,15 @@ void TrayStatusItem::setToolTip(const Cell& cell) const {
 
 /// One after the other: each has a connection of its own, and the bus keeps no order between connections.
 void TrayStatusItem::enrollNext() {
-    if (m_isEnrolling || m_enrolled >= m_cells.size() || !m_cells[m_enrolled].item) {
+    if (m_enrolling || m_enrolled >= m_cells.size() || !m_cells[m_enrolled].item) {
         return;
     }
-    m_isEnrolling = true;
-    auto* const pending = new QDBusPendingCallWatcher(m_cells[m_enrolled++].item->enroll(), this);
-    connect(pending, &QDBusPendingCallWatcher::finished, this, [this, pending] {
-        pending->deleteLater();
-        m_isEnrolling = false;
+    NotifierItem& item = *m_cells[m_enrolled++].item;
+    // An item that goes before the host has answered takes the question with it.
+    m_enrolling = new QDBusPendingCallWatcher(item.enroll(), &item);
+    connect(m_enrolling, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* finished) {
+        finished->deleteLater();
+        m_enrolling = nullptr;
         enrollNext();
     });
 }

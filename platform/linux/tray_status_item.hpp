@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QDBusPendingCallWatcher>
 #include <QMenu>
+#include <QPointer>
 #include <QSystemTrayIcon>
 #include <memory>
 #include <vector>
@@ -47,9 +49,9 @@ private:
     TrayHost m_host;
     std::vector<Images> m_images;  ///< Left to right.
     QString m_toolTip;
-    std::vector<Cell> m_cells;   ///< As they came.
-    std::size_t m_enrolled = 0;  ///< How many of them the host was told of.
-    bool m_isEnrolling = false;
+    std::vector<Cell> m_cells;                      ///< As they came.
+    std::size_t m_enrolled = 0;                     ///< How many of them the host was told of.
+    QPointer<QDBusPendingCallWatcher> m_enrolling;  ///< What the host has not answered yet.
 };
 
 }  // namespace vorn

@@ -103,7 +103,7 @@ void GlyphText::drawSign(QPainter& painter, QPointF start, QChar sign, const QCo
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     if (sign == u'■') {
-        const double inset = std::round(side * 0.12);
+        const double inset = std::round(side * 0.08);
         painter.fillRect(box.adjusted(inset, inset, -inset, -inset), color);
         painter.restore();
         return;

@@ -1,0 +1,67 @@
+#include "platform/linux/xfce_panel_brightness.hpp"
+
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+
+namespace vorn {
+namespace {
+
+const QString kPanel = QStringLiteral("org.xfce.Panel");
+const QString kSettings = QStringLiteral("org.xfce.Xfconf");
+const QString kPath = QStringLiteral("/org/xfce/Xfconf");
+const QString kChannel = QStringLiteral("xfce4-panel");
+const QString kDarkMode = QStringLiteral("/panels/dark-mode");
+
+}  // namespace
+
+XfcePanelBrightness::XfcePanelBrightness(const QDBusConnection& bus, const DesktopAppearance& appearance)
+    : PanelBrightness(appearance), m_bus(bus), m_watcher(kPanel, bus, QDBusServiceWatcher::WatchForOwnerChange) {
+    qRegisterMetaType<QDBusVariant>();  // Signals are matched with the names that slots give their types.
+    connect(&m_watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString&, const QString&, const QString& owner) { ownerChanged(owner); });
+    // Without the service's name, since Qt would wait for the bus to say who that is.
+    m_bus.connect({}, kPath, kSettings, QStringLiteral("PropertyChanged"), this,
+                  SLOT(settingChanged(QString, QString, QDBusVariant)));
+    auto message =
+        QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/"),
+                                       QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetNameOwner"));
+    message.setArguments({kPanel});
+    auto* watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(message), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
+        watcher->deleteLater();
+        const QDBusPendingReply<QString> owner = *watcher;
+        if (!owner.isError()) {
+            ownerChanged(owner.value());
+        }
+    });
+}
+
+void XfcePanelBrightness::ownerChanged(const QString& owner) {
+    m_hasPanel = !owner.isEmpty();
+    if (m_hasPanel) {
+        readSetting();
+    } else {
+        setPanelIsDark({});
+    }
+}
+
+void XfcePanelBrightness::readSetting() {
+    auto message = QDBusMessage::createMethodCall(kSettings, kPath, kSettings, QStringLiteral("GetProperty"));
+    message.setArguments({kChannel, kDarkMode});
+    auto* watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(message), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
+        watcher->deleteLater();
+        const QDBusPendingReply<QDBusVariant> reply = *watcher;
+        settingChanged(kChannel, kDarkMode, reply.isError() ? QDBusVariant(true) : reply.value());
+    });
+}
+
+void XfcePanelBrightness::settingChanged(const QString& channel, const QString& property, const QDBusVariant& value) {
+    if (m_hasPanel && channel == kChannel && property == kDarkMode) {
+        // Off, the panel follows the theme of the windows.
+        setPanelIsDark(value.variant().toBool() ? std::optional(true) : std::nullopt);
+    }
+}
+
+}  // namespace vorn

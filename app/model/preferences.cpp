@@ -86,6 +86,10 @@ Preferences::Preferences(std::unique_ptr<QSettings> defaults, QObject* parent)
 
 Preferences::~Preferences() = default;
 
+void Preferences::detachFromStore() {
+    m_defaults->detach();
+}
+
 template <typename Value>
 void Preferences::change(Value& property, const Value& value, const char* key, const QVariant& stored, Signal changed) {
     if (property == value) {

@@ -28,9 +28,12 @@ class Preferences : public QObject {
     Q_PROPERTY(QString storeProblem READ storeProblem NOTIFY storeProblemChanged)
 
 public:
-    /// Takes over the store. A store that nothing may be written to (a demonstration) is one over a temporary file.
+    /// Takes over the store.
     explicit Preferences(std::unique_ptr<QSettings> defaults, QObject* parent = nullptr);
     ~Preferences() override;
+
+    /// A demonstration: from now on changes hold in memory alone.
+    void detachFromStore();
 
     /// The standard store of this user.
     static std::unique_ptr<QSettings> standardStore();

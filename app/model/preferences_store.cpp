@@ -49,6 +49,9 @@ bool PreferencesStore::keepDamagedFile() try {
 }
 
 void PreferencesStore::save(const QString& key, const QVariant& value) {
+    if (m_isDetached) {
+        return;
+    }
     m_unsaved.insert(key, value);
     m_isDamaged = m_isDamaged || freshStatus() == QSettings::FormatError;
     if (m_isDamaged && !keepDamagedFile()) {

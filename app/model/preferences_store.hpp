@@ -17,6 +17,8 @@ public:
     [[nodiscard]] QVariant value(const QString& key) const { return m_settings->value(key); }
     /// On the disk when it returns, or else in `problem`.
     void save(const QString& key, const QVariant& value);
+    /// From now on nothing is written.
+    void detach() { m_isDetached = true; }
     /// For people; empty when all is well.
     [[nodiscard]] const QString& problem() const { return m_problem; }
 
@@ -27,6 +29,7 @@ private:
 
     std::unique_ptr<QSettings> m_settings;
     bool m_isDamaged = false;  ///< The file holds what QSettings could not read, and would not write again.
+    bool m_isDetached = false;
     QVariantMap m_unsaved;
     QString m_note;  ///< What the user should know even though changes are saved.
     QString m_problem;

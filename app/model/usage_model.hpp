@@ -103,6 +103,8 @@ public:
     [[nodiscard]] const std::vector<WindowAssessment>& assessments() const { return m_assessments; }
     [[nodiscard]] const std::optional<UsageInsights>& insights() const { return m_state.insights(); }
     [[nodiscard]] const ActivitySummary& activity() const { return m_activity; }
+    /// Whether the transcripts have been read at least once.
+    [[nodiscard]] bool hasScanned() const { return m_lastActivityScan && !m_isScanning; }
     [[nodiscard]] bool isProbing() const { return m_isProbing; }
     [[nodiscard]] std::optional<Instant> lastProbeAt() const { return m_lastProbeAt; }
     /// As people read it; cleared by a success.

@@ -51,6 +51,7 @@ struct Look {
     GlyphStyle style = GlyphStyle::usageAndSteer;
     bool tint = true;  ///< Rings take the colour of their window's status.
     Palette palette;
+    bool operator==(const Look&) const = default;
 };
 
 /// What `DayRing` draws for a part: in the style `steer` nothing is said about use.

@@ -60,8 +60,6 @@ protected:
     [[nodiscard]] double used() const {
         return model->session() != nullptr ? model->session()->window.usedPercent : -1;
     }
-    /// Until the files say what the model knows.
-    void settle() { model->shutDown(), model->start(); }
 };
 
 TEST_F(UsageModelTest, IsFailedUntilTheFirstReading) {
@@ -484,6 +482,7 @@ TEST_F(RealSources, ReadTheClientAndTheTranscripts) {
     const auto claude =
         m_directory.executable("client", R"(echo '{"is_error":false,"result":"Current session: 42% used"}')");
     m_preferences.setClaudePathOverride(QString::fromStdString(claude));
+    fs::create_directories(VornPaths::statusLineSnapshot());  // no snapshot, however it looks
     UsageModel model(m_preferences, makeModelParts());
     model.start();
     waitFor([&] { return !model.isProbing() && model.activity().events().size() == 2 && model.isHistoryLoaded(); });
@@ -526,6 +525,23 @@ TEST_F(RealSources, AreDestroyedAtOnceWhileTheyWork) {
     activity->scan(systemNow(), [](const auto&) { ADD_FAILURE() << "an answer to nobody"; });
     EXPECT_LT(timed([&] { activity.reset(); }), 500);
     QCoreApplication::processEvents();
+}
+
+TEST(TimerTicker, RunsOnceAtATime) {
+    test::application();
+    const auto ticker = makeTimerTicker();
+    int former = 0;
+    int present = 0;
+    ticker->start(Seconds{0.001}, [&] { ++former; });
+    waitFor([&] { return former > 1; });
+    const int stand = former;
+    ticker->start(Seconds{0.001}, [&] { ++present; });
+    waitFor([&] { return present > 1; });
+    EXPECT_EQ(former, stand);
+    ticker->stop();
+    const int end = present;
+    waitFor([&, i = 0]() mutable { return ++i > 3; });  // woken every few milliseconds
+    EXPECT_EQ(present, end);
 }
 
 TEST(BackgroundQueue, LeavesAReaderThatHangsToItself) {

@@ -20,7 +20,7 @@ HistoryKeeper::Content HistoryKeeper::read(HistoryStore& store) {
     return content;
 }
 
-void HistoryKeeper::load(std::function<void()> done) {
+void HistoryKeeper::load(const std::function<void()>& done) {
     if (std::exchange(m_isLoading, true)) {
         return;
     }

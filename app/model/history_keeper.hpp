@@ -20,7 +20,7 @@ public:
     HistoryKeeper(std::unique_ptr<HistoryStore> store, BackgroundQueue& disk);
 
     /// Reads the file; `done` runs on the main thread. Only the first call counts.
-    void load(std::function<void()> done);
+    void load(const std::function<void()>& done);
     /// Whether that has happened. Until then nothing may be added.
     [[nodiscard]] bool isLoaded() const { return m_isLoaded; }
 

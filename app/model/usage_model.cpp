@@ -283,6 +283,7 @@ void UsageModel::takeIn(const std::vector<UsageWindow>& windows, HistoryStore::S
     const auto expected = m_state.expectingReset();
     m_state.merge(windows);
     std::vector<UsageWindow> held;
+    held.reserve(windows.size());
     for (const UsageWindow& window : windows) {
         held.push_back(m_state.windows().at(window.kind));
     }
@@ -337,8 +338,10 @@ void UsageModel::recompute() {
 }
 
 void UsageModel::assess() {
+    const std::vector<UsageWindow> windows = m_state.current(m_now);
     std::vector<WindowAssessment> assessments;
-    for (const UsageWindow& window : m_state.current(m_now)) {
+    assessments.reserve(windows.size());
+    for (const UsageWindow& window : windows) {
         const MatchingSamples matching = historyIndex().matching(window);
         assessments.push_back(VornEngine::assess(window, {.history = matching,
                                                           .activity = rateActivity(),

@@ -331,6 +331,21 @@ TEST_F(UsageModelTest, CountsAFallThatAnotherProgramSaw) {
     EXPECT_EQ(used(), 9);
 }
 
+TEST_F(UsageModelTest, BelievesAnAnnouncedResetThatCameBeforeTheStart) {
+    {
+        HistoryStore store(directory / "history.jsonl");
+        store.record(std::vector{session(80)}, now);
+    }
+    ASSERT_TRUE(
+        record.save({.lastProbeAt = now, .readings = {session(80)}, .expectedResets = {WindowKind::session()}}));
+    now += 1min;
+    relayWrites(5, now);
+    client = nullptr;
+    start();
+    EXPECT_EQ(used(), 5);
+    waitFor([&] { return record.load().expectedResets.empty(); });
+}
+
 TEST_F(UsageModelTest, WritesNothingWhenNothingChanged) {
     clientSays(10);
     start();

@@ -99,7 +99,7 @@ ProbeMemory::News ProbeMemory::newsIn(ProbeRecord record) {
 }
 
 void ProbeMemory::save(ProbeRecord mine) {
-    if (m_saves == 0 && repeats(mine, m_seen)) {
+    if (m_saves == 0 && m_store.stamp() == m_stamp && repeats(mine, m_seen)) {
         return;
     }
     m_announced.insert(mine.expectedResets.begin(), mine.expectedResets.end());  // no news to us

@@ -218,12 +218,11 @@ bool UsageModel::takeRecord(const ProbeMemory::News& news) {
     if (m_isDemo) {
         return false;
     }
-    const std::vector announced(news.announced.begin(), news.announced.end());
     const ProbeRecord& record = news.record;
     const bool isNewer =
         record.lastProbeAt && record.lastProbeAt > m_lastProbeAt && *record.lastProbeAt <= m_clock->now() + kClockSlack;
     if (!isNewer) {
-        m_state.expectReset(announced);
+        expectReset({news.announced.begin(), news.announced.end()});
         return false;
     }
     publish(m_lastProbeAt, record.lastProbeAt, &UsageModel::lastProbeAtChanged);
@@ -235,7 +234,7 @@ bool UsageModel::takeRecord(const ProbeMemory::News& news) {
     const auto readings = believable(record.readings, m_clock->now());
     ingest(readings, HistoryStore::Stored::byAnotherProcess);
     // Announced after that answer was judged, so the next one is meant.
-    m_state.expectReset(announced);
+    expectReset({news.announced.begin(), news.announced.end()});
     if (!readings.empty()) {
         becomeReady();
     }
@@ -274,7 +273,7 @@ void UsageModel::ingest(const std::vector<UsageWindow>& windows, HistoryStore::S
     }
     // Shown at once; judged and recorded when it is known what was before.
     m_state.merge(windows);
-    m_earlyReadings.push_back({.windows = windows, .stored = stored});
+    m_earlyNews.push_back({.windows = windows, .stored = stored});
 }
 
 void UsageModel::takeIn(const std::vector<UsageWindow>& windows, HistoryStore::Stored stored) {
@@ -299,14 +298,13 @@ void UsageModel::beginWithHistory() {
     if (m_isDemo) {
         return;
     }
-    UsageState early = std::exchange(m_state, UsageState());
+    const UsageState early = std::exchange(m_state, UsageState());
     m_state.setInsights(early.insights());
     m_state.merge(newestCurrent(m_history.samples(), m_clock->now()));
-    for (const EarlyReading& reading : std::exchange(m_earlyReadings, {})) {
-        takeIn(reading.windows, reading.stored);
+    for (const EarlyNews& news : std::exchange(m_earlyNews, {})) {
+        takeIn(news.windows, news.stored);
+        m_state.expectReset(news.announced);
     }
-    const std::vector expected(early.expectingReset().begin(), early.expectingReset().end());
-    m_state.expectReset(expected);
     if (!m_state.windows().empty()) {
         becomeReady();
     }
@@ -445,9 +443,16 @@ void UsageModel::expectReset(PlannedReset::Scope scope) {
             covered.push_back(kind);
         }
     }
-    m_state.expectReset(covered);
+    expectReset(std::move(covered));
     if (!m_isDemo) {
         saveRecord();
+    }
+}
+
+void UsageModel::expectReset(std::vector<WindowKind> kinds) {
+    m_state.expectReset(kinds);
+    if (!m_history.isLoaded()) {
+        m_earlyNews.push_back({.announced = std::move(kinds)});
     }
 }
 

@@ -188,6 +188,7 @@ private:
 
     void editPlan(const std::function<void(ResetPlan&)>& change);
     void expectReset(PlannedReset::Scope scope);
+    void expectReset(std::vector<WindowKind> kinds);
 
     void assess();
     void updateSteer();
@@ -229,11 +230,13 @@ private:
     bool m_isScanning = false;
     std::vector<UsageWindow> m_lastAnswer;  ///< Of the client, before any judgement.
 
-    struct EarlyReading {
-        std::vector<UsageWindow> windows;
-        HistoryStore::Stored stored;
+    /// What came before the history was there, to be judged and recorded then.
+    struct EarlyNews {
+        std::vector<UsageWindow> windows{};
+        HistoryStore::Stored stored = HistoryStore::Stored::notYet;
+        std::vector<WindowKind> announced{};  ///< After the readings.
     };
-    std::vector<EarlyReading> m_earlyReadings;  ///< Came before the history was there; to be recorded then.
+    std::vector<EarlyNews> m_earlyNews;
 };
 
 }  // namespace vorn

@@ -1,7 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "app/model/notifier.hpp"
 #include "core/analysis/assess.hpp"
+#include "platform/notification_center.hpp"
 #include "tests/support/model_world.hpp"
 #include "tests/support/working_day.hpp"
 #include "ui/format/format.hpp"
@@ -19,6 +21,16 @@ using Phase = UsageModel::Phase::Kind;
 
 constexpr const char* kSessionReset = "6F9619FF-8B86-D011-B42D-00CF4FC964FF";
 
+/// Permits everything and keeps the titles.
+class TitleCenter final : public NotificationCenter {
+public:
+    void requestAuthorization(std::function<void(bool)> onAnswer) override { onAnswer(true); }
+    void post(const Notice& notice) override { titles.push_back(notice.title.toStdString()); }
+    [[nodiscard]] QString problem() const override { return {}; }
+
+    std::vector<std::string> titles;
+};
+
 /// The working day, with the application running.
 class ModelDay : public test::ModelWorld {
 public:
@@ -29,7 +41,9 @@ public:
         QObject::connect(model.get(), &UsageModel::changed, [this] {
             recomputes.push_back(now);
             EXPECT_EQ(model->now(), now);
+            notifier.evaluate(model->assessments(), preferences, now);
         });
+        notifier.requestAuthorization([] {});
     }
 
     /// Works until `end` at this many session points per hour, with somebody looking at the beginning.
@@ -64,6 +78,8 @@ public:
     }
 
     std::vector<Instant> recomputes;
+    TitleCenter center;
+    Notifier notifier{&center};
 
 private:
     void begin(double sessionPerHour) {
@@ -106,6 +122,8 @@ TEST(ModelDay, SaysTheRightThingAtEachHour) {
         }
     }
     EXPECT_EQ(day.model->lastProbeAt(), kMidnight + 20h);
+    // Each once in the afternoon's session: its reset time stayed the same when it was reset early and when redeemed.
+    EXPECT_THAT(day.center.titles, ElementsAre("Session: limit in ~1h 55m", "Session reset", "Session limit reached"));
     EXPECT_GT(day.model->history().size(), 100U);
     EXPECT_TRUE(day.model->sessionWeekRatio());
 

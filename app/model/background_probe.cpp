@@ -3,9 +3,11 @@
 #include <exception>
 #include <utility>
 
+#include "core/data/vorn_paths.hpp"
 #include "core/sources/claude_locator.hpp"
 #include "core/sources/probe_error.hpp"
 #include "core/sources/usage_command_probe.hpp"
+#include "core/support/file.hpp"
 
 namespace vorn {
 namespace {
@@ -13,12 +15,17 @@ namespace {
 /// Between asking a client to terminate and killing it, when nobody wants its answer any more.
 constexpr std::chrono::milliseconds kGrace{50};
 
+/// How long a terminal that is asking the client already is waited for: asking takes under a second, and a client that
+/// hangs for one of us hangs for both.
+constexpr std::chrono::seconds kTurnPatience{3};
+
 /// Everything in here may take long: the search path may lead to a network drive.
 ProbeSource::Answer ask(const std::string& overridePath, const Cancellation& cancellation) {
     const auto executable = ClaudeLocator::locate(overridePath);
     if (!executable) {
         throw ProbeError(ProbeError::Kind::claudeNotFound);
     }
+    const auto turn = FileLock::acquire(VornPaths::probingLock(), kTurnPatience);
     return UsageCommandProbe{.executable = *executable}.run(systemNow, &cancellation);
 }
 

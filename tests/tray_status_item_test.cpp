@@ -3,9 +3,11 @@
 #include <QMenu>
 #include <QProcess>
 #include <QSignalSpy>
+#include <csignal>
 #include <cstdlib>
 
 #include <gtest/gtest.h>
+#include <sys/prctl.h>
 
 #include "platform/linux/notifier_item.hpp"
 #include "platform/linux/tray_menu.hpp"
@@ -22,6 +24,8 @@ class TrayStatusItemTest : public testing::Test {
 protected:
     static void SetUpTestSuite() {
         static QProcess daemon;
+        // However the test ends.
+        daemon.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGKILL); });
         std::atexit([] {
             daemon.kill();
             daemon.waitForFinished();

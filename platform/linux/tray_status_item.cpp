@@ -11,14 +11,18 @@ namespace vorn {
 
 namespace {
 
-/// Heights of tray cells, once and twice; a host scales what it does not find.
-constexpr std::array kSizes{16, 22, 24, 32, 44, 48, 64, 96};
+/// Heights of tray cells, once and twice, the largest first; a host scales what it does not find.
+constexpr std::array kSizes{64, 48, 44, 32, 24, 22, 16};
 
-std::vector<QImage> imagesOf(const StatusImage& draw) {
-    std::vector<QImage> images;
+/// `before` again where nothing changed, for which the largest size speaks.
+std::vector<QImage> imagesOf(const StatusImage& draw, const std::vector<QImage>& before) {
+    std::vector<QImage> images{draw(kSizes.front())};
+    if (!before.empty() && before.front() == images.front()) {
+        return before;
+    }
     images.reserve(kSizes.size());
-    for (const int size : kSizes) {
-        images.push_back(draw(size));
+    for (std::size_t i = 1; i < kSizes.size(); ++i) {
+        images.push_back(draw(kSizes[i]));
     }
     return images;
 }
@@ -39,10 +43,9 @@ TrayStatusItem::TrayStatusItem(QMenu& menu) : m_menu(menu), m_trayMenu(menu) {
 }
 
 void TrayStatusItem::show(StatusContent content) {
-    m_images.clear();
-    m_images.reserve(content.images.size());
-    for (const StatusImage& draw : content.images) {
-        m_images.push_back(imagesOf(draw));
+    m_images.resize(content.images.size());
+    for (std::size_t i = 0; i < m_images.size(); ++i) {
+        m_images[i] = imagesOf(content.images[i], m_images[i]);
     }
     if (std::exchange(m_toolTip, content.toolTip) != content.toolTip) {
         for (const Cell& cell : m_cells) {

@@ -56,13 +56,21 @@ private:
 };
 
 Setting largest(const Line& line, int from, double width, int height) {
-    for (int size = from; size > 1; --size) {
+    for (int size = from; size > 1;) {
+        const Setting narrowest(line, size, kStretches.back());
+        if (narrowest.height() > height || narrowest.width() > width) {
+            // Text is as wide as it is high, nearly: no need to try every size on the way.
+            const double share = std::min(width / narrowest.width(), 1.0 * height / narrowest.height());
+            size = std::min(size - 1, static_cast<int>(std::ceil(size * share)));
+            continue;
+        }
         for (const int stretch : kStretches) {
             Setting setting(line, size, stretch);
-            if (setting.height() <= height && setting.width() <= width) {
+            if (setting.width() <= width) {
                 return setting;
             }
         }
+        return narrowest;
     }
     return {line, 1, kStretches.back()};
 }

@@ -1,0 +1,9 @@
+#include "platform/translucency.hpp"
+
+namespace vorn {
+
+bool windowsCanBeTranslucent() {
+    return true;
+}
+
+}  // namespace vorn

@@ -1,0 +1,262 @@
+#include <QAccessible>
+#include <QDir>
+#include <QFont>
+#include <QGuiApplication>
+#include <QImage>
+#include <QQmlEngine>
+#include <QQuickWindow>
+#include <QScreen>
+#include <QSignalSpy>
+#include <QTest>
+#include <cstdlib>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/desktop_appearance.hpp"
+#include "tests/support/view_states.hpp"
+#include "ui/views/freshness_presenter.hpp"
+#include "ui/views/popover_window.hpp"
+#include "ui/views/snapshot.hpp"
+#include "ui/views/steer_presenter.hpp"
+#include "ui/views/view_engine.hpp"
+#include "ui/views/view_picture.hpp"
+#include "ui/views/window_list_model.hpp"
+
+namespace vorn {
+namespace {
+
+using test::ViewState;
+
+/// Everything that Qt or QML complained about while it lives.
+class Warnings {
+public:
+    Warnings() : m_previous(qInstallMessageHandler(&Warnings::take)) { s_texts.clear(); }
+    ~Warnings() { qInstallMessageHandler(m_previous); }
+    Warnings(const Warnings&) = delete;
+    Warnings& operator=(const Warnings&) = delete;
+    [[nodiscard]] static const std::vector<std::string>& texts() { return s_texts; }
+
+private:
+    static void take(QtMsgType type, const QMessageLogContext&, const QString& text) {
+        const bool isOfThePlatform = text.startsWith("This plugin does not support");
+        if (type != QtDebugMsg && type != QtInfoMsg && !isOfThePlatform) {
+            s_texts.push_back(text.toStdString());
+        }
+    }
+    static inline std::vector<std::string> s_texts;
+    QtMessageHandler m_previous;
+};
+
+struct PictureLook {
+    DesktopAppearance::Look look;
+    double pixelRatio = 1;
+    int maximumHeight = 0;
+};
+
+QImage picture(UsageModel& model, const PictureLook& with) {
+    DesktopAppearance appearance;
+    appearance.setLook(with.look);
+    ViewEngine engine(appearance);
+    const auto hold = engine.hold();
+    SteerPresenter steer(model);
+    WindowListModel windows(model);
+    FreshnessPresenter freshness(model);
+    return pictureOf(*hold, {.view = QUrl("qrc:/qt/qml/Vorn/PopoverView.qml"),
+                             .properties = {{"steer", QVariant::fromValue(&steer)},
+                                            {"windows", QVariant::fromValue(&windows)},
+                                            {"freshness", QVariant::fromValue(&freshness)},
+                                            {"hasDashboard", true},
+                                            {"hasSettings", true},
+                                            {"maximumHeight", with.maximumHeight}},
+                             .pixelRatio = with.pixelRatio});
+}
+
+/// For people to look at, where the environment names a directory.
+void keepPicture(const QImage& image, const std::string& name) {
+    if (const char* const directory = std::getenv("VORN_VIEW_PICTURES")) {
+        image.save(QDir(directory).filePath(QString::fromStdString(name + ".png")));
+    }
+}
+
+TEST(PopoverView, ShowsEveryStateWithoutAWarning) {
+    for (const auto& [name, enter] : test::allViewStates()) {
+        SCOPED_TRACE(name);
+        ViewState state;
+        enter(state);
+        for (const DesktopAppearance::Look look :
+             {DesktopAppearance::Look{}, {.isDark = true}, {.highContrast = true, .reducedMotion = true}}) {
+            const Warnings warnings;
+            const QImage image = picture(*state.model, {.look = look, .pixelRatio = 2});
+            EXPECT_THAT(Warnings::texts(), testing::IsEmpty());
+            EXPECT_GT(image.height(), 300);
+            keepPicture(image, name + (look.highContrast ? "-contrast" : look.isDark ? "-dark" : "-light"));
+        }
+    }
+}
+
+TEST(PopoverView, MirrorsGrowsAndTellsTheTimeAsTheUserDoes) {
+    const test::ScopedEnvironment american("LC_ALL", "en_US.UTF-8");
+    const QFont font = QGuiApplication::font();
+    const struct {
+        const char* name;
+        Qt::LayoutDirection direction;
+        int points;
+        double pixelRatio;
+    } cases[] = {{"right-to-left", Qt::RightToLeft, 10, 2},
+                 {"small-type", Qt::LeftToRight, 9, 1},
+                 {"large-type", Qt::LeftToRight, 16, 1.5},
+                 {"plain-screen", Qt::LeftToRight, 10, 1}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        QGuiApplication::setLayoutDirection(c.direction);
+        QFont sized = font;
+        sized.setPointSize(c.points);
+        QGuiApplication::setFont(sized);
+        for (const auto& [name, enter] : test::allViewStates()) {
+            const Warnings warnings;
+            ViewState state;
+            enter(state);
+            keepPicture(picture(*state.model, {.pixelRatio = c.pixelRatio}), name + "-" + c.name);
+            EXPECT_THAT(Warnings::texts(), testing::IsEmpty());
+        }
+    }
+    QGuiApplication::setLayoutDirection(Qt::LeftToRight);
+    QGuiApplication::setFont(font);
+}
+
+/// The popover in a window of its own, with a model that may be put into any state before.
+class PopoverWindowTest : public testing::Test {
+protected:
+    void SetUp() override { m_state.model->startDemo(test::demoWithWindows(6, m_state.now)); }
+    void TearDown() override { EXPECT_THAT(Warnings::texts(), testing::IsEmpty()); }
+
+    QQuickWindow& open() {
+        m_popover.open(PopoverAnchor::inCorner({0, 0}));
+        QWindow* shown = nullptr;
+        for (QWindow* const window : QGuiApplication::topLevelWindows()) {
+            shown = window->isVisible() ? window : shown;
+        }
+        EXPECT_TRUE(QTest::qWaitForWindowActive(shown));
+        return *qobject_cast<QQuickWindow*>(shown);
+    }
+    /// What has the keyboard: the name it has for those who listen.
+    static std::string focused() {
+        QAccessibleInterface* const interface = QAccessible::queryAccessibleInterface(QGuiApplication::focusObject());
+        return interface ? interface->text(QAccessible::Name).section(',', 0, 0).toStdString() : "";
+    }
+
+    Warnings m_warnings;
+    ViewState m_state;
+    DesktopAppearance m_appearance;
+    ViewEngine m_engine{m_appearance, std::chrono::milliseconds(0)};
+    PopoverWindow m_popover{*m_state.model, m_engine};
+};
+
+TEST_F(PopoverWindowTest, IsReachedByTheKeyboardInReadingOrder) {
+    m_popover.setHasSettings(true);
+    QQuickWindow& window = open();
+    std::vector<std::string> order;
+    for (int i = 0; i < 10; ++i) {
+        QTest::keyClick(&window, Qt::Key_Tab);
+        order.push_back(focused());
+    }
+    EXPECT_THAT(order, testing::ElementsAre(testing::HasSubstr("Limit reached"), "Session", "Week", "Week · Haiku",
+                                            "Week · Research preview", "Week · Sonnet", testing::HasSubstr("million"),
+                                            "Refresh", "Settings", "Quit Vorn"));
+    const QSignalSpy quit(&m_popover, &PopoverWindow::quitRequested);
+    QTest::keyClick(&window, Qt::Key_Return);
+    EXPECT_EQ(quit.size(), 1);
+    QTest::keyClick(&window, Qt::Key_Backtab);
+    const QSignalSpy settings(&m_popover, &PopoverWindow::settingsRequested);
+    QTest::keyClick(&window, Qt::Key_Space);
+    EXPECT_EQ(settings.size(), 1);
+
+    const QSignalSpy closed(&m_popover, &PopoverWindow::closed);
+    QTest::keyClick(&window, Qt::Key_Escape);
+    EXPECT_EQ(closed.size(), 1);
+    EXPECT_FALSE(m_popover.isOpen());
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !m_engine.isLoaded(); }));
+}
+
+TEST_F(PopoverWindowTest, OpensACompactCardAndGrowsWithIt) {
+    m_state.model->startDemo(test::demoWithWindows(5, m_state.now));
+    QQuickWindow& window = open();
+    const int before = window.height();
+    QTest::keyClick(&window, Qt::Key_Tab);
+    QTest::keyClick(&window, Qt::Key_Tab);
+    ASSERT_EQ(focused(), "Session");
+    QTest::keyClick(&window, Qt::Key_Return);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window.height() > before; }));
+    QTest::keyClick(&window, Qt::Key_Return);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window.height() == before; }));
+    const int most = qRound(window.screen()->availableGeometry().height() * 0.7);
+    EXPECT_LE(window.height(), most);
+}
+
+TEST_F(PopoverWindowTest, ClosesOnAClickOutsideAndNotAgainOpensByIt) {
+    QQuickWindow& window = open();
+    QTest::mousePress(&window, Qt::LeftButton, {}, QPoint(-20, 5));
+    EXPECT_FALSE(m_popover.isOpen());
+    m_popover.toggle(PopoverAnchor::inCorner({0, 0}));
+    EXPECT_FALSE(m_popover.isOpen()) << "the click that closed it came a second time, as one on the tray";
+    m_popover.toggle(PopoverAnchor::inCorner({0, 0}));
+    EXPECT_TRUE(m_popover.isOpen());
+    m_popover.toggle(PopoverAnchor::inCorner({0, 0}));
+    EXPECT_FALSE(m_popover.isOpen());
+}
+
+TEST_F(PopoverWindowTest, ClosesWhenAnotherWindowTakesTheFocus) {
+    open();
+    QWindow other;
+    other.show();
+    other.requestActivate();
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !m_popover.isOpen(); }));
+}
+
+TEST_F(PopoverWindowTest, FollowsTheModelWhileItIsOpen) {
+    QQuickWindow& window = open();
+    m_state.model->startDemo(demo::makeDemo(demo::Scenario::comfortable, m_state.now));
+    QTest::keyClick(&window, Qt::Key_Tab);
+    EXPECT_THAT(focused(), testing::Not(testing::HasSubstr("Limit reached")));
+    m_appearance.setLook({.isDark = true, .reducedMotion = true});
+    m_popover.open(PopoverAnchor::atCursor({0, 0}));  // only moves it
+    EXPECT_TRUE(m_popover.isOpen());
+}
+
+TEST(Snapshot, WritesEveryViewInBothLooksAndDensities) {
+    const test::TemporaryDirectory directory;
+    ViewState state;
+    state.model->startDemo(demo::makeDemo(demo::Scenario::watch, state.now));
+    ASSERT_EQ(renderSnapshots({.model = *state.model, .directory = directory / "new/pictures"}), 0);
+    for (const char* look : {"light", "dark"}) {
+        const std::string name = std::string("new/pictures/popover-") + look;
+        const QImage plain(QString::fromStdString(directory / (name + ".png")));
+        const QImage dense(QString::fromStdString(directory / (name + "@2x.png")));
+        EXPECT_GT(plain.width(), 250);
+        EXPECT_EQ(dense.size(), plain.size() * 2);
+        EXPECT_NE(dense, plain.scaled(dense.size()));
+        EXPECT_EQ(plain.pixelColor(0, 0).alpha(), 0) << "outside the round corner";
+        const QColor middle = plain.pixelColor(plain.width() / 2, plain.height() - 3);
+        EXPECT_EQ(middle.lightnessF() < 0.5, std::string(look) == "dark");
+    }
+    directory.write("file", "");
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(renderSnapshots({.model = *state.model, .directory = directory / "file"}), 1);
+    EXPECT_EQ(renderSnapshots({.model = *state.model, .directory = "/proc/pictures"}), 1);
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::HasSubstr("/proc/pictures"));
+}
+
+}  // namespace
+}  // namespace vorn
+
+int main(int argc, char** argv) {
+    testing::InitGoogleMock(&argc, argv);
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QGuiApplication application(argc, argv);
+    if (const char* const font = std::getenv("VORN_VIEW_FONT")) {
+        QGuiApplication::setFont(QFont(font, 10));
+    }
+    vorn::ViewEngine::useSoftwareRendering();
+    return RUN_ALL_TESTS();
+}

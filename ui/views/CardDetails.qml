@@ -1,0 +1,58 @@
+import QtQuick
+import Vorn
+
+/// What will happen to a window, when, and how fast; each on its own line, so that no font or language breaks it.
+Column {
+    id: details
+
+    required property int status
+    required property string verdict
+    required property string reset
+    required property string pace
+    required property string planned
+
+    topPadding: Theme.sizes.gap - Theme.sizes.tight
+    spacing: Theme.sizes.tight
+
+    VerdictLabel {
+        width: parent.width
+        wrapMode: Text.Wrap
+        status: details.status
+        text: details.verdict
+    }
+
+    DetailLabel {
+        text: details.reset
+    }
+
+    DetailLabel {
+        text: details.pace
+    }
+
+    Item {
+        width: parent.width
+        height: planned.height + Theme.sizes.near
+        visible: details.planned !== ""
+
+        Icon {
+            id: flag
+
+            anchors.left: parent.left
+            y: planned.y + Theme.sizes.hair
+            width: Theme.sizes.small + Theme.sizes.tight
+            height: width
+            symbol: Icon.Flag
+            color: Theme.colors.accent
+        }
+
+        DetailLabel {
+            id: planned
+
+            anchors.left: flag.right
+            anchors.leftMargin: Theme.sizes.gap
+            y: Theme.sizes.near
+            width: parent.width - flag.width - Theme.sizes.gap
+            text: details.planned
+        }
+    }
+}

@@ -1,0 +1,37 @@
+import QtQuick
+import Vorn
+
+/// The verdict and the reset of a compact card, on one line.
+Item {
+    id: summary
+
+    required property int status
+    required property string verdict
+    required property string shortReset
+
+    implicitHeight: verdict.y + verdict.implicitHeight
+
+    VerdictLabel {
+        id: verdict
+
+        anchors.left: parent.left
+        y: Theme.sizes.tight
+        width: Math.min(implicitWidth, parent.width - reset.implicitWidth - Theme.sizes.gap)
+        font.pixelSize: Theme.sizes.small
+        medium: false
+        elide: Text.ElideRight
+        status: summary.status
+        text: summary.verdict
+    }
+
+    Label {
+        id: reset
+
+        anchors.right: parent.right
+        anchors.baseline: verdict.baseline
+        font.pixelSize: Theme.sizes.small
+        color: Theme.colors.secondText
+        text: summary.shortReset
+        Accessible.ignored: true
+    }
+}

@@ -1,0 +1,110 @@
+import QtQuick
+import Vorn
+
+/// The answer in one sentence and one ring.
+Item {
+    id: head
+
+    required property SteerPresenter steer
+    property int headlineSize: Theme.sizes.head
+    property int ringSize: Theme.sizes.ring
+    readonly property color statusColor: Theme.colors.status(steer.status)
+
+    implicitHeight: Math.max(ring.height, texts.height) + 2 * (Theme.sizes.inset + 1)
+    activeFocusOnTab: true
+    Accessible.role: Accessible.StaticText
+    Accessible.name: steer.spoken
+
+    RingItem {
+        id: ring
+
+        anchors {
+            left: parent.left
+            leftMargin: Theme.sizes.inset - Theme.sizes.ringMargin
+            verticalCenter: parent.verticalCenter
+        }
+        width: head.ringSize
+        height: head.ringSize
+        color: head.statusColor
+        used: head.steer.used
+        segmented: head.steer.segmented
+        mark: head.steer.mark
+        angle: head.steer.angle
+
+        Behavior on angle {
+            NumberAnimation {
+                duration: Theme.tiltDuration
+                easing.type: Easing.OutCubic
+            }
+        }
+        Behavior on used {
+            NumberAnimation {
+                duration: Theme.barDuration
+                easing.type: Easing.OutCubic
+            }
+        }
+    }
+
+    Column {
+        id: texts
+
+        anchors {
+            left: ring.right
+            leftMargin: Theme.sizes.between
+            right: parent.right
+            rightMargin: Theme.sizes.inset
+            verticalCenter: parent.verticalCenter
+        }
+        spacing: Theme.sizes.tight
+
+        BalancedText {
+            width: parent.width
+            semibold: true
+            font.pixelSize: head.headlineSize
+            text: head.steer.headline
+        }
+
+        Item {
+            width: parent.width
+            height: reason.height
+            visible: reason.text !== ""
+
+            Row {
+                LayoutMirroring.enabled: false
+                x: head.LayoutMirroring.enabled ? parent.width - width : 0
+
+                Label {
+                    id: reason
+
+                    width: Math.min(implicitWidth, texts.width - (factor.visible ? dot.width + factor.width : 0))
+                    color: Theme.colors.secondText
+                    elide: Text.ElideMiddle
+                    text: head.steer.reason
+                    Accessible.ignored: true
+                }
+
+                Label {
+                    id: dot
+
+                    visible: factor.visible
+                    color: Theme.colors.secondText
+                    text: " · "
+                    Accessible.ignored: true
+                }
+
+                Label {
+                    id: factor
+
+                    visible: text !== ""
+                    medium: true
+                    text: head.steer.factor
+                    Accessible.ignored: true
+                }
+            }
+        }
+    }
+
+    FocusRing {
+        distance: -2 * Theme.sizes.near
+    }
+}

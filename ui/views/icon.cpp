@@ -1,0 +1,91 @@
+#include "ui/views/icon.hpp"
+
+#include <QPainter>
+#include <QPainterPath>
+#include <initializer_list>
+
+namespace vorn {
+namespace {
+
+void addLine(QPainterPath& path, std::initializer_list<QPointF> points) {
+    const QPointF* point = points.begin();
+    path.moveTo(*point);
+    while (++point != points.end()) {
+        path.lineTo(*point);
+    }
+}
+
+void addArc(QPainterPath& path, const QRectF& box, double fromDegrees, double byDegrees) {
+    path.arcMoveTo(box, fromDegrees);
+    path.arcTo(box, fromDegrees, byDegrees);
+}
+
+void addDot(QPainterPath& path, QPointF center, double radius) {
+    path.addEllipse(center, radius, radius);
+}
+
+/// Strokes in a box of 16 by 16, one and a half wide; angles count from three o'clock anticlockwise.
+QPainterPath strokes(Icon::Symbol symbol) {
+    QPainterPath path;
+    switch (symbol) {
+        case Icon::Refresh:
+            addArc(path, {2.5, 2.5, 11, 11}, 30, 300);
+            addLine(path, {{13.6, 2.2}, {13.6, 5.6}, {10.2, 5.6}});
+            break;
+        case Icon::Ellipsis:
+            addDot(path, {3, 8}, 0.6);
+            addDot(path, {8, 8}, 0.6);
+            addDot(path, {13, 8}, 0.6);
+            break;
+        case Icon::Chart:
+            addLine(path, {{2, 2}, {2, 14}, {14.2, 14}});
+            addLine(path, {{4.8, 10.2}, {7.6, 6.6}, {9.8, 8.8}, {13.4, 4}});
+            break;
+        case Icon::Sliders:
+            addLine(path, {{1.8, 4.8}, {7.8, 4.8}});
+            addLine(path, {{12.2, 4.8}, {14.2, 4.8}});
+            addDot(path, {10, 4.8}, 2.1);
+            addLine(path, {{1.8, 11.2}, {3.8, 11.2}});
+            addLine(path, {{8.2, 11.2}, {14.2, 11.2}});
+            addDot(path, {6, 11.2}, 2.1);
+            break;
+        case Icon::Power:
+            addArc(path, {2.5, 3, 11, 11}, 125, 290);
+            addLine(path, {{8, 1.8}, {8, 7.6}});
+            break;
+        case Icon::Flag:
+            addLine(path, {{3.2, 14.2}, {3.2, 2.2}, {12.6, 2.2}, {10.6, 5.2}, {12.6, 8.2}, {3.2, 8.2}});
+            break;
+        case Icon::Warning:
+            addLine(path, {{8, 2.2}, {14.4, 13.4}, {1.6, 13.4}, {8, 2.2}});
+            path.closeSubpath();
+            addLine(path, {{8, 6.4}, {8, 9.4}});
+            addDot(path, {8, 11.4}, 0.15);
+            break;
+        case Icon::ChevronDown:
+            addLine(path, {{4, 6}, {8, 10}, {12, 6}});
+            break;
+        case Icon::ChevronUp:
+            addLine(path, {{4, 10}, {8, 6}, {12, 10}});
+            break;
+    }
+    return path;
+}
+
+}  // namespace
+
+void Icon::setSymbol(Symbol symbol) {
+    if (change(m_symbol, symbol)) {
+        emit symbolChanged();
+    }
+}
+
+void Icon::paint(QPainter* painter) {
+    constexpr double kBox = 16;
+    constexpr double kLine = 1.5;
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->scale(width() / kBox, height() / kBox);
+    painter->strokePath(strokes(m_symbol), QPen(color(), kLine, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+}
+
+}  // namespace vorn

@@ -1,0 +1,55 @@
+#include "ui/views/ring_item.hpp"
+
+#include <QPainter>
+#include <algorithm>
+
+#include "ui/glyph/day_ring.hpp"
+
+namespace vorn {
+
+void RingItem::setUsed(double percent) {
+    if (change(m_used, percent)) {
+        emit changed();
+    }
+}
+
+void RingItem::setSegmented(bool segmented) {
+    if (change(m_segmented, segmented)) {
+        emit changed();
+    }
+}
+
+void RingItem::setMark(Mark mark) {
+    if (change(m_mark, mark)) {
+        emit changed();
+    }
+}
+
+void RingItem::setAngle(double degrees) {
+    if (change(m_angle, degrees)) {
+        emit changed();
+    }
+}
+
+void RingItem::paint(QPainter* painter) {
+    DayRing::Ring ring{.side = std::min(width(), height()), .segmented = m_segmented};
+    if (m_used >= 0) {
+        ring.used = m_used;
+    }
+    switch (m_mark) {
+        case NoMark:
+            break;
+        case Arrow:
+            ring.center = DayRing::Arrow{m_angle};
+            break;
+        case Stop:
+            ring.center = DayRing::Stop{};
+            break;
+        case Dash:
+            ring.center = DayRing::Dash{};
+            break;
+    }
+    DayRing::paint(*painter, ring, color());
+}
+
+}  // namespace vorn

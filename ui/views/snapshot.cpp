@@ -1,0 +1,82 @@
+#include "ui/views/snapshot.hpp"
+
+#include <QQmlEngine>
+#include <QSaveFile>
+#include <array>
+#include <cstdio>
+#include <system_error>
+
+#include <fmt/format.h>
+
+#include "app/model/usage_model.hpp"
+#include "platform/desktop_appearance.hpp"
+#include "ui/views/freshness_presenter.hpp"
+#include "ui/views/steer_presenter.hpp"
+#include "ui/views/view_engine.hpp"
+#include "ui/views/view_picture.hpp"
+#include "ui/views/window_list_model.hpp"
+
+namespace vorn {
+namespace {
+
+constexpr std::array kPixelRatios{1, 2};
+
+int fail(const std::string& what) {
+    fmt::print(stderr, "vorn: {}\n", what);
+    return 1;
+}
+
+std::string fileName(const char* view, bool isDark, int pixelRatio) {
+    const std::string density = pixelRatio == 1 ? "" : fmt::format("@{}x", pixelRatio);
+    return fmt::format("{}-{}{}.png", view, isDark ? "dark" : "light", density);
+}
+
+QImage popoverPicture(QQmlEngine& engine, const SnapshotRequest& request, int pixelRatio) {
+    SteerPresenter steer(request.model);
+    WindowListModel windows(request.model);
+    FreshnessPresenter freshness(request.model);
+    return pictureOf(engine, {.view = QUrl("qrc:/qt/qml/Vorn/PopoverView.qml"),
+                              .properties = {{"steer", QVariant::fromValue(&steer)},
+                                             {"windows", QVariant::fromValue(&windows)},
+                                             {"freshness", QVariant::fromValue(&freshness)},
+                                             {"hasDashboard", request.hasDashboard},
+                                             {"hasSettings", request.hasSettings}},
+                              .pixelRatio = static_cast<double>(pixelRatio)});
+}
+
+/// Empty, or what went wrong.
+std::string save(const QImage& image, const std::filesystem::path& path) {
+    if (image.isNull()) {
+        return "cannot draw " + path.filename().string();
+    }
+    QSaveFile file(QString::fromStdString(path.string()));
+    if (!file.open(QIODevice::WriteOnly) || !image.save(&file, "PNG") || !file.commit()) {
+        return fmt::format("cannot write {}: {}", path.string(), file.errorString().toStdString());
+    }
+    return {};
+}
+
+}  // namespace
+
+int renderSnapshots(const SnapshotRequest& request) {
+    std::error_code error;
+    std::filesystem::create_directories(request.directory, error);
+    if (error) {
+        return fail(fmt::format("cannot make {}: {}", request.directory.string(), error.message()));
+    }
+    for (const bool isDark : {false, true}) {
+        DesktopAppearance appearance;
+        appearance.setLook({.isDark = isDark, .reducedMotion = true});
+        ViewEngine engine(appearance);
+        const auto hold = engine.hold();
+        for (const int pixelRatio : kPixelRatios) {
+            const auto path = request.directory / fileName("popover", isDark, pixelRatio);
+            if (const auto problem = save(popoverPicture(*hold, request, pixelRatio), path); !problem.empty()) {
+                return fail(problem);
+            }
+        }
+    }
+    return 0;
+}
+
+}  // namespace vorn

@@ -1,0 +1,126 @@
+#include "ui/views/window_list_model.hpp"
+
+#include <utility>
+
+#include "app/model/usage_model.hpp"
+#include "ui/views/head_window.hpp"
+
+namespace vorn {
+namespace {
+
+/// Of more windows, only the one that the head speaks of is shown in full.
+constexpr std::size_t kMostOpen = 4;
+
+}  // namespace
+
+WindowListModel::WindowListModel(UsageModel& model, QObject* parent) : QAbstractListModel(parent), m_model(model) {
+    connect(&model, &UsageModel::changed, this, &WindowListModel::update);
+    update();
+}
+
+int WindowListModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : count();
+}
+
+QVariant WindowListModel::data(const QModelIndex& index, int role) const {
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid)) {
+        return {};
+    }
+    const auto& [card, isFoldable] = m_rows[static_cast<std::size_t>(index.row())];
+    switch (role) {
+        case Qt::DisplayRole:
+        case Title:
+            return card.title;
+        case Status:
+            return QVariant::fromValue(card.status);
+        case StatusText:
+            return card.statusText;
+        case UsedText:
+            return card.usedText;
+        case Used:
+            return card.used;
+        case Projected:
+            return card.projected;
+        case EvenPace:
+            return card.evenPace;
+        case Segments:
+            return card.segments;
+        case Verdict:
+            return card.verdict;
+        case Reset:
+            return card.reset;
+        case ShortReset:
+            return card.shortReset;
+        case Pace:
+            return card.pace;
+        case PlannedReset:
+            return card.plannedReset;
+        case Spoken:
+            return card.spoken;
+        case Foldable:
+            return isFoldable;
+        default:
+            return {};
+    }
+}
+
+QHash<int, QByteArray> WindowListModel::roleNames() const {
+    return {{Title, "title"},
+            {Status, "status"},
+            {StatusText, "statusText"},
+            {UsedText, "usedText"},
+            {Used, "used"},
+            {Projected, "projected"},
+            {EvenPace, "evenPace"},
+            {Segments, "segments"},
+            {Verdict, "verdict"},
+            {Reset, "reset"},
+            {ShortReset, "shortReset"},
+            {Pace, "pace"},
+            {PlannedReset, "planned"},
+            {Spoken, "spoken"},
+            {Foldable, "foldable"}};
+}
+
+void WindowListModel::setRows(std::vector<Row> rows) {
+    const int before = count();
+    std::size_t at = 0;
+    for (Row& row : rows) {
+        while (at < m_rows.size() && m_rows[at].card.kind < row.card.kind) {
+            beginRemoveRows({}, static_cast<int>(at), static_cast<int>(at));
+            m_rows.erase(m_rows.begin() + static_cast<std::ptrdiff_t>(at));
+            endRemoveRows();
+        }
+        if (at == m_rows.size() || m_rows[at].card.kind != row.card.kind) {
+            beginInsertRows({}, static_cast<int>(at), static_cast<int>(at));
+            m_rows.insert(m_rows.begin() + static_cast<std::ptrdiff_t>(at), std::move(row));
+            endInsertRows();
+        } else if (m_rows[at] != row) {
+            m_rows[at] = std::move(row);
+            emit dataChanged(index(static_cast<int>(at)), index(static_cast<int>(at)));
+        }
+        ++at;
+    }
+    if (at < m_rows.size()) {
+        beginRemoveRows({}, static_cast<int>(at), count() - 1);
+        m_rows.resize(at, {.card = {.kind = WindowKind::session()}});
+        endRemoveRows();
+    }
+    if (count() != before) {
+        emit countChanged();
+    }
+}
+
+void WindowListModel::update() {
+    const WindowAssessment* const tight = headWindow(m_model);
+    const bool areMany = m_model.assessments().size() > kMostOpen;
+    std::vector<Row> rows;
+    rows.reserve(m_model.assessments().size());
+    for (const WindowAssessment& assessment : m_model.assessments()) {
+        rows.push_back(
+            {.card = windowCardContent(assessment, m_model.now()), .isFoldable = areMany && &assessment != tight});
+    }
+    setRows(std::move(rows));
+}
+
+}  // namespace vorn

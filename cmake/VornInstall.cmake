@@ -2,6 +2,9 @@
 include(GNUInstallDirs)
 
 install(TARGETS vornctl)
+if(VORN_APP)
+  install(TARGETS vorn)
+endif()
 # Nobody runs it by hand: vornctl copies it to where Claude Code finds it.
 install(TARGETS vorn-bridge DESTINATION ${CMAKE_INSTALL_LIBEXECDIR}/vorn)
 install(FILES docs/man/vornctl.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)

@@ -1,0 +1,217 @@
+#include "app/app_delegate.hpp"
+
+#include <QCoreApplication>
+#include <QCursor>
+#include <QFileDialog>
+#include <QSettings>
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+
+#include "app/model/model_parts.hpp"
+#include "app/tool_tip.hpp"
+#include "core/data/vorn_paths.hpp"
+#include "core/sources/status_line_connection.hpp"
+
+namespace vorn {
+namespace {
+
+/// How long a panel may take to come up after login before somebody is told that there is none.
+constexpr std::chrono::seconds kHostPatience{20};
+
+MenuBarGlyph::Palette palette(const DesktopAppearance& appearance, bool onDarkPanel) {
+    if (appearance.highContrast()) {
+        return MenuBarGlyph::Palette::highContrast(onDarkPanel);
+    }
+    return onDarkPanel ? MenuBarGlyph::Palette::onDark() : MenuBarGlyph::Palette::onLight();
+}
+
+bool isRing(MenuBarItem item) {
+    return item == MenuBarItem::tightestRing || item == MenuBarItem::sessionRing || item == MenuBarItem::weekRing;
+}
+
+/// The items that get a cell or a place in the strip.
+std::vector<MenuBarItem> shownItems(const Preferences& preferences) {
+    std::vector<MenuBarItem> items = preferences.menuBarItems();
+    if (!StatusItem::hasCells() || preferences.trayCells() == TrayCells::perItem) {
+        return items;
+    }
+    const auto ring = std::ranges::find_if(items, isRing);
+    return {ring == items.end() ? MenuBarItem::tightestRing : *ring};
+}
+
+}  // namespace
+
+AppDelegate::AppDelegate(std::optional<demo::Scenario> demo)
+    : m_demo(demo),
+      m_preferences(Preferences::standardStore()),
+      m_model(std::make_unique<UsageModel>(m_preferences, makeModelParts())),
+      m_loginItem(demo ? nullptr : LoginItem::system()),
+      m_integrations(StatusLineConnection::current(), m_loginItem.get()),
+      m_notificationCenter(NotificationCenter::system()),
+      m_notifier(m_notificationCenter.get()),
+      m_wakeSignal(WakeSignal::system()),
+      m_appearance(DesktopAppearance::system()),
+      m_panelBrightness(PanelBrightness::system(*m_appearance)),
+      m_statusItem(StatusItem::system(m_menu)),
+      m_viewEngine(*m_appearance),
+      m_popover(*m_model, m_viewEngine),
+      m_hotKey(HotKey::system()) {
+    if (demo) {
+        m_preferences.detachFromStore();
+        m_integrations.setReadOnly(tr("This is a demonstration: nothing is connected or changed."));
+    }
+}
+
+AppDelegate::~AppDelegate() = default;
+
+void AppDelegate::finishLaunching() {
+    fillMenu();
+    connectModel();
+    connectPopover();
+    connectDesktop();
+    updateStatusItem();
+    m_notifier.requestAuthorization([this] { evaluateNotices(); });
+    observePreferences();
+    startData();
+    m_integrations.refresh();
+    if (!m_demo) {
+        m_choices = std::make_unique<ChoicesFile>(m_preferences, VornPaths::sharedChoices());
+    }
+    connect(&m_hostPatience, &QTimer::timeout, this, &AppDelegate::tellMissingHost);
+    m_hostPatience.setSingleShot(true);
+    m_hostPatience.start(kHostPatience);
+}
+
+void AppDelegate::fillMenu() {
+    m_menu.addAction(tr("Show usage"), this, [this] { togglePopover(anchorOfClick()); });
+    m_menu.addAction(tr("Refresh"), m_model.get(), &UsageModel::probe);
+    m_menu.addSeparator();
+    m_menu.addAction(tr("Quit Vorn"), qApp, &QCoreApplication::quit);
+}
+
+void AppDelegate::connectModel() {
+    connect(m_model.get(), &UsageModel::changed, this, [this] {
+        updateStatusItem();
+        evaluateNotices();
+    });
+    connect(m_model.get(), &UsageModel::lastProbeErrorChanged, this, &AppDelegate::updateStatusItem);
+}
+
+void AppDelegate::connectPopover() {
+    connect(&m_popover, &PopoverWindow::opened, this, [this] {
+        m_model->refreshIfStale();
+        m_integrations.refresh();
+    });
+    connect(&m_popover, &PopoverWindow::refreshRequested, m_model.get(), &UsageModel::probe);
+    connect(&m_popover, &PopoverWindow::chooseClaudeRequested, this, &AppDelegate::chooseClaude);
+    connect(&m_popover, &PopoverWindow::quitRequested, qApp, &QCoreApplication::quit);
+}
+
+void AppDelegate::connectDesktop() {
+    connect(m_statusItem.get(), &StatusItem::activated, this, [this] { togglePopover(anchorOfClick()); });
+    connect(m_statusItem.get(), &StatusItem::hostChanged, this, &AppDelegate::updateStatusItem);
+    connect(m_hotKey.get(), &HotKey::pressed, this, [this] { togglePopover(PopoverAnchor::inCorner(QCursor::pos())); });
+    connect(m_wakeSignal.get(), &WakeSignal::woke, m_model.get(), &UsageModel::refreshIfStale);
+    connect(m_panelBrightness.get(), &PanelBrightness::changed, this, &AppDelegate::updateStatusItem);
+    if (m_notificationCenter) {
+        connect(m_notificationCenter.get(), &NotificationCenter::activated, this, &AppDelegate::showPopover);
+    }
+}
+
+void AppDelegate::observePreferences() {
+    const auto recompute = [this] {
+        m_model->recompute();
+    };
+    connect(&m_preferences, &Preferences::colorWhenAtRiskChanged, this, recompute);
+    connect(&m_preferences, &Preferences::glyphStyleChanged, this, recompute);
+    connect(&m_preferences, &Preferences::menuBarLayoutChanged, this, recompute);
+    connect(&m_preferences, &Preferences::trayCellsChanged, this, recompute);
+    connect(&m_preferences, &Preferences::useLocalActivityChanged, this, recompute);
+    connect(&m_preferences, &Preferences::notifyAtRiskChanged, this, recompute);
+    connect(&m_preferences, &Preferences::notifyLimitedChanged, this, recompute);
+    connect(&m_preferences, &Preferences::notifyResetChanged, this, recompute);
+    connect(&m_preferences, &Preferences::claudePathOverrideChanged, m_model.get(), &UsageModel::probe);
+}
+
+void AppDelegate::startData() {
+    if (m_demo) {
+        m_model->startDemo(demo::makeDemo(*m_demo, systemNow()));
+    } else {
+        m_model->start();
+    }
+}
+
+void AppDelegate::showPopover() {
+    m_popover.open(PopoverAnchor::inCorner(QCursor::pos()));
+}
+
+void AppDelegate::togglePopover(const PopoverAnchor& anchor) {
+    m_popover.toggle(anchor);
+}
+
+PopoverAnchor AppDelegate::anchorOfClick() const {
+    if (const auto cell = m_statusItem->geometry()) {
+        return {PopoverAnchor::Kind::trayCell, *cell};
+    }
+    return PopoverAnchor::atCursor(QCursor::pos());
+}
+
+void AppDelegate::evaluateNotices() {
+    m_notifier.evaluate(m_model->assessments(), m_preferences, systemNow());
+}
+
+AppDelegate::Shown AppDelegate::wantedStatus() const {
+    return {.parts = MenuBarGlyph::parts(shownItems(m_preferences), *m_model),
+            .look = {.style = m_preferences.glyphStyle(),
+                     .tint = m_preferences.colorWhenAtRisk(),
+                     .palette = palette(*m_appearance, m_panelBrightness->isDark())},
+            .toolTip = toolTip(*m_model)};
+}
+
+void AppDelegate::updateStatusItem() {
+    Shown wanted = wantedStatus();
+    if (m_shown == wanted) {
+        return;
+    }
+    StatusContent content{.toolTip = wanted.toolTip};
+    if (StatusItem::hasCells()) {
+        for (const MenuBarPart& part : wanted.parts) {
+            content.images.emplace_back(
+                [part, look = wanted.look](int side) { return MenuBarGlyph::cell(part, look, side); });
+        }
+    } else {
+        content.isTemplate = MenuBarGlyph::isTemplate(wanted.parts, wanted.look);
+        content.images.emplace_back([parts = wanted.parts, look = wanted.look](int height) {
+            return MenuBarGlyph::image(parts, look, height);
+        });
+    }
+    m_statusItem->show(std::move(content));
+    m_shown = std::move(wanted);
+}
+
+void AppDelegate::chooseClaude() {
+    auto* dialog = new QFileDialog(nullptr, tr("Choose the claude executable"));
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setFileMode(QFileDialog::ExistingFile);
+    connect(dialog, &QFileDialog::fileSelected, this,
+            [this](const QString& file) { m_preferences.setClaudePathOverride(file); });
+    dialog->open();
+}
+
+void AppDelegate::tellMissingHost() {
+    if (m_statusItem->hasHost()) {
+        return;
+    }
+    const QString open =
+        m_hotKey->isRegistered() ? tr("Press %1").arg(m_hotKey->keys()) : tr("Run \"vorn --show-popover\"");
+    const QString text = tr("Vorn is running, but this desktop shows no tray. %1 to see your usage. "
+                            "On GNOME the AppIndicator extension adds a tray.")
+                             .arg(open);
+    if (m_notifier.isAuthorized()) {
+        m_notificationCenter->post({.id = "no-tray", .title = tr("Vorn has no tray to sit in"), .body = text});
+    }
+    std::fprintf(stderr, "vorn: %s\n", qPrintable(text));
+}
+
+}  // namespace vorn

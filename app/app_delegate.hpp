@@ -1,0 +1,88 @@
+#pragma once
+
+#include <QMenu>
+#include <QObject>
+#include <QTimer>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "app/command_line.hpp"
+#include "app/model/choices_file.hpp"
+#include "app/model/integrations.hpp"
+#include "app/model/notifier.hpp"
+#include "app/model/preferences.hpp"
+#include "app/model/usage_model.hpp"
+#include "platform/desktop_appearance.hpp"
+#include "platform/hot_key.hpp"
+#include "platform/login_item.hpp"
+#include "platform/notification_center.hpp"
+#include "platform/panel_brightness.hpp"
+#include "platform/status_item.hpp"
+#include "platform/wake_signal.hpp"
+#include "ui/glyph/menu_bar_glyph.hpp"
+#include "ui/views/popover_window.hpp"
+
+namespace vorn {
+
+/// Makes the long-lived objects, connects them, and lets the user's clicks and keys reach them. Everything lives until
+/// the process ends. Main thread only.
+class AppDelegate : public QObject {
+    Q_OBJECT
+
+public:
+    /// A demonstration changes nothing outside the process.
+    explicit AppDelegate(std::optional<demo::Scenario> demo);
+    ~AppDelegate() override;
+
+    /// Puts the glyph into the tray and starts to read.
+    void finishLaunching();
+
+    void showPopover();
+    [[nodiscard]] UsageModel& model() { return *m_model; }
+
+private:
+    void connectModel();
+    void connectPopover();
+    void connectDesktop();
+    void fillMenu();
+    void observePreferences();
+    void startData();
+    void togglePopover(const PopoverAnchor& anchor);
+    [[nodiscard]] PopoverAnchor anchorOfClick() const;
+    void evaluateNotices();
+    void updateStatusItem();
+    void chooseClaude();
+    /// Says once that nothing is to be seen of Vorn on this desktop, and what to do.
+    void tellMissingHost();
+
+    /// What the tray shows; a new image is made only when this changes.
+    struct Shown {
+        std::vector<MenuBarPart> parts;
+        MenuBarGlyph::Look look;
+        QString toolTip;
+        bool operator==(const Shown&) const = default;
+    };
+    [[nodiscard]] Shown wantedStatus() const;
+
+    const std::optional<demo::Scenario> m_demo;
+    Preferences m_preferences;
+    std::unique_ptr<ChoicesFile> m_choices;
+    std::unique_ptr<UsageModel> m_model;
+    std::unique_ptr<LoginItem> m_loginItem;
+    Integrations m_integrations;
+    std::unique_ptr<NotificationCenter> m_notificationCenter;
+    Notifier m_notifier;
+    std::unique_ptr<WakeSignal> m_wakeSignal;
+    std::unique_ptr<DesktopAppearance> m_appearance;
+    std::unique_ptr<PanelBrightness> m_panelBrightness;
+    QMenu m_menu;
+    std::unique_ptr<StatusItem> m_statusItem;
+    std::optional<Shown> m_shown;
+    ViewEngine m_viewEngine;
+    PopoverWindow m_popover;
+    std::unique_ptr<HotKey> m_hotKey;
+    QTimer m_hostPatience;
+};
+
+}  // namespace vorn

@@ -51,8 +51,23 @@ private:
 struct PictureLook {
     DesktopAppearance::Look look;
     double pixelRatio = 1;
-    int maximumHeight = 0;
+    bool inManyWords = false;
 };
+
+/// Texts as long as they become in other languages.
+void lengthen(WindowListModel& windows, const UsageModel& model) {
+    std::vector<WindowListModel::Row> rows;
+    for (const WindowAssessment& assessment : model.assessments()) {
+        WindowCardContent card = windowCardContent(assessment, model.now());
+        card.title += " über alle Modelle";
+        card.statusText = "Komfortabel";
+        for (QString* const text : {&card.verdict, &card.reset, &card.shortReset, &card.pace}) {
+            *text += " " + text->left(text->size() / 2);
+        }
+        rows.push_back({.card = card, .isFoldable = model.assessments().size() > 4});
+    }
+    windows.setRows(std::move(rows));
+}
 
 QImage picture(UsageModel& model, const PictureLook& with) {
     DesktopAppearance appearance;
@@ -62,13 +77,15 @@ QImage picture(UsageModel& model, const PictureLook& with) {
     SteerPresenter steer(model);
     WindowListModel windows(model);
     FreshnessPresenter freshness(model);
+    if (with.inManyWords) {
+        lengthen(windows, model);
+    }
     return pictureOf(*hold, {.view = QUrl("qrc:/qt/qml/Vorn/PopoverView.qml"),
                              .properties = {{"steer", QVariant::fromValue(&steer)},
                                             {"windows", QVariant::fromValue(&windows)},
                                             {"freshness", QVariant::fromValue(&freshness)},
                                             {"hasDashboard", true},
-                                            {"hasSettings", true},
-                                            {"maximumHeight", with.maximumHeight}},
+                                            {"hasSettings", true}},
                              .pixelRatio = with.pixelRatio});
 }
 
@@ -103,7 +120,9 @@ TEST(PopoverView, MirrorsGrowsAndTellsTheTimeAsTheUserDoes) {
         Qt::LayoutDirection direction;
         int points;
         double pixelRatio;
+        bool inManyWords = false;
     } cases[] = {{"right-to-left", Qt::RightToLeft, 10, 2},
+                 {"many-words", Qt::LeftToRight, 10, 2, true},
                  {"small-type", Qt::LeftToRight, 9, 1},
                  {"large-type", Qt::LeftToRight, 16, 1.5},
                  {"plain-screen", Qt::LeftToRight, 10, 1}};
@@ -117,7 +136,8 @@ TEST(PopoverView, MirrorsGrowsAndTellsTheTimeAsTheUserDoes) {
             const Warnings warnings;
             ViewState state;
             enter(state);
-            keepPicture(picture(*state.model, {.pixelRatio = c.pixelRatio}), name + "-" + c.name);
+            keepPicture(picture(*state.model, {.pixelRatio = c.pixelRatio, .inManyWords = c.inManyWords}),
+                        name + "-" + c.name);
             EXPECT_THAT(Warnings::texts(), testing::IsEmpty());
         }
     }

@@ -86,6 +86,7 @@ demo::Demo demoWithWindows(std::size_t count, Instant now) {
 
 std::vector<NamedViewState> allViewStates() {
     std::vector<NamedViewState> states;
+    states.reserve(demo::allScenarios.size());
     for (const demo::Scenario scenario : demo::allScenarios) {
         states.push_back({demo::name(scenario), [scenario](ViewState& state) {
                               demonstrate(state, scenario);

@@ -1,7 +1,7 @@
 import QtQuick
 import Vorn
 
-/// The verdict and the reset of a compact card, on one line.
+/// The verdict and the reset of a compact card, on one line. Where only one fits, it is the verdict.
 Item {
     id: summary
 
@@ -16,7 +16,7 @@ Item {
 
         anchors.left: parent.left
         y: Theme.sizes.tight
-        width: Math.min(implicitWidth, parent.width - reset.implicitWidth - Theme.sizes.gap)
+        width: Math.min(implicitWidth, parent.width)
         font.pixelSize: Theme.sizes.small
         medium: false
         elide: Text.ElideRight
@@ -28,6 +28,7 @@ Item {
         id: reset
 
         anchors.right: parent.right
+        visible: verdict.implicitWidth + Theme.sizes.gap + implicitWidth <= parent.width
         anchors.baseline: verdict.baseline
         font.pixelSize: Theme.sizes.small
         color: Theme.colors.secondText

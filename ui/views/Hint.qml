@@ -10,6 +10,7 @@ Rectangle {
     property alias text: label.text
 
     visible: false
+    opacity: visible ? 1 : 0
     z: 10
     width: Math.min(label.implicitWidth, Theme.sizes.popoverWidth - 2 * Theme.sizes.between) + 2 * Theme.sizes.gap
     height: label.height + Theme.sizes.gap
@@ -32,6 +33,12 @@ Rectangle {
         const rightmost = Window.width - width - Theme.sizes.near;
         x = Math.max(Theme.sizes.near, Math.min(left + (parent.width - width) / 2, rightmost)) - left;
         visible = true;
+    }
+
+    Behavior on opacity {
+        NumberAnimation {
+            duration: Theme.openDuration
+        }
     }
 
     Label {

@@ -29,8 +29,8 @@ QPainterPath strokes(Icon::Symbol symbol) {
     QPainterPath path;
     switch (symbol) {
         case Icon::Refresh:
-            addArc(path, {2.5, 2.5, 11, 11}, 30, 300);
-            addLine(path, {{13.6, 2.2}, {13.6, 5.6}, {10.2, 5.6}});
+            addArc(path, {2.5, 2.5, 11, 11}, 27, 303);
+            addLine(path, {{13.2, 1.9}, {13.2, 5.5}, {9.6, 5.5}});
             break;
         case Icon::Ellipsis:
             addDot(path, {3, 8}, 0.6);

@@ -25,8 +25,6 @@ Item {
     }
 
     Label {
-        id: reset
-
         anchors.right: parent.right
         visible: verdict.implicitWidth + Theme.sizes.gap + implicitWidth <= parent.width
         anchors.baseline: verdict.baseline

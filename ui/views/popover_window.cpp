@@ -102,8 +102,8 @@ PopoverWindow::~PopoverWindow() = default;
 void PopoverWindow::open(const PopoverAnchor& anchor) {
     m_anchor = anchor;
     const bool wasOpen = isOpen();
-    if (!wasOpen) {
-        createView();
+    if (!wasOpen && !createView()) {
+        return;
     }
     place();
     m_view->show();
@@ -168,9 +168,14 @@ void PopoverWindow::setHasSettings(bool has) {
     }
 }
 
-void PopoverWindow::createView() {
+bool PopoverWindow::createView() {
     m_hadFocus = false;
     m_view = std::make_unique<View>(m_engine.hold(), m_model);
+    if (!m_view->rootObject()) {
+        // Parts of Qt are not installed; the view has told which.
+        m_view.reset();
+        return false;
+    }
     m_view->installEventFilter(this);
     setHasDashboard(m_hasDashboard);
     setHasSettings(m_hasSettings);
@@ -184,17 +189,18 @@ void PopoverWindow::createView() {
     // Later: placing it lays it out once more, which must not happen while it is being laid out.
     connect(root, &QQuickItem::implicitHeightChanged, this, &PopoverWindow::place, Qt::QueuedConnection);
     connect(root, &QQuickItem::implicitWidthChanged, this, &PopoverWindow::place, Qt::QueuedConnection);
+    return true;
 }
 
 void PopoverWindow::place() {
-    if (!m_view) {
+    const QScreen* const screen = screenOf(m_anchor);
+    if (!m_view || !screen) {
         return;
     }
-    const QScreen& screen = *screenOf(m_anchor);
-    const int maximumHeight = qRound(screen.availableGeometry().height() * kMostOfHeight);
+    const QRect available = screen->availableGeometry();
+    const int maximumHeight = qRound(available.height() * kMostOfHeight);
     m_view->rootObject()->setProperty("maximumHeight", maximumHeight);
-    const QRect rect =
-        popoverRect(m_anchor, settledSize(*m_view->rootObject()), screen.geometry(), screen.availableGeometry());
+    const QRect rect = popoverRect(m_anchor, settledSize(*m_view->rootObject()), screen->geometry(), available);
     m_view->setMinimumSize(rect.size());
     m_view->setMaximumSize(rect.size());
     m_view->setGeometry(rect);

@@ -22,7 +22,7 @@ public:
     PopoverWindow(UsageModel& model, ViewEngine& engine, QObject* parent = nullptr);
     ~PopoverWindow() override;
 
-    /// Shows it with the keyboard focus; moves it when it is shown already.
+    /// Shows it with the keyboard focus; moves it when it is shown already. Stays closed where it cannot be loaded.
     void open(const PopoverAnchor& anchor);
     Q_SLOT void close();
     /// For a click on the tray or the hot key. The click that closes the popover by being outside it may arrive here as
@@ -49,7 +49,8 @@ protected:
 private:
     class View;
 
-    void createView();
+    /// Whether it could be made.
+    bool createView();
     void closeByOutsideClick();
     void place();
     void grabMouse(int attemptsLeft);

@@ -6,9 +6,12 @@
 #include <QSettings>
 #include <QSocketNotifier>
 #include <QTemporaryDir>
-#include <cstdio>
+#include <algorithm>
+#include <array>
 #include <iostream>
 #include <sstream>
+
+#include <unistd.h>
 
 #include "app/model/model_parts.hpp"
 #include "app/model/preferences.hpp"
@@ -88,12 +91,14 @@ int main(int count, char** arguments) {
         std::make_unique<QSettings>(directory.filePath(QStringLiteral("p.ini")), QSettings::IniFormat));
     const Gallery gallery{*item, look, preferences};
     gallery.show("at-risk");
-    QSocketNotifier input(fileno(stdin), QSocketNotifier::Read);
-    QObject::connect(&input, &QSocketNotifier::activated, [&] {
-        if (std::string line; std::getline(std::cin, line)) {
-            gallery.show(line);
-        } else {
-            input.setEnabled(false);
+    QSocketNotifier input(STDIN_FILENO, QSocketNotifier::Read);
+    QObject::connect(&input, &QSocketNotifier::activated, [&, pending = std::string()]() mutable {
+        std::array<char, 4096> bytes{};
+        const ssize_t length = read(STDIN_FILENO, bytes.data(), bytes.size());
+        input.setEnabled(length > 0);
+        pending.append(bytes.data(), static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
+        for (std::size_t end = 0; (end = pending.find('\n')) != std::string::npos; pending.erase(0, end + 1)) {
+            gallery.show(pending.substr(0, end));
         }
     });
     return QApplication::exec();

@@ -55,8 +55,9 @@ protected:
         return content;
     }
 
-    static void waitForItems(const FakePanel& panel, qsizetype count) {
-        waitFor([&] { return panel.items.size() == count; });
+    static void waitForItems(FakePanel& panel, std::size_t count) {
+        waitFor([&] { return panel.items.size() >= static_cast<qsizetype>(count); });
+        waitFor([&] { return panel.shown().size() == count; });
     }
 
     QMenu menu;

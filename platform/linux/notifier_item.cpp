@@ -2,6 +2,7 @@
 
 #include <QDBusMessage>
 #include <QDBusMetaType>
+#include <QDBusPendingCall>
 #include <QGuiApplication>
 #include <utility>
 
@@ -87,13 +88,13 @@ NotifierItem::~NotifierItem() {
     QDBusConnection::disconnectFromBus(name);
 }
 
-QDBusPendingCall NotifierItem::enroll() {
+void NotifierItem::enroll() {
     auto call = QDBusMessage::createMethodCall(
         QStringLiteral("org.kde.StatusNotifierWatcher"), QStringLiteral("/StatusNotifierWatcher"),
         QStringLiteral("org.kde.StatusNotifierWatcher"), QStringLiteral("RegisterStatusNotifierItem"));
     call << m_bus.baseService();
     call.setAutoStartService(false);
-    return m_bus.asyncCall(call);
+    m_bus.asyncCall(call);
 }
 
 void NotifierItem::setImages(const std::vector<QImage>& images) {
@@ -110,9 +111,20 @@ void NotifierItem::setToolTip(const QString& text) {
     }
 }
 
+void NotifierItem::setShown(bool isShown) {
+    if (std::exchange(m_isShown, isShown) != isShown) {
+        emit statusChanged(status());
+    }
+}
+
+QString NotifierItem::status() const {
+    return m_isShown ? QStringLiteral("Active") : QStringLiteral("Passive");
+}
+
 NotifierItemAdaptor::NotifierItemAdaptor(NotifierItem& item) : QDBusAbstractAdaptor(&item), m_item(item) {
     connect(&item, &NotifierItem::imagesChanged, this, &NotifierItemAdaptor::NewIcon);
     connect(&item, &NotifierItem::toolTipChanged, this, &NotifierItemAdaptor::NewToolTip);
+    connect(&item, &NotifierItem::statusChanged, this, &NotifierItemAdaptor::NewStatus);
 }
 
 QString NotifierItemAdaptor::title() const {
@@ -121,6 +133,11 @@ QString NotifierItemAdaptor::title() const {
 
 QDBusObjectPath NotifierItemAdaptor::menu() const {
     return QDBusObjectPath(kMenuPath);
+}
+
+TrayPixmaps NotifierItemAdaptor::iconPixmap() const {
+    emit m_item.read();
+    return m_item.pixmaps();
 }
 
 TrayToolTip NotifierItemAdaptor::toolTip() const {

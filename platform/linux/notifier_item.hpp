@@ -5,7 +5,6 @@
 #include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusObjectPath>
-#include <QDBusPendingCall>
 #include <QImage>
 #include <QObject>
 #include <QString>
@@ -32,8 +31,8 @@ struct TrayToolTip {
 QDBusArgument& operator<<(QDBusArgument& out, const TrayToolTip& toolTip);
 const QDBusArgument& operator>>(const QDBusArgument& in, TrayToolTip& toolTip);
 
-/// One tray cell as a StatusNotifierItem. It has a connection to the bus of its own, since a host drops an item only
-/// when its owner goes. What Qt offers for this gives every item of a program the same id, so that hosts, which order
+/// One tray cell as a StatusNotifierItem. It has a connection to the bus of its own, since hosts take a connection for
+/// one item. What Qt offers for this gives every item of a program the same id, so that hosts, which order
 /// by id, mix them up.
 class NotifierItem : public QObject {
     Q_OBJECT
@@ -43,29 +42,34 @@ public:
     NotifierItem(QString id, QObject& menu);
     ~NotifierItem() override;
 
-    /// Whether it is on the bus at all.
-    [[nodiscard]] bool isConnected() const { return m_bus.isConnected(); }
-    /// Tells the host's watcher of it.
-    [[nodiscard]] QDBusPendingCall enroll();
+    /// Tells the host's watcher of it. The host then asks for everything: `read`.
+    void enroll();
 
     void setImages(const std::vector<QImage>& images);
     void setToolTip(const QString& text);
+    /// Whether the host should show it; at first it should.
+    void setShown(bool isShown);
 
     [[nodiscard]] const QString& id() const { return m_id; }
     [[nodiscard]] const TrayPixmaps& pixmaps() const { return m_pixmaps; }
     [[nodiscard]] const QString& toolTip() const { return m_toolTip; }
+    [[nodiscard]] QString status() const;
 
 signals:
+    /// The host has asked for the image.
+    void read();
     /// A click with the main button.
     void activated();
     void imagesChanged();
     void toolTipChanged();
+    void statusChanged(const QString& status);
 
 private:
     QString m_id;
     QDBusConnection m_bus;
     TrayPixmaps m_pixmaps;
     QString m_toolTip;
+    bool m_isShown = true;
 };
 
 /// The interface that hosts call; named as they name things.
@@ -95,12 +99,12 @@ public:
     [[nodiscard]] QString category() const { return QStringLiteral("ApplicationStatus"); }
     [[nodiscard]] QString id() const { return m_item.id(); }
     [[nodiscard]] QString title() const;
-    [[nodiscard]] QString status() const { return QStringLiteral("Active"); }
+    [[nodiscard]] QString status() const { return m_item.status(); }
     [[nodiscard]] int windowId() const { return 0; }
     [[nodiscard]] bool itemIsMenu() const { return false; }
     [[nodiscard]] QDBusObjectPath menu() const;
     [[nodiscard]] QString none() const { return {}; }
-    [[nodiscard]] TrayPixmaps iconPixmap() const { return m_item.pixmaps(); }
+    [[nodiscard]] TrayPixmaps iconPixmap() const;
     [[nodiscard]] TrayPixmaps noPixmap() const { return {}; }
     [[nodiscard]] TrayToolTip toolTip() const;
 

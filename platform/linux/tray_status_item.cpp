@@ -1,18 +1,25 @@
 #include "platform/linux/tray_status_item.hpp"
 
-#include <QDBusPendingCallWatcher>
 #include <QIcon>
 #include <QPixmap>
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <utility>
 
 namespace vorn {
+
+using namespace std::chrono_literals;
 
 namespace {
 
 /// Heights of tray cells, once and twice, the largest first; a host scales what it does not find.
 constexpr std::array kSizes{64, 48, 44, 32, 24, 22, 16};
+
+/// A host asks for an item's properties, in several steps, before it gives it its place. The next item has to wait for
+/// that; so it does until there were no more questions for a moment, but not for longer than this.
+constexpr std::chrono::milliseconds kSettled = 50ms;
+constexpr std::chrono::milliseconds kPatience = 500ms;
 
 /// `before` again where nothing changed, for which the largest size speaks.
 std::vector<QImage> imagesOf(const StatusImage& draw, const std::vector<QImage>& before) {
@@ -38,6 +45,8 @@ QIcon iconOf(const std::vector<QImage>& images) {
 }  // namespace
 
 TrayStatusItem::TrayStatusItem(QMenu& menu) : m_menu(menu), m_trayMenu(menu) {
+    m_enrolling.setSingleShot(true);
+    connect(&m_enrolling, &QTimer::timeout, this, &TrayStatusItem::enrollNext);
     connect(&m_host, &TrayHost::restarted, this, &TrayStatusItem::rebuild);
     connect(&m_host, &TrayHost::shownChanged, this, &StatusItem::hostChanged);
 }
@@ -67,20 +76,20 @@ std::optional<QRect> TrayStatusItem::geometry() const {
 void TrayStatusItem::rebuild() {
     m_cells.clear();
     m_enrolled = 0;
+    m_enrolling.stop();
     update();
 }
 
 void TrayStatusItem::update() {
     const std::size_t count = m_host.kind() == TrayHost::Kind::none ? 0 : m_images.size();
-    while (m_cells.size() > count) {
-        m_cells.pop_back();
-    }
-    m_enrolled = std::min(m_enrolled, count);
     while (m_cells.size() < count) {
         addCell();
     }
-    for (std::size_t i = 0; i < count; ++i) {
-        draw(m_cells[i], m_images[m_host.addsToTheLeft() ? count - 1 - i : i]);
+    for (std::size_t i = 0; i < m_cells.size(); ++i) {
+        if (i < count) {
+            draw(m_cells[i], m_images[m_host.addsToTheLeft() ? count - 1 - i : i]);
+        }
+        setShown(m_cells[i], i < count);
     }
     enrollNext();
 }
@@ -90,6 +99,11 @@ void TrayStatusItem::addCell() {
     if (m_host.kind() == TrayHost::Kind::notifier) {
         cell.item = std::make_unique<NotifierItem>(QStringLiteral("vorn-%1").arg(m_cells.size() + 1), m_trayMenu);
         connect(cell.item.get(), &NotifierItem::activated, this, &StatusItem::activated);
+        connect(cell.item.get(), &NotifierItem::read, this, [this] {
+            if (m_enrolling.isActive()) {
+                m_enrolling.start(std::min(kSettled, std::chrono::milliseconds(m_patience.remainingTime())));
+            }
+        });
     } else {
         cell.embedded = std::make_unique<QSystemTrayIcon>();
         cell.embedded->setContextMenu(&m_menu);
@@ -114,7 +128,14 @@ void TrayStatusItem::draw(Cell& cell, const Images& images) {
         cell.item->setImages(images);
     } else {
         cell.embedded->setIcon(iconOf(images));
-        cell.embedded->show();
+    }
+}
+
+void TrayStatusItem::setShown(const Cell& cell, bool isShown) {
+    if (cell.item) {
+        cell.item->setShown(isShown);
+    } else {
+        cell.embedded->setVisible(isShown);
     }
 }
 
@@ -128,17 +149,12 @@ void TrayStatusItem::setToolTip(const Cell& cell) const {
 
 /// One after the other: each has a connection of its own, and the bus keeps no order between connections.
 void TrayStatusItem::enrollNext() {
-    if (m_enrolling || m_enrolled >= m_cells.size() || !m_cells[m_enrolled].item) {
+    if (m_enrolling.isActive() || m_enrolled >= m_cells.size() || !m_cells[m_enrolled].item) {
         return;
     }
-    NotifierItem& item = *m_cells[m_enrolled++].item;
-    // An item that goes before the host has answered takes the question with it.
-    m_enrolling = new QDBusPendingCallWatcher(item.enroll(), &item);
-    connect(m_enrolling, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* finished) {
-        finished->deleteLater();
-        m_enrolling = nullptr;
-        enrollNext();
-    });
+    m_cells[m_enrolled++].item->enroll();
+    m_patience.setRemainingTime(kPatience);
+    m_enrolling.start(kPatience);
 }
 
 std::unique_ptr<StatusItem> StatusItem::system(QMenu& menu) {

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <QDBusPendingCallWatcher>
+#include <QDeadlineTimer>
 #include <QMenu>
-#include <QPointer>
 #include <QSystemTrayIcon>
+#include <QTimer>
 #include <memory>
 #include <vector>
 
@@ -16,7 +16,8 @@ namespace vorn {
 
 /// The status item as one tray cell per image. Hosts order cells by when they came, and later by their ids; so a part
 /// that appears in the middle must not be a cell that appears in the middle. The cells stay where they are, what they
-/// show moves on, and only the one that came last goes.
+/// show moves on, and the ones that are too many are hidden. They are not taken away: xfce4-panel's tray has crashed
+/// when several went at once.
 class TrayStatusItem : public StatusItem {
     Q_OBJECT
 
@@ -40,7 +41,8 @@ private:
     void rebuild();
     void update();
     void addCell();
-    void draw(Cell& cell, const Images& images);
+    static void draw(Cell& cell, const Images& images);
+    static void setShown(const Cell& cell, bool isShown);
     void setToolTip(const Cell& cell) const;
     void enrollNext();
 
@@ -49,9 +51,10 @@ private:
     TrayHost m_host;
     std::vector<Images> m_images;  ///< Left to right.
     QString m_toolTip;
-    std::vector<Cell> m_cells;                      ///< As they came.
-    std::size_t m_enrolled = 0;                     ///< How many of them the host was told of.
-    QPointer<QDBusPendingCallWatcher> m_enrolling;  ///< What the host has not answered yet.
+    std::vector<Cell> m_cells;   ///< As they came.
+    std::size_t m_enrolled = 0;  ///< How many of them the host was told of.
+    QTimer m_enrolling;          ///< Runs while the host takes in the last one.
+    QDeadlineTimer m_patience;   ///< With that one.
 };
 
 }  // namespace vorn

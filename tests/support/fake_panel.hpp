@@ -56,27 +56,22 @@ public:
 
     /// A property of an item, asked for as a host does.
     QVariant property(const QString& item, const char* name) {
-        return call(item, "/StatusNotifierItem", "org.freedesktop.DBus.Properties", "Get",
-                    {QStringLiteral("org.kde.StatusNotifierItem"), QLatin1String(name)})
-            .arguments()
-            .value(0)
-            .value<QDBusVariant>()
-            .variant();
+        return answer(get(item, name)).arguments().value(0).value<QDBusVariant>().variant();
     }
     QDBusMessage call(const QString& item, const char* path, const char* interface, const char* method,
                       const QVariantList& arguments) {
         auto message =
             QDBusMessage::createMethodCall(item, QLatin1String(path), QLatin1String(interface), QLatin1String(method));
         message.setArguments(arguments);
-        const QDBusPendingCall pending = bus.asyncCall(message);
-        waitFor([&] { return pending.isFinished(); });
-        EXPECT_FALSE(pending.isError()) << pending.error().message().toStdString();
-        return pending.reply();
+        return answer(message);
     }
     /// The numbers that the cells show, in the order in which this panel has them.
     std::vector<int> shown() {
         std::vector<int> numbers;
         for (const QString& item : items) {
+            if (property(item, "Status") != QStringLiteral("Active")) {
+                continue;
+            }
             const auto pixmaps = qdbus_cast<TrayPixmaps>(property(item, "IconPixmap"));
             numbers.push_back(pixmaps.isEmpty() ? -1 : static_cast<unsigned char>(pixmaps.front().bytes.at(3)));
         }
@@ -93,6 +88,7 @@ public:
 public slots:
     void RegisterStatusNotifierItem(const QString& service) {  // NOLINT(readability-identifier-naming)
         items.append(service);
+        bus.asyncCall(get(service, "IconPixmap"));
         // The owner's end is the only way in which an item goes.
         auto* const watch = new QDBusServiceWatcher(service, bus, QDBusServiceWatcher::WatchForUnregistration, this);
         connect(watch, &QDBusServiceWatcher::serviceUnregistered, this, [this, service] { items.removeAll(service); });
@@ -105,6 +101,20 @@ signals:
     void StatusNotifierHostRegistered();
 
 private:
+    static QDBusMessage get(const QString& item, const char* name) {
+        auto message =
+            QDBusMessage::createMethodCall(item, QStringLiteral("/StatusNotifierItem"),
+                                           QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
+        message << QStringLiteral("org.kde.StatusNotifierItem") << QLatin1String(name);
+        return message;
+    }
+    QDBusMessage answer(const QDBusMessage& question) {
+        const QDBusPendingCall pending = bus.asyncCall(question);
+        waitFor([&] { return pending.isFinished(); });
+        EXPECT_FALSE(pending.isError()) << pending.error().message().toStdString();
+        return pending.reply();
+    }
+
     inline static int s_count = 0;
 };
 

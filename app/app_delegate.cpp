@@ -12,12 +12,15 @@
 #include "app/tool_tip.hpp"
 #include "core/data/vorn_paths.hpp"
 #include "core/sources/status_line_connection.hpp"
+#include "platform/memory.hpp"
 
 namespace vorn {
 namespace {
 
 /// How long a panel may take to come up after login before somebody is told that there is none.
 constexpr std::chrono::seconds kHostPatience{20};
+/// By then everything was read and drawn once, with memory and library code that is not needed again.
+constexpr std::chrono::seconds kSettled{60};
 
 MenuBarGlyph::Palette palette(const DesktopAppearance& appearance, bool onDarkPanel) {
     if (appearance.highContrast()) {
@@ -81,6 +84,7 @@ void AppDelegate::finishLaunching() {
     connect(&m_hostPatience, &QTimer::timeout, this, &AppDelegate::tellMissingHost);
     m_hostPatience.setSingleShot(true);
     m_hostPatience.start(kHostPatience);
+    QTimer::singleShot(kSettled, this, [] { releaseUnusedMemory(); });
 }
 
 void AppDelegate::fillMenu() {

@@ -33,7 +33,8 @@ std::string opening(const UsageModel& model) {
 
 QString toolTip(const UsageModel& model) {
     const auto head = Format::head(VornEngine::headline(model.assessments()), model.steer(), model.now());
-    std::string text = "Vorn · " + (head ? head->headline : opening(model));
+    std::string text =
+        (model.isDemo() ? "Vorn, demonstration · " : "Vorn · ") + (head ? head->headline : opening(model));
     for (const WindowAssessment& assessment : model.assessments()) {
         text += "\n" + line(assessment, model.now());
     }

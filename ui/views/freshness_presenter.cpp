@@ -68,6 +68,9 @@ QString freshnessText(const UsageModel& model, PhaseForViews::Phase phase) {
     if (model.isProbing()) {
         return "Asking claude /usage…";
     }
+    if (model.isDemo()) {
+        return "Demonstration, invented figures";
+    }
     if (phase == PhaseForViews::Ready) {
         return updatedText(model);
     }

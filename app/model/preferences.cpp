@@ -54,6 +54,14 @@ MenuBarLayout loadLayout(const PreferencesStore& store) {
                   : migratedMenuBarLayout(textOrEmpty(store, "steerWindow"), textOrEmpty(store, "menuBarText"));
 }
 
+QString placeKey(const QString& window) {
+    return QStringLiteral("windows/%1/place").arg(window);
+}
+
+QString maximizedKey(const QString& window) {
+    return QStringLiteral("windows/%1/maximized").arg(window);
+}
+
 }  // namespace
 
 std::unique_ptr<QSettings> Preferences::standardStore() {
@@ -100,6 +108,23 @@ void Preferences::change(Value& property, const Value& value, const char* key, c
     emit(this->*changed)();
     if (std::exchange(m_storeProblem, m_defaults->problem()) != m_defaults->problem()) {
         emit storeProblemChanged();
+    }
+}
+
+QRect Preferences::windowPlace(const QString& window) const {
+    return m_defaults->value(placeKey(window)).toRect();
+}
+
+bool Preferences::isWindowMaximized(const QString& window) const {
+    return m_defaults->value(maximizedKey(window)).toBool();
+}
+
+void Preferences::setWindowPlace(const QString& window, const QRect& place, bool isMaximized) {
+    if (place != windowPlace(window)) {
+        m_defaults->save(placeKey(window), place);
+    }
+    if (isMaximized != isWindowMaximized(window)) {
+        m_defaults->save(maximizedKey(window), isMaximized);
     }
 }
 

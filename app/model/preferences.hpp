@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QRect>
 #include <QString>
 #include <memory>
 
@@ -52,6 +53,9 @@ public:
     [[nodiscard]] const MenuBarLayout& menuBarLayout() const { return m_menuBarLayout; }
     /// The items that are on, in layout order.
     [[nodiscard]] std::vector<MenuBarItem> menuBarItems() const;
+    /// Where the user left a window; null when that is not known.
+    [[nodiscard]] QRect windowPlace(const QString& window) const;
+    [[nodiscard]] bool isWindowMaximized(const QString& window) const;
     /// What is wrong with the store (it cannot be read, or changes cannot be saved), for the settings; else empty.
     [[nodiscard]] const QString& storeProblem() const { return m_storeProblem; }
 
@@ -65,6 +69,7 @@ public:
     void setUseLocalActivity(bool on);
     void setGlyphStyle(GlyphStyle style);
     void setTrayCells(TrayCells cells);
+    void setWindowPlace(const QString& window, const QRect& place, bool isMaximized = false);
     /// Completed or freed of repetitions where it does not hold every item exactly once.
     void setMenuBarLayout(MenuBarLayout layout);
     /// Swaps the item with the one `offset` places to its right (negative: left); nothing when there is none there.

@@ -1,7 +1,7 @@
 #include <QAccessible>
+#include <QApplication>
 #include <QDir>
 #include <QFont>
-#include <QGuiApplication>
 #include <QImage>
 #include <QQmlEngine>
 #include <QQuickWindow>
@@ -273,7 +273,7 @@ TEST(Snapshot, WritesEveryViewInBothLooksAndDensities) {
 int main(int argc, char** argv) {
     testing::InitGoogleMock(&argc, argv);
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QGuiApplication application(argc, argv);
+    const QApplication application(argc, argv);
     if (const char* const font = std::getenv("VORN_VIEW_FONT")) {
         QGuiApplication::setFont(QFont(font, 10));
     }

@@ -10,6 +10,7 @@
 
 #include "app/model/usage_model.hpp"
 #include "platform/desktop_appearance.hpp"
+#include "ui/views/dashboard_content.hpp"
 #include "ui/views/freshness_presenter.hpp"
 #include "ui/views/steer_presenter.hpp"
 #include "ui/views/view_engine.hpp"
@@ -44,6 +45,21 @@ QImage popoverPicture(QQmlEngine& engine, const SnapshotRequest& request, int pi
                               .pixelRatio = static_cast<double>(pixelRatio)});
 }
 
+QImage dashboardPicture(QQmlEngine& engine, const SnapshotRequest& request, int pixelRatio) {
+    DashboardContent content(request.model);
+    QVariantMap properties = content.properties();
+    properties.insert("hasSettings", request.hasSettings);
+    return pictureOf(engine, {.view = QUrl("qrc:/qt/qml/Vorn/DashboardView.qml"),
+                              .properties = properties,
+                              .pixelRatio = static_cast<double>(pixelRatio)});
+}
+
+struct SnapshotView {
+    const char* name;
+    QImage (*picture)(QQmlEngine& engine, const SnapshotRequest& request, int pixelRatio);
+};
+constexpr std::array kViews{SnapshotView{"popover", popoverPicture}, SnapshotView{"dashboard", dashboardPicture}};
+
 /// Empty, or what went wrong.
 std::string save(const QImage& image, const std::filesystem::path& path) {
     if (image.isNull()) {
@@ -70,9 +86,11 @@ int renderSnapshots(const SnapshotRequest& request) {
         ViewEngine engine(appearance);
         const auto hold = engine.hold();
         for (const int pixelRatio : kPixelRatios) {
-            const auto path = request.directory / fileName("popover", isDark, pixelRatio);
-            if (const auto problem = save(popoverPicture(*hold, request, pixelRatio), path); !problem.empty()) {
-                return fail(problem);
+            for (const auto& [name, picture] : kViews) {
+                const auto path = request.directory / fileName(name, isDark, pixelRatio);
+                if (const auto problem = save(picture(*hold, request, pixelRatio), path); !problem.empty()) {
+                    return fail(problem);
+                }
             }
         }
     }

@@ -114,6 +114,8 @@ ThemeColors themeColors(const DesktopAppearance::Look& look) {
         raiseContrast(colors, look.isDark);
     }
     colors.track = translucent(colors.text, look.isDark ? 0.16 : 0.13);
+    colors.grid = translucent(colors.text, look.highContrast ? 0.25 : 0.09);
+    colors.area = translucent(colors.accent, look.isDark ? 0.16 : 0.13);
     colors.hover = translucent(colors.text, look.isDark ? 0.10 : 0.07);
     colors.pressed = translucent(colors.text, look.isDark ? 0.18 : 0.14);
     return colors;

@@ -29,6 +29,8 @@ struct ThemeColors {
     Q_PROPERTY(QColor accent MEMBER accent)
     Q_PROPERTY(QColor textOnAccent MEMBER textOnAccent)
     Q_PROPERTY(QColor track MEMBER track)
+    Q_PROPERTY(QColor grid MEMBER grid)
+    Q_PROPERTY(QColor area MEMBER area)
     Q_PROPERTY(QColor hover MEMBER hover)
     Q_PROPERTY(QColor pressed MEMBER pressed)
 
@@ -46,7 +48,9 @@ public:
     QColor atRisk;
     QColor limited;
     QColor textOnAccent;
-    QColor track;          ///< What of a bar is empty; translucent, as are the two below.
+    QColor track;          ///< What of a bar is empty; translucent, as are the four below.
+    QColor grid;           ///< Of a chart.
+    QColor area;           ///< Under a line in a chart.
     QColor hover;          ///< Over a control under the mouse.
     QColor pressed;        ///< Over a control held down.
     double tintShare = 0;  ///< Of a status in the head's background.

@@ -1,5 +1,6 @@
 #include "ui/views/view_picture.hpp"
 
+#include <QCoreApplication>
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickItem>
@@ -31,6 +32,8 @@ QImage pictureOf(QQmlEngine& engine, const ViewPicture& picture) {
     const QSize size = settledSize(*root);
     root->setSize(size);
     window.setGeometry(QRect(QPoint(), size));
+    // Charts draw themselves a moment after they were laid out.
+    QCoreApplication::processEvents();
 
     QImage image(size * picture.pixelRatio, QImage::Format_ARGB32_Premultiplied);
     image.setDevicePixelRatio(picture.pixelRatio);

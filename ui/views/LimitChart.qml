@@ -1,0 +1,547 @@
+import QtQuick
+import QtCharts
+import Vorn
+
+/// The chart of one limit, from the window's beginning to its reset. It knows nothing of limits: it draws the series it
+/// is handed. Time runs from left to right everywhere.
+Item {
+    id: chart
+
+    required property LimitPanelPresenter panel
+    property bool namesEvenPace: false
+
+    readonly property limitChart content: panel.chart
+    readonly property bool isEmpty: content.span <= 0
+    readonly property color statusColor: Theme.colors.status(panel.status)
+    readonly property int columns: Math.max(1, Math.ceil(plot.width))
+    /// Where the reader is; negative while nobody reads.
+    property real cursor: -1
+    property real evenPaceEnd: content.evenPaceEnd
+    /// What series may reach beyond the plot, so that lines on its edges keep their whole width.
+    readonly property int margin: Theme.sizes.near
+
+    function xOf(time: real): real {
+        return plot.x + time / Math.max(content.span, 1) * plot.width;
+    }
+    function yOf(percent: real): real {
+        return plot.y + plot.height - percent / content.top * plot.height;
+    }
+    function timeAt(x: real): real {
+        return Math.min(1, Math.max(0, (x - plot.x) / plot.width)) * content.span;
+    }
+    function readAt(time: real) {
+        cursor = isEmpty || panel.valueAt(time) < 0 ? -1 : time;
+    }
+    function step(by: real) {
+        const from = cursor < 0 ? content.now : cursor;
+        const to = Math.min(content.span, Math.max(0, from + by * content.span));
+        if (panel.valueAt(to) >= 0) {
+            cursor = to;
+        }
+    }
+    function fill() {
+        if (isEmpty) {
+            SeriesPoints.put(areaTop, []);
+        }
+        lines.show(isEmpty ? 0 : panel.runCount());
+        SeriesPoints.put(areaTop, panel.area(columns));
+        SeriesPoints.put(projection, content.isProjected ? [Qt.point(content.now, content.used), content.projectionEnd] : []);
+    }
+
+    LayoutMirroring.enabled: false
+    LayoutMirroring.childrenInherit: true
+    activeFocusOnTab: true
+    Accessible.role: Accessible.Chart
+    Accessible.name: cursor >= 0 ? panel.readout(cursor) : qsTr("%1, chart").arg(panel.title)
+    Accessible.description: content.summary
+    Keys.onLeftPressed: step(-1 / 60)
+    Keys.onRightPressed: step(1 / 60)
+    Keys.onPressed: event => {
+        if (event.key === Qt.Key_Home || event.key === Qt.Key_End) {
+            readAt(event.key === Qt.Key_Home ? content.span / 60 : content.now);
+            event.accepted = true;
+        }
+    }
+    onActiveFocusChanged: if (!activeFocus) {
+        cursor = -1;
+    }
+    onContentChanged: refill.start()
+    onColumnsChanged: refill.start()
+    onEvenPaceEndChanged: evenPace.update()
+    Component.onCompleted: {
+        fill();
+        evenPace.update();
+    }
+
+    Behavior on evenPaceEnd {
+        NumberAnimation {
+            duration: Theme.barDuration
+            easing.type: Easing.OutCubic
+        }
+    }
+
+    // Sizes and contents change several times before a frame.
+    Timer {
+        id: refill
+
+        interval: 0
+        onTriggered: chart.fill()
+    }
+
+    Item {
+        id: plot
+
+        x: percents.width + Theme.sizes.gap
+        y: nowLabel.height + Theme.sizes.tight
+        width: parent.width - x - endLabelWidth.width - Theme.sizes.gap
+        height: parent.height - y - times.height - Theme.sizes.near
+    }
+
+    TextMetrics {
+        id: endLabelWidth
+
+        font.pixelSize: Theme.sizes.body
+        font.weight: Font.DemiBold
+        text: "100%"
+    }
+
+    // Above the limit.
+    Rectangle {
+        x: plot.x
+        y: plot.y
+        width: plot.width
+        height: chart.yOf(100) - plot.y
+        visible: height > 0
+        color: Theme.colors.status(Status.Limited)
+        opacity: Theme.highContrast ? 0 : 0.07
+    }
+
+    Repeater {
+        model: chart.content.ticks
+
+        Rectangle {
+            required property real modelData
+
+            x: Math.round(chart.xOf(modelData))
+            y: plot.y
+            width: Theme.sizes.hair
+            height: plot.height
+            color: Theme.colors.grid
+        }
+    }
+
+    Repeater {
+        model: [0, 50]
+
+        Rectangle {
+            required property int modelData
+
+            x: plot.x
+            y: Math.round(chart.yOf(modelData))
+            width: plot.width
+            height: Theme.sizes.hair
+            color: Theme.colors.grid
+        }
+    }
+
+    Item {
+        id: percents
+
+        width: widestPercent.width
+
+        TextMetrics {
+            id: widestPercent
+
+            font.pixelSize: Theme.sizes.caption
+            text: "100%"
+        }
+
+        Repeater {
+            model: [0, 50, 100]
+
+            Label {
+                required property int modelData
+
+                x: percents.width - width
+                y: chart.yOf(modelData) - height / 2
+                font.pixelSize: Theme.sizes.caption
+                color: Theme.colors.secondText
+                text: modelData === 100 ? "100%" : modelData
+                Accessible.ignored: true
+            }
+        }
+    }
+
+    ChartView {
+        id: view
+
+        anchors.fill: parent
+        enabled: false
+        visible: !chart.isEmpty
+        antialiasing: true
+        animationOptions: ChartView.NoAnimation
+        legend.visible: false
+        backgroundColor: "transparent"
+        plotAreaColor: "transparent"
+        dropShadowEnabled: false
+        margins {
+            left: 0
+            top: 0
+            right: 0
+            bottom: 0
+        }
+        plotArea: Qt.rect(plot.x - chart.margin, plot.y - chart.margin, plot.width + 2 * chart.margin, plot.height + 2 * chart.margin)
+
+        ValueAxis {
+            id: timeAxis
+
+            readonly property real overhang: chart.margin / Math.max(plot.width, 1) * Math.max(chart.content.span, 1)
+
+            visible: false
+            min: -overhang
+            max: Math.max(chart.content.span, 1) + overhang
+        }
+
+        ValueAxis {
+            id: percentAxis
+
+            readonly property real overhang: chart.margin / Math.max(plot.height, 1) * chart.content.top
+
+            visible: false
+            min: -overhang
+            max: chart.content.top + overhang
+        }
+
+        AreaSeries {
+            axisX: timeAxis
+            axisY: percentAxis
+            color: Theme.colors.area
+            borderWidth: 0
+            borderColor: "transparent"
+            upperSeries: LineSeries {
+                id: areaTop
+            }
+        }
+
+        LineSeries {
+            id: evenPace
+
+            function update() {
+                SeriesPoints.put(evenPace, chart.evenPaceEnd > 0 ? [Qt.point(0, 0), Qt.point(chart.evenPaceEnd, 100)] : []);
+            }
+
+            axisX: timeAxis
+            axisY: percentAxis
+            color: Theme.colors.thirdText
+            width: 1.25
+            style: Qt.DotLine
+        }
+
+        LineSeries {
+            id: projection
+
+            axisX: timeAxis
+            axisY: percentAxis
+            color: chart.statusColor
+            width: 2
+            style: Qt.DashLine
+        }
+    }
+
+    QtObject {
+        id: lines
+
+        property var series: []
+
+        function show(count: int) {
+            while (series.length < count) {
+                series.push(view.createSeries(ChartView.SeriesTypeLine, "", timeAxis, percentAxis));
+            }
+            for (let run = 0; run < series.length; ++run) {
+                series[run].color = Qt.binding(() => Theme.colors.accent);
+                series[run].width = 2;
+                SeriesPoints.put(series[run], run < count ? chart.panel.line(run, chart.columns) : []);
+            }
+        }
+    }
+
+    // The limit.
+    Rectangle {
+        x: plot.x
+        y: Math.round(chart.yOf(100))
+        width: plot.width
+        height: Theme.sizes.hair
+        color: Theme.colors.secondText
+    }
+
+    // Early resets that happened.
+    Repeater {
+        model: chart.content.epochs
+
+        Rectangle {
+            required property real modelData
+
+            x: Math.round(chart.xOf(modelData))
+            y: plot.y
+            width: Theme.sizes.hair
+            height: plot.height
+            color: Theme.colors.accent
+        }
+    }
+
+    // What comes after a planned reset is another window's.
+    Rectangle {
+        readonly property real from: chart.xOf(Math.max(0, chart.content.evenPaceEnd)) + 1
+
+        visible: chart.content.isCutShort
+        x: from
+        y: plot.y
+        width: Math.max(0, plot.x + plot.width - from)
+        height: plot.height + 1
+        color: Theme.colors.surface
+        opacity: 0.6
+    }
+
+    // Now.
+    Rectangle {
+        visible: !chart.isEmpty
+        x: Math.round(chart.xOf(chart.content.now))
+        y: plot.y
+        width: Theme.sizes.hair
+        height: plot.height
+        color: Theme.colors.thirdText
+    }
+
+    Label {
+        id: nowLabel
+
+        visible: !chart.isEmpty
+        x: Math.max(plot.x, Math.min(chart.xOf(chart.content.now) - width / 2, plot.x + plot.width - width))
+        font.pixelSize: Theme.sizes.caption
+        color: Theme.colors.secondText
+        text: qsTr("now")
+        Accessible.ignored: true
+    }
+
+    Repeater {
+        model: chart.content.flags
+
+        Item {
+            id: flag
+
+            required property real modelData
+
+            x: Math.round(chart.xOf(modelData))
+            y: plot.y - pennant.height
+
+            Rectangle {
+                y: pennant.height / 2
+                x: -width / 2
+                width: 2
+                height: plot.height + pennant.height / 2
+                color: Theme.colors.accent
+            }
+
+            Icon {
+                id: pennant
+
+                x: -Math.round(width * 0.2)
+                width: Theme.sizes.small + Theme.sizes.tight
+                height: width
+                symbol: Icon.Flag
+                color: Theme.colors.accent
+            }
+        }
+    }
+
+    Label {
+        visible: chart.namesEvenPace && chart.evenPaceEnd > 0 && chart.content.now > 0
+        readonly property real at: Math.min(chart.evenPaceEnd, chart.content.span) * 0.4
+        x: Math.max(plot.x + Theme.sizes.tight, chart.xOf(at) - width - Theme.sizes.near)
+        y: chart.yOf(at / Math.max(1, chart.evenPaceEnd) * 100) - height
+        font.pixelSize: Theme.sizes.caption
+        color: Theme.colors.thirdText
+        text: qsTr("even pace")
+        Accessible.ignored: true
+    }
+
+    ChartDot {
+        visible: chart.content.isProjected && !chart.content.isBeyondTop
+        centre: Qt.point(chart.xOf(chart.content.projectionEnd.x), chart.yOf(chart.content.projectionEnd.y))
+        diameter: 6
+        color: chart.statusColor
+    }
+
+    ChartDot {
+        visible: chart.content.crossing >= 0
+        centre: Qt.point(chart.xOf(chart.content.crossing), chart.yOf(100))
+        diameter: 10
+        color: Theme.colors.surface
+        border.color: chart.statusColor
+        border.width: 2
+    }
+
+    Label {
+        id: crossingLabel
+
+        readonly property real ring: chart.xOf(chart.content.crossing)
+
+        visible: chart.content.crossing >= 0
+        x: Math.max(plot.x + Theme.sizes.tight, ring - width - Theme.sizes.gap)
+        y: chart.yOf(100) - height - Theme.sizes.tight
+        font.pixelSize: Theme.sizes.caption
+        semibold: true
+        color: chart.statusColor
+        text: chart.content.crossingText
+        Accessible.ignored: true
+    }
+
+    Label {
+        readonly property real end: chart.xOf(chart.content.projectionEnd.x)
+        readonly property bool isInside: plot.x + plot.width - end > implicitWidth + 2 * Theme.sizes.gap
+
+        visible: chart.content.isProjected
+        x: isInside ? end + Theme.sizes.gap : plot.x + plot.width + Theme.sizes.gap
+        y: Math.max(plot.y - height / 4, Math.min(chart.yOf(chart.content.projectionEnd.y) - height / 2, plot.y + plot.height - height))
+        semibold: true
+        color: chart.statusColor
+        text: chart.content.projectionText
+        Accessible.ignored: true
+    }
+
+    ChartDot {
+        visible: !chart.isEmpty
+        centre: Qt.point(chart.xOf(chart.content.now), chart.yOf(chart.content.used))
+        diameter: 9
+        color: Theme.colors.accent
+        border.color: Theme.colors.surface
+        border.width: 2
+    }
+
+    Item {
+        id: times
+
+        readonly property int keep: every(plot.width)
+
+        /// Labels at the first and last mark stay within the plot.
+        function leftOf(index: int, width: real): real {
+            const centred = chart.xOf(chart.content.ticks[index]) - width / 2;
+            return Math.max(plot.x - Theme.sizes.tight, Math.min(centred, plot.x + plot.width - width));
+        }
+        /// Each how manyth label is shown, so that none touch.
+        function every(room: real): int {
+            const texts = chart.content.tickTexts;
+            for (let step = 1; step < texts.length; step *= 2) {
+                let end = -Infinity;
+                let fits = true;
+                for (let i = 0; i < texts.length && fits; i += step) {
+                    const width = timeMetrics.advanceWidth(texts[i]);
+                    fits = leftOf(i, width) >= end;
+                    end = leftOf(i, width) + width + Theme.sizes.gap;
+                }
+                if (fits) {
+                    return step;
+                }
+            }
+            return Math.max(1, texts.length);
+        }
+
+        y: parent.height - height
+        height: timeMetrics.height
+
+        FontMetrics {
+            id: timeMetrics
+
+            font.pixelSize: Theme.sizes.caption
+        }
+
+        Repeater {
+            model: chart.content.tickTexts
+
+            Label {
+                required property int index
+                required property string modelData
+
+                visible: index % times.keep === 0
+                x: times.leftOf(index, implicitWidth)
+                font.pixelSize: Theme.sizes.caption
+                color: Theme.colors.secondText
+                text: modelData
+                Accessible.ignored: true
+            }
+        }
+    }
+
+    Label {
+        visible: chart.isEmpty
+        x: plot.x + (plot.width - width) / 2
+        y: plot.y + (plot.height - height) / 2
+        width: Math.min(implicitWidth, plot.width)
+        wrapMode: Text.Wrap
+        horizontalAlignment: Text.AlignHCenter
+        color: Theme.colors.secondText
+        text: chart.content.emptyText
+        Accessible.ignored: true
+    }
+
+    // What the reader is at.
+    Item {
+        visible: chart.cursor >= 0
+
+        Rectangle {
+            x: Math.round(chart.xOf(chart.cursor))
+            y: plot.y
+            width: Theme.sizes.hair
+            height: plot.height
+            color: Theme.colors.text
+        }
+
+        ChartDot {
+            centre: Qt.point(chart.xOf(chart.cursor), chart.yOf(chart.panel.valueAt(chart.cursor)))
+            diameter: 9
+            color: Theme.colors.surface
+            border.color: chart.cursor > chart.content.now ? chart.statusColor : Theme.colors.accent
+            border.width: 2
+        }
+
+        Rectangle {
+            id: readout
+
+            readonly property real at: chart.xOf(chart.cursor)
+            readonly property bool fitsLeft: at - width - Theme.sizes.gap >= plot.x
+
+            x: fitsLeft ? at - width - Theme.sizes.gap : at + Theme.sizes.gap
+            y: plot.y + Theme.sizes.gap
+            width: readoutText.implicitWidth + 2 * Theme.sizes.gap
+            height: readoutText.implicitHeight + Theme.sizes.gap
+            radius: Theme.sizes.controlRadius
+            color: Theme.colors.text
+
+            Label {
+                id: readoutText
+
+                anchors.centerIn: parent
+                font.pixelSize: Theme.sizes.small
+                medium: true
+                color: Theme.colors.surface
+                text: chart.cursor >= 0 ? chart.panel.readout(chart.cursor) : ""
+                Accessible.ignored: true
+            }
+        }
+    }
+
+    HoverHandler {
+        id: hover
+
+        onPointChanged: if (hovered) {
+            chart.readAt(chart.timeAt(point.position.x));
+        }
+        onHoveredChanged: if (!hovered) {
+            chart.cursor = -1;
+        }
+    }
+
+    FocusRing {
+        distance: Theme.sizes.near
+    }
+}

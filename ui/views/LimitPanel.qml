@@ -1,0 +1,68 @@
+import QtQuick
+import Vorn
+
+/// One limit in full: its verdict, how it got here and where it leads, and how fast.
+Card {
+    id: panel
+
+    required property LimitPanelPresenter presenter
+    property bool namesEvenPace: false
+    /// The pace stands under the chart rather than beside it.
+    property bool isStacked: false
+
+    readonly property int chartHeight: Math.round((presenter.isTight ? 172 : 124) * Theme.sizes.scale)
+    readonly property real mostChartWidth: 720 * Theme.sizes.scale
+
+    implicitHeight: title.height + body.height + 2 * Theme.sizes.inset - Theme.sizes.near
+    Accessible.role: Accessible.Grouping
+    Accessible.name: presenter.spoken
+
+    LimitTitle {
+        id: title
+
+        anchors {
+            left: parent.left
+            right: parent.right
+            top: parent.top
+            leftMargin: Theme.sizes.inset
+            rightMargin: Theme.sizes.inset
+            topMargin: Theme.sizes.between
+        }
+        presenter: panel.presenter
+    }
+
+    Item {
+        id: body
+
+        anchors {
+            left: parent.left
+            right: parent.right
+            top: title.bottom
+            leftMargin: Theme.sizes.inset
+            rightMargin: Theme.sizes.inset
+        }
+        height: panel.isStacked ? chart.height + pace.height + Theme.sizes.between : Math.max(chart.height, pace.implicitHeight)
+
+        LimitChart {
+            id: chart
+
+            readonly property real beside: parent.width - pace.implicitWidth - Theme.sizes.gap
+
+            anchors.left: parent.left
+            width: panel.isStacked ? parent.width : Math.min(beside, panel.mostChartWidth)
+            height: Math.max(panel.chartHeight, panel.isStacked ? 0 : pace.implicitHeight)
+            panel: panel.presenter
+            namesEvenPace: panel.namesEvenPace
+        }
+
+        PaceColumn {
+            id: pace
+
+            anchors.right: parent.right
+            anchors.bottom: parent.bottom
+            width: panel.isStacked ? parent.width : implicitWidth
+            height: panel.isStacked ? implicitHeight : Math.max(panel.chartHeight, implicitHeight)
+            pace: panel.presenter.pace
+        }
+    }
+}

@@ -1,0 +1,181 @@
+import QtQuick
+import Vorn
+
+/// How fast a window was used over five stretches of time, against what can be sustained; and where that leads.
+Item {
+    id: column
+
+    required property pace pace
+    readonly property int rowHeight: Math.max(metrics.height, Math.floor((height - rest.height - heading.height - Theme.sizes.gap) / Math.max(1, pace.rows.length)))
+    readonly property int leastRow: Math.ceil(metrics.height)
+    readonly property real barStart: labelWidth + Theme.sizes.gap
+    readonly property real barWidth: Theme.sizes.edge * 2 + Theme.sizes.gap
+    readonly property real labelWidth: Math.ceil(widestLabel.width)
+    readonly property bool mirrored: LayoutMirroring.enabled
+
+    implicitWidth: barStart + barWidth + Math.ceil(widestRate.width + widestFactor.width) + 2 * Theme.sizes.gap
+    implicitHeight: heading.height + 5 * leastRow + rest.height + Theme.sizes.gap
+
+    FontMetrics {
+        id: metrics
+
+        font.pixelSize: Theme.sizes.caption
+    }
+    TextMetrics {
+        id: widestLabel
+
+        font.pixelSize: Theme.sizes.caption
+        text: "Window avg"
+    }
+    TextMetrics {
+        id: widestRate
+
+        font.pixelSize: Theme.sizes.caption
+        text: "<0.1%/day"
+    }
+    TextMetrics {
+        id: widestFactor
+
+        font.pixelSize: Theme.sizes.caption
+        font.weight: Font.Medium
+        text: "×0.00"
+    }
+
+    Item {
+        id: heading
+
+        width: parent.width
+        height: title.implicitHeight + Theme.sizes.tight
+
+        Label {
+            id: title
+
+            anchors.left: parent.left
+            font.pixelSize: Theme.sizes.caption
+            color: Theme.colors.secondText
+            text: qsTr("Pace")
+            Accessible.ignored: true
+        }
+
+        Label {
+            anchors.left: parent.left
+            anchors.leftMargin: column.barStart + column.barWidth / 2 + Theme.sizes.near + 1
+            font.pixelSize: Theme.sizes.caption
+            color: Theme.colors.secondText
+            text: column.pace.sustainable
+            Accessible.ignored: true
+        }
+    }
+
+    Column {
+        id: rows
+
+        anchors.top: heading.bottom
+        width: parent.width
+
+        Repeater {
+            model: column.pace.rows
+
+            Item {
+                id: row
+
+                required property paceRow modelData
+
+                width: rows.width
+                height: column.rowHeight
+                Accessible.role: Accessible.StaticText
+                Accessible.name: modelData.label + ", " + (modelData.rate === "" ? modelData.reason : modelData.rate + ", " + modelData.factor)
+
+                Label {
+                    anchors.left: parent.left
+                    anchors.verticalCenter: parent.verticalCenter
+                    font.pixelSize: Theme.sizes.caption
+                    color: Theme.colors.secondText
+                    text: row.modelData.label
+                    Accessible.ignored: true
+                }
+
+                PaceBar {
+                    anchors.left: parent.left
+                    anchors.leftMargin: column.barStart
+                    anchors.verticalCenter: parent.verticalCenter
+                    width: column.barWidth
+                    value: row.modelData.bar
+                }
+
+                Label {
+                    anchors.right: factor.left
+                    anchors.rightMargin: Theme.sizes.gap
+                    anchors.verticalCenter: parent.verticalCenter
+                    font.pixelSize: Theme.sizes.caption
+                    text: row.modelData.rate
+                    Accessible.ignored: true
+                }
+
+                Label {
+                    id: factor
+
+                    anchors.right: parent.right
+                    anchors.verticalCenter: parent.verticalCenter
+                    width: Math.max(implicitWidth, Math.ceil(widestFactor.width))
+                    horizontalAlignment: Text.AlignRight
+                    font.pixelSize: Theme.sizes.caption
+                    medium: true
+                    color: row.modelData.isTooFast ? Theme.colors.status(Status.AtRisk) : row.modelData.rate === "" ? Theme.colors.secondText : Theme.colors.text
+                    text: row.modelData.factor
+                    Accessible.ignored: true
+                }
+
+                HoverHandler {
+                    id: hover
+                }
+
+                Hint {
+                    text: row.modelData.reason
+                    wanted: hover.hovered
+                }
+            }
+        }
+    }
+
+    // What can be sustained, through all rows.
+    Rectangle {
+        visible: column.pace.sustainable !== ""
+        readonly property real centre: column.barStart + column.barWidth / 2
+
+        x: (column.mirrored ? column.width - centre : centre) - width / 2
+        y: heading.y + Theme.sizes.near
+        width: 2
+        height: rows.y + rows.height - y - Theme.sizes.tight
+        color: Theme.colors.text
+    }
+
+    Column {
+        id: rest
+
+        anchors.bottom: parent.bottom
+        width: parent.width
+
+        Hairline {
+            width: parent.width
+        }
+
+        Item {
+            width: 1
+            height: Theme.sizes.near
+        }
+
+        PaceLine {
+            width: parent.width
+            label: qsTr("Projected")
+            text: column.pace.projected
+            isWarning: column.pace.isProjectedOver
+        }
+
+        PaceLine {
+            width: parent.width
+            label: qsTr("Resets")
+            text: column.pace.resets
+        }
+    }
+}

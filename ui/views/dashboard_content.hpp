@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QVariantMap>
+
+#include "ui/views/freshness_presenter.hpp"
+#include "ui/views/limit_panel_model.hpp"
+#include "ui/views/sessions_left.hpp"
+#include "ui/views/steer_presenter.hpp"
+
+namespace vorn {
+
+/// Everything that the dashboard shows, for a window or a picture of one.
+class DashboardContent {
+public:
+    /// `model` must outlive it.
+    explicit DashboardContent(UsageModel& model);
+
+    /// The view's initial properties; they point into this object.
+    [[nodiscard]] QVariantMap properties();
+    [[nodiscard]] const LimitPanelModel& panels() const { return m_panels; }
+
+private:
+    SteerPresenter m_steer;
+    FreshnessPresenter m_freshness;
+    SessionsLeftPresenter m_sessionsLeft;
+    LimitPanelModel m_panels;
+};
+
+}  // namespace vorn

@@ -1,0 +1,175 @@
+#include "ui/views/limit_chart_content.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "core/data/usage_state.hpp"
+#include "ui/format/format.hpp"
+#include "ui/views/time_axis.hpp"
+#include "ui/views/window_card_content.hpp"
+
+namespace vorn {
+namespace {
+
+using VornEngine::RatePoint;
+
+/// Room over the limit for projections that pass it.
+constexpr double kRaisedTop = 125;
+/// A first reading this early, as a share of the window, is joined to the window's beginning at 0 %.
+constexpr double kEarly = 0.1;
+
+QString text(const std::string& utf8) {
+    return QString::fromStdString(utf8);
+}
+
+/// From which moment to which.
+struct Frame {
+    Instant begin;
+    Instant end;
+    [[nodiscard]] double x(Instant at) const { return (at - begin).count(); }
+};
+
+/// Of a window whose end is not known, what was read in its last length; nothing while it has not begun.
+std::optional<Frame> frameOf(const LimitChartInput& input) {
+    const UsageWindow& window = input.assessment.window;
+    const Seconds length = window.kind.length();
+    if (input.assessment.timeToReset && window.resetsAt) {
+        return Frame{std::min(*window.resetsAt - length, input.now), *window.resetsAt};
+    }
+    return window.usedPercent > 0 ? std::optional(Frame{input.now - length, input.now}) : std::nullopt;
+}
+
+bool fell(const RatePoint& from, const RatePoint& to) {
+    return from.value - to.value >= UsageState::resetDrop;
+}
+
+double drawn(double percent) {
+    return std::clamp(percent, 0.0, kRaisedTop);
+}
+
+/// The readings within the frame, apart at early resets, with the latest one held up to now.
+void addRuns(const LimitChartInput& input, const Frame& frame, LimitChartContent& chart) {
+    const RatePoint* previous = nullptr;
+    for (const RatePoint& point : input.readings) {
+        if (point.time < frame.begin || point.time > input.now) {
+            continue;
+        }
+        const double x = frame.x(point.time);
+        if (previous == nullptr) {
+            chart.runs.emplace_back();
+            if (x > 0 && x < kEarly * chart.span && input.assessment.window.resetsAt) {
+                chart.runs.back().append({0, 0});
+            }
+        } else if (fell(*previous, point)) {
+            chart.runs.emplace_back();
+            chart.epochs.append(x);
+        }
+        chart.runs.back().append({x, drawn(point.value)});
+        previous = &point;
+    }
+    if (chart.runs.empty()) {
+        chart.runs.emplace_back();
+    }
+    chart.runs.back().append({chart.now, chart.used});
+}
+
+void addProjection(const WindowAssessment& assessment, const Frame& frame, Instant now, LimitChartContent& chart) {
+    const auto horizon = assessment.horizon();
+    if (!horizon || !assessment.projectedAtReset) {
+        return;
+    }
+    const double projected = *assessment.projectedAtReset;
+    const double x = frame.x(*horizon);
+    chart.isProjected = x > chart.now;
+    chart.isBeyondTop = projected > chart.top;
+    const double share = chart.isBeyondTop ? (chart.top - chart.used) / (projected - chart.used) : 1;
+    chart.projectionEnd = {chart.now + share * (x - chart.now), std::min(projected, chart.top)};
+    chart.projectionText = text(Format::percent(projected));
+    if (assessment.timeToLimit && chart.used < kLimitPercent) {
+        const Instant at = now + *assessment.timeToLimit;
+        chart.crossing = frame.x(at);
+        chart.crossingText = leftToRight(Format::clock(at, now));
+    }
+}
+
+void addFlags(const LimitChartInput& input, const Frame& frame, LimitChartContent& chart) {
+    if (!input.assessment.timeToReset) {
+        return;
+    }
+    for (const PlannedReset& planned : input.plan.planned) {
+        if (planned.covers(input.assessment.window.kind) && planned.date > input.now && planned.date < frame.end) {
+            chart.flags.append(frame.x(planned.date));
+        }
+    }
+}
+
+QString summaryOf(const WindowAssessment& assessment, const LimitChartContent& chart, Instant now) {
+    QStringList parts{text(Format::percent(assessment.window.usedPercent)) + " used"};
+    if (const auto delta = assessment.paceDelta()) {
+        parts << text(Format::pace(*delta));
+    }
+    if (chart.isProjected) {
+        parts << "projected " + chart.projectionText + (chart.isCutShort ? " at the planned reset" : " at reset");
+    }
+    if (chart.crossing >= 0) {
+        parts << "reaches the limit at " + chart.crossingText;
+    }
+    if (assessment.window.resetsAt && assessment.timeToReset) {
+        parts << "resets " + leftToRight(Format::clock(*assessment.window.resetsAt, now));
+    }
+    return parts.join(", ");
+}
+
+}  // namespace
+
+LimitChartContent limitChartContent(const LimitChartInput& input) {
+    const WindowAssessment& assessment = input.assessment;
+    LimitChartContent chart;
+    const auto frame = frameOf(input);
+    if (!frame) {
+        chart.emptyText = chart.summary = "Begins with the next message";
+        return chart;
+    }
+    chart.span = (frame->end - frame->begin).count();
+    chart.now = frame->x(input.now);
+    chart.top = assessment.projectedAtReset.value_or(0) > kLimitPercent ? kRaisedTop : kLimitPercent;
+    chart.used = std::clamp(assessment.window.usedPercent, 0.0, chart.top);
+    if (const auto horizon = assessment.horizon(); horizon && assessment.timeToReset) {
+        chart.evenPaceEnd = frame->x(*horizon);
+        chart.isCutShort = assessment.plannedResetAt.has_value();
+    }
+    addRuns(input, *frame, chart);
+    addProjection(assessment, *frame, input.now, chart);
+    addFlags(input, *frame, chart);
+    TimeAxis axis = timeAxis(frame->begin, frame->end);
+    chart.ticks = std::move(axis.ticks);
+    chart.tickTexts = std::move(axis.texts);
+    chart.summary = summaryOf(assessment, chart, input.now);
+    return chart;
+}
+
+std::optional<double> chartValue(const LimitChartContent& chart, double x) {
+    if (x > chart.now) {
+        if (!chart.isProjected || x > chart.projectionEnd.x()) {
+            return std::nullopt;
+        }
+        const double share = (x - chart.now) / (chart.projectionEnd.x() - chart.now);
+        return chart.used + share * (chart.projectionEnd.y() - chart.used);
+    }
+    for (auto run = chart.runs.rbegin(); run != chart.runs.rend(); ++run) {
+        if (run->isEmpty() || run->first().x() > x) {
+            continue;
+        }
+        const auto next = std::ranges::upper_bound(*run, x, {}, &QPointF::x);
+        if (next == run->end()) {
+            return run->last().y();
+        }
+        const QPointF& before = *(next - 1);
+        const double share = (x - before.x()) / (next->x() - before.x());
+        return before.y() + share * (next->y() - before.y());
+    }
+    return std::nullopt;
+}
+
+}  // namespace vorn

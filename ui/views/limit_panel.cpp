@@ -1,0 +1,71 @@
+#include "ui/views/limit_panel.hpp"
+
+#include <utility>
+
+#include "app/model/usage_model.hpp"
+#include "ui/format/format.hpp"
+#include "ui/views/head_window.hpp"
+#include "ui/views/thinned_points.hpp"
+
+namespace vorn {
+
+LimitPanelContent limitPanelContent(const UsageModel& model, const WindowAssessment& assessment) {
+    const MatchingSamples readings = model.historyIndex().matching(assessment.window);
+    const ActivitySummary* const activity = model.rateActivity();
+    LimitPanelContent content{
+        .card = windowCardContent(assessment, model.now()),
+        .chart = limitChartContent(
+            {.assessment = assessment, .readings = readings.points(), .plan = model.resetPlan(), .now = model.now()}),
+        .pace = paceContent(assessment, VornEngine::rates(assessment.window, readings, activity, model.now()),
+                            activity != nullptr, model.now()),
+        .isTight = headWindow(model) == &assessment,
+        .now = model.now()};
+    content.begin = model.now() - Seconds(content.chart.now);
+    return content;
+}
+
+LimitPanelPresenter::LimitPanelPresenter(LimitPanelContent content, QObject* parent)
+    : QObject(parent), m_content(std::move(content)) {}
+
+void LimitPanelPresenter::setContent(LimitPanelContent content) {
+    if (std::exchange(m_content, std::move(content)) != m_content) {
+        emit changed();
+    }
+}
+
+int LimitPanelPresenter::runCount() const {
+    return static_cast<int>(m_content.chart.runs.size());
+}
+
+QList<QPointF> LimitPanelPresenter::line(int run, int columns) const {
+    if (run < 0 || run >= runCount()) {
+        return {};
+    }
+    return thinnedPoints(m_content.chart.runs[static_cast<std::size_t>(run)], 0, m_content.chart.span, columns);
+}
+
+QList<QPointF> LimitPanelPresenter::area(int columns) const {
+    QList<QPointF> outline;
+    for (int run = 0; run < runCount(); ++run) {
+        const QList<QPointF> points = line(run, columns);
+        if (points.isEmpty()) {
+            continue;
+        }
+        outline.append({points.first().x(), 0});
+        outline += points;
+        outline.append({points.last().x(), 0});
+    }
+    return outline;
+}
+
+double LimitPanelPresenter::valueAt(double x) const {
+    return chartValue(m_content.chart, x).value_or(-1);
+}
+
+QString LimitPanelPresenter::readout(double x) const {
+    const auto value = chartValue(m_content.chart, x);
+    const QString time = leftToRight(Format::clock(m_content.begin + Seconds(x), m_content.now));
+    return value ? time + " · " + leftToRight(Format::percent(*value)) : time;
+}
+
+}  // namespace vorn

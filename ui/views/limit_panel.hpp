@@ -1,0 +1,79 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+#include <QtQml/qqmlregistration.h>
+
+#include "ui/views/limit_chart_content.hpp"
+#include "ui/views/pace_content.hpp"
+#include "ui/views/window_card_content.hpp"
+
+namespace vorn {
+
+class UsageModel;
+
+/// One window in the dashboard.
+struct LimitPanelContent {
+    WindowCardContent card;
+    LimitChartContent chart;
+    PaceContent pace;
+    bool isTight = false;  ///< The one that the head speaks of.
+    Instant begin;         ///< Of the chart.
+    Instant now;
+    bool operator==(const LimitPanelContent&) const = default;
+};
+
+/// `assessment`: one of the model's.
+LimitPanelContent limitPanelContent(const UsageModel& model, const WindowAssessment& assessment);
+
+/// What a panel shows, as long as its window exists.
+class LimitPanelPresenter : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("Made by the application")
+    Q_PROPERTY(QString title READ title CONSTANT FINAL)
+    Q_PROPERTY(vorn::StatusForViews::Status status READ status NOTIFY changed FINAL)
+    Q_PROPERTY(QString statusText READ statusText NOTIFY changed FINAL)
+    Q_PROPERTY(QString usedText READ usedText NOTIFY changed FINAL)
+    Q_PROPERTY(QString verdict READ verdict NOTIFY changed FINAL)
+    Q_PROPERTY(QString spoken READ spoken NOTIFY changed FINAL)
+    Q_PROPERTY(bool isTight READ isTight NOTIFY changed FINAL)
+    Q_PROPERTY(vorn::LimitChartContent chart READ chart NOTIFY changed FINAL)
+    Q_PROPERTY(vorn::PaceContent pace READ pace NOTIFY changed FINAL)
+
+public:
+    explicit LimitPanelPresenter(LimitPanelContent content, QObject* parent = nullptr);
+
+    [[nodiscard]] const WindowKind& kind() const { return m_content.card.kind; }
+    [[nodiscard]] const QString& title() const { return m_content.card.title; }
+    [[nodiscard]] StatusForViews::Status status() const { return m_content.card.status; }
+    [[nodiscard]] const QString& statusText() const { return m_content.card.statusText; }
+    [[nodiscard]] const QString& usedText() const { return m_content.card.usedText; }
+    [[nodiscard]] const QString& verdict() const { return m_content.card.verdict; }
+    [[nodiscard]] const QString& spoken() const { return m_content.card.spoken; }
+    [[nodiscard]] bool isTight() const { return m_content.isTight; }
+    [[nodiscard]] const LimitChartContent& chart() const { return m_content.chart; }
+    [[nodiscard]] const PaceContent& pace() const { return m_content.pace; }
+    /// Of the same window.
+    void setContent(LimitPanelContent content);
+
+    /// How many lines the readings make: one more than there were early resets.
+    Q_INVOKABLE int runCount() const;
+    /// One of them, for a plot of so many pixels.
+    Q_INVOKABLE QList<QPointF> line(int run, int columns) const;
+    /// The outline of what lies under all of them.
+    Q_INVOKABLE QList<QPointF> area(int columns) const;
+    /// What the chart shows at `x`; negative where it shows nothing.
+    Q_INVOKABLE double valueAt(double x) const;
+    /// The same in words: "Sat 16:46 · 46%".
+    Q_INVOKABLE QString readout(double x) const;
+
+signals:
+    void changed();
+
+private:
+    LimitPanelContent m_content;
+};
+
+}  // namespace vorn

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QList>
+#include <QObject>
+#include <QPointF>
+
+#include <QtQml/qqmlregistration.h>
+
+namespace vorn {
+
+/// Hands whole lines to a chart, which QML itself can only do point by point, each time drawing everything anew.
+class SeriesPoints : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_SINGLETON
+
+public:
+    using QObject::QObject;
+
+    /// `series`: a line of Qt Charts. It is known by name only: linked in, the charts would be loaded with the process
+    /// rather than with the first chart.
+    Q_INVOKABLE static void put(QObject* series, const QList<QPointF>& points);
+};
+
+}  // namespace vorn

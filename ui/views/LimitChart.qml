@@ -40,12 +40,14 @@ Item {
         }
     }
     function fill() {
-        if (isEmpty) {
-            SeriesPoints.put(areaTop, []);
-        }
         lines.show(isEmpty ? 0 : panel.runCount());
         SeriesPoints.put(areaTop, panel.area(columns));
-        SeriesPoints.put(projection, content.isProjected ? [Qt.point(content.now, content.used), content.projectionEnd] : []);
+        SeriesPoints.join(areaBase, Qt.point(0, 0), Qt.point(content.span, 0));
+        if (content.isProjected) {
+            SeriesPoints.join(projection, Qt.point(content.now, content.used), content.projectionEnd);
+        } else {
+            SeriesPoints.clear(projection);
+        }
     }
 
     LayoutMirroring.enabled: false
@@ -221,13 +223,20 @@ Item {
             upperSeries: LineSeries {
                 id: areaTop
             }
+            lowerSeries: LineSeries {
+                id: areaBase
+            }
         }
 
         LineSeries {
             id: evenPace
 
             function update() {
-                SeriesPoints.put(evenPace, chart.evenPaceEnd > 0 ? [Qt.point(0, 0), Qt.point(chart.evenPaceEnd, 100)] : []);
+                if (chart.evenPaceEnd > 0) {
+                    SeriesPoints.join(evenPace, Qt.point(0, 0), Qt.point(chart.evenPaceEnd, 100));
+                } else {
+                    SeriesPoints.clear(evenPace);
+                }
             }
 
             axisX: timeAxis
@@ -260,7 +269,7 @@ Item {
             for (let run = 0; run < series.length; ++run) {
                 series[run].color = Qt.binding(() => Theme.colors.accent);
                 series[run].width = 2;
-                SeriesPoints.put(series[run], run < count ? chart.panel.line(run, chart.columns) : []);
+                SeriesPoints.put(series[run], chart.panel.line(run, chart.columns));
             }
         }
     }
@@ -355,10 +364,42 @@ Item {
     }
 
     Label {
-        visible: chart.namesEvenPace && chart.evenPaceEnd > 0 && chart.content.now > 0
-        readonly property real at: Math.min(chart.evenPaceEnd, chart.content.span) * 0.4
-        x: Math.max(plot.x + Theme.sizes.tight, chart.xOf(at) - width - Theme.sizes.near)
-        y: chart.yOf(at / Math.max(1, chart.evenPaceEnd) * 100) - height
+        id: evenPaceName
+
+        readonly property var place: chart.namesEvenPace && chart.content.evenPaceEnd > 0 ? freePlace() : null
+
+        /// Beside the diagonal, where neither the readings nor the moment cross it; null where there is no such place.
+        function freePlace(): var {
+            for (const share of [0.3, 0.45, 0.6, 0.75, 0.9]) {
+                const at = share * chart.content.evenPaceEnd;
+                for (const isAbove of [true, false]) {
+                    const x = isAbove ? chart.xOf(at) - implicitWidth - Theme.sizes.near : chart.xOf(at) + Theme.sizes.near;
+                    const y = chart.yOf(share * 100) + (isAbove ? -implicitHeight : 0);
+                    if (isFree(x, y)) {
+                        return Qt.point(x, y);
+                    }
+                }
+            }
+            return null;
+        }
+        function isFree(x: real, y: real): bool {
+            const now = chart.xOf(chart.content.now);
+            if (x < plot.x || x + implicitWidth > plot.x + plot.width || (now > x - Theme.sizes.near && now < x + implicitWidth + Theme.sizes.near)) {
+                return false;
+            }
+            for (let i = 0; i <= 4; ++i) {
+                const value = chart.panel.valueAt(chart.timeAt(x + i / 4 * implicitWidth));
+                const line = chart.yOf(value);
+                if (value >= 0 && line > y - Theme.sizes.near && line < y + implicitHeight + Theme.sizes.near) {
+                    return false;
+                }
+            }
+            return true;
+        }
+
+        visible: place !== null
+        x: place ? place.x : 0
+        y: place ? place.y : 0
         font.pixelSize: Theme.sizes.caption
         color: Theme.colors.thirdText
         text: qsTr("even pace")

@@ -20,6 +20,9 @@ public:
     /// `series`: a line of Qt Charts. It is known by name only: linked in, the charts would be loaded with the process
     /// rather than with the first chart.
     Q_INVOKABLE static void put(QObject* series, const QList<QPointF>& points);
+    /// A straight line.
+    Q_INVOKABLE static void join(QObject* series, const QPointF& from, const QPointF& to) { put(series, {from, to}); }
+    Q_INVOKABLE static void clear(QObject* series) { put(series, {}); }
 };
 
 }  // namespace vorn

@@ -11,6 +11,8 @@ Item {
     property bool hasSettings: false
     /// Too narrow for more than the answer and the buttons.
     property bool isTiny: false
+    /// Whether there is an answer.
+    property bool isReady: true
     signal refreshRequested
     signal settingsRequested
     signal moreRequested(at: Item)
@@ -27,6 +29,7 @@ Item {
             verticalCenter: parent.verticalCenter
         }
         height: implicitHeight
+        visible: head.isReady
         steer: head.steer
         headlineSize: Theme.sizes.largeHead
         ringSize: Math.round(64 * Theme.sizes.scale)
@@ -40,7 +43,7 @@ Item {
             rightMargin: Theme.sizes.edge
             verticalCenter: parent.verticalCenter
         }
-        visible: head.sessionsLeft.text !== "" && !head.isTiny
+        visible: head.isReady && head.sessionsLeft.text !== "" && !head.isTiny
         Accessible.role: Accessible.StaticText
         Accessible.name: head.sessionsLeft.text + " " + caption.text
 

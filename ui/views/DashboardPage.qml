@@ -43,6 +43,8 @@ Item {
                 presenter: panel
                 namesEvenPace: index === 0
                 isStacked: page.isTiny
+                // Two beside each other are equally high.
+                isTall: page.isWide || panel.isTight
             }
         }
     }

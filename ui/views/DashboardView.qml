@@ -54,7 +54,8 @@ FocusScope {
         freshness: dashboard.freshness
         sessionsLeft: dashboard.sessionsLeft
         hasSettings: dashboard.hasSettings
-        isTiny: dashboard.isTiny
+        isTiny: dashboard.measure < 660
+        isReady: dashboard.isReady
         onRefreshRequested: dashboard.refreshRequested()
         onSettingsRequested: dashboard.settingsRequested()
         onMoreRequested: at => menu.openAt(at)

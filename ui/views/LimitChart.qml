@@ -133,7 +133,7 @@ Item {
     }
 
     Repeater {
-        model: [0, 50]
+        model: chart.isEmpty ? [0] : [0, 50]
 
         Rectangle {
             required property int modelData

@@ -9,8 +9,10 @@ Card {
     property bool namesEvenPace: false
     /// The pace stands under the chart rather than beside it.
     property bool isStacked: false
+    /// As high as the panel of the tight limit.
+    property bool isTall: presenter.isTight
 
-    readonly property int chartHeight: Math.round((presenter.isTight ? 172 : 124) * Theme.sizes.scale)
+    readonly property int chartHeight: Math.round((isTall ? 172 : 124) * Theme.sizes.scale)
     readonly property real mostChartWidth: 720 * Theme.sizes.scale
 
     implicitHeight: title.height + body.height + 2 * Theme.sizes.inset - Theme.sizes.near

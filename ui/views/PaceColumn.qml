@@ -6,8 +6,8 @@ Item {
     id: column
 
     required property pace pace
-    readonly property int rowHeight: Math.max(metrics.height, Math.floor((height - rest.height - heading.height - Theme.sizes.gap) / Math.max(1, pace.rows.length)))
-    readonly property int leastRow: Math.ceil(metrics.height)
+    readonly property int rowHeight: Math.max(leastRow, Math.floor((height - rest.height - heading.height - Theme.sizes.gap) / Math.max(1, pace.rows.length)))
+    readonly property int leastRow: Math.ceil(metrics.height) + Theme.sizes.tight
     readonly property real barStart: labelWidth + Theme.sizes.gap
     readonly property real barWidth: Theme.sizes.edge * 2 + Theme.sizes.gap
     readonly property real labelWidth: Math.ceil(widestLabel.width)

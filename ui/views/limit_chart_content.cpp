@@ -74,19 +74,25 @@ void addRuns(const LimitChartInput& input, const Frame& frame, LimitChartContent
     chart.runs.back().append({chart.now, chart.used});
 }
 
+/// Nobody goes on at the limit, whatever the pace up to it was.
+std::optional<double> projectionOf(const WindowAssessment& assessment) {
+    return assessment.window.usedPercent < kLimitPercent ? assessment.projectedAtReset : std::nullopt;
+}
+
 void addProjection(const WindowAssessment& assessment, const Frame& frame, Instant now, LimitChartContent& chart) {
     const auto horizon = assessment.horizon();
-    if (!horizon || !assessment.projectedAtReset) {
+    const auto projection = projectionOf(assessment);
+    if (!horizon || !projection) {
         return;
     }
-    const double projected = *assessment.projectedAtReset;
+    const double projected = *projection;
     const double x = frame.x(*horizon);
     chart.isProjected = x > chart.now;
     chart.isBeyondTop = projected > chart.top;
     const double share = chart.isBeyondTop ? (chart.top - chart.used) / (projected - chart.used) : 1;
     chart.projectionEnd = {chart.now + share * (x - chart.now), std::min(projected, chart.top)};
     chart.projectionText = text(Format::percent(projected));
-    if (assessment.timeToLimit && chart.used < kLimitPercent) {
+    if (assessment.timeToLimit) {
         const Instant at = now + *assessment.timeToLimit;
         chart.crossing = frame.x(at);
         chart.crossingText = leftToRight(Format::clock(at, now));
@@ -133,7 +139,7 @@ LimitChartContent limitChartContent(const LimitChartInput& input) {
     }
     chart.span = (frame->end - frame->begin).count();
     chart.now = frame->x(input.now);
-    chart.top = assessment.projectedAtReset.value_or(0) > kLimitPercent ? kRaisedTop : kLimitPercent;
+    chart.top = projectionOf(assessment).value_or(0) > kLimitPercent ? kRaisedTop : kLimitPercent;
     chart.used = std::clamp(assessment.window.usedPercent, 0.0, chart.top);
     if (const auto horizon = assessment.horizon(); horizon && assessment.timeToReset) {
         chart.evenPaceEnd = frame->x(*horizon);

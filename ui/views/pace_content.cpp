@@ -63,7 +63,10 @@ PaceContent paceContent(const WindowAssessment& assessment, const std::vector<Ra
         pace.rows.append(QVariant::fromValue(rowOf(reading, assessment, readsActivity)));
     }
     if (assessment.projectedAtReset) {
-        pace.projected = leftToRight(Format::percent(*assessment.projectedAtReset)) + " · " +
+        // Nobody goes on at the limit, whatever the pace up to it was.
+        const bool isLimited = window.usedPercent >= kLimitPercent;
+        const double projected = isLimited ? window.usedPercent : *assessment.projectedAtReset;
+        pace.projected = leftToRight(Format::percent(projected)) + " · " +
                          leftToRight(Format::percent(assessment.unusedAtReset().value_or(0))) + " unused";
         pace.isProjectedOver = *assessment.projectedAtReset >= kLimitPercent;
     }
@@ -71,7 +74,7 @@ PaceContent paceContent(const WindowAssessment& assessment, const std::vector<Ra
         pace.resets = "in " + leftToRight(Format::duration(*assessment.timeToReset)) + " · " +
                       leftToRight(Format::clock(*window.resetsAt, now));
     } else {
-        pace.resets = kNothing;
+        pace.resets = window.usedPercent > 0 ? "not known" : kNothing;
     }
     return pace;
 }

@@ -1,6 +1,8 @@
 #include <QApplication>
 #include <QDir>
 #include <QImage>
+#include <QQmlContext>
+#include <QQmlProperty>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QSignalSpy>
@@ -21,6 +23,7 @@
 namespace vorn {
 namespace {
 
+using namespace std::chrono_literals;
 using test::ViewState;
 
 /// Everything that Qt or QML complained about while it lives.
@@ -89,11 +92,262 @@ TEST(DashboardView, ShowsEveryStateWithoutAWarning) {
     }
 }
 
+TEST(DashboardView, MirrorsAndGrowsWithoutAWarning) {
+    const test::ScopedEnvironment american("LC_ALL", "en_US.UTF-8");
+    const QFont font = QGuiApplication::font();
+    const struct {
+        const char* name;
+        Qt::LayoutDirection direction;
+        int points;
+        double pixelRatio;
+    } cases[] = {{"right-to-left", Qt::RightToLeft, 10, 1}, {"large-type", Qt::LeftToRight, 16, 2}};
+    for (const auto& c : cases) {
+        QGuiApplication::setLayoutDirection(c.direction);
+        QFont sized = font;
+        sized.setPointSize(c.points);
+        QGuiApplication::setFont(sized);
+        for (const auto& [name, enter] : test::allViewStates()) {
+            SCOPED_TRACE(name + " " + c.name);
+            const Warnings warnings;
+            ViewState state;
+            enter(state);
+            keepPicture(picture(*state.model, {.pixelRatio = c.pixelRatio}), name + "-" + c.name);
+            EXPECT_THAT(Warnings::texts(), testing::IsEmpty());
+        }
+    }
+    QGuiApplication::setLayoutDirection(Qt::LeftToRight);
+    QGuiApplication::setFont(font);
+}
+
+TEST(ThinnedPoints, KeepPeaksFallsAndBothEnds) {
+    std::vector<QPointF> points;
+    for (int i = 0; i < 50'000; ++i) {
+        points.emplace_back(i, 20 + i % 7);
+    }
+    points[12'345].setY(99);
+    points[33'333].setY(1);
+    const QList<QPointF> thinned = thinnedPoints(points, 0, 50'000, 300);
+    EXPECT_LE(thinned.size(), 300 * 4);
+    EXPECT_TRUE(std::ranges::is_sorted(thinned, {}, &QPointF::x));
+    for (const std::size_t kept : {0UL, 12'345UL, 33'333UL, 49'999UL}) {
+        EXPECT_TRUE(thinned.contains(points[kept])) << kept;
+    }
+    const std::span few(points.begin(), 5);
+    EXPECT_EQ(thinnedPoints(few, 0, 5, 300), QList<QPointF>(few.begin(), few.end()));
+    EXPECT_EQ(thinnedPoints(few, 0, 5, 0).size(), 2) << "no room: the lowest and the highest";
+    EXPECT_THAT(thinnedPoints({}, 0, 0, 10), testing::IsEmpty());
+}
+
+LimitChartContent chartOf(const UsageWindow& window, const test::Course& course, const ResetPlan& plan = {}) {
+    const MatchingSamples history = test::history(course);
+    const WindowAssessment assessment = VornEngine::assess(
+        window, {.history = history, .now = test::kNow, .plannedResetAt = plan.horizon(window, test::kNow)});
+    return limitChartContent({.assessment = assessment, .readings = history.points(), .plan = plan, .now = test::kNow});
+}
+
+constexpr double kHour = 3600;
+
+TEST(LimitChart, LeadsFromTheWindowsBeginningToTheProjection) {
+    const auto chart = chartOf(test::reading(WindowKind::session(), 72, 75min),
+                               {{-220min, 1}, {-45min, 46}, {-20min, 60}, {10min, 99}});
+    EXPECT_DOUBLE_EQ(chart.span, 5 * kHour);
+    EXPECT_DOUBLE_EQ(chart.now, 3.75 * kHour);
+    EXPECT_DOUBLE_EQ(chart.evenPaceEnd, chart.span);
+    EXPECT_EQ(chart.top, 125);
+    ASSERT_EQ(chart.runs.size(), 1U);
+    EXPECT_EQ(chart.runs[0].first(), QPointF(0, 0)) << "an early first reading goes back to the beginning";
+    EXPECT_EQ(chart.runs[0].last(), QPointF(chart.now, 72)) << "what was read after now is not drawn";
+    EXPECT_GT(chart.crossing, chart.now);
+    EXPECT_LT(chart.crossing, chart.span);
+    EXPECT_TRUE(chart.isProjected);
+    EXPECT_NEAR(chartValue(chart, chart.crossing).value_or(0), 100, 1e-6);
+    EXPECT_EQ(chartValue(chart, chart.now), 72);
+    EXPECT_EQ(chartValue(chart, chart.span + 1), std::nullopt);
+    EXPECT_EQ(chart.ticks.size(), chart.tickTexts.size());
+    EXPECT_THAT(chart.summary.toStdString(), testing::HasSubstr("72% used, "));
+}
+
+TEST(LimitChart, BreaksAtAnEarlyResetAndEndsAtAPlannedOne) {
+    const ResetPlan plan{.planned = {{.id = "A", .date = test::kNow + 24h, .scope = PlannedReset::Scope::week},
+                                     {.id = "B", .date = test::kNow + 30h, .scope = PlannedReset::Scope::all},
+                                     {.id = "C", .date = test::kNow + 2h, .scope = PlannedReset::Scope::session},
+                                     {.id = "D", .date = test::kNow + 99h, .scope = PlannedReset::Scope::all}}};
+    const auto chart = chartOf(test::reading(WindowKind::week(), 20, 48h),
+                               {{-100h, 10}, {-60h, 80}, {-59h, 3}, {-30h, 12}, {-1h, 18}}, plan);
+    ASSERT_EQ(chart.runs.size(), 2U);
+    EXPECT_EQ(chart.runs[0].last().y(), 80);
+    EXPECT_EQ(chart.runs[1].first(), QPointF(61 * kHour, 3));
+    EXPECT_THAT(chart.epochs, testing::ElementsAre(61 * kHour));
+    EXPECT_EQ(chartValue(chart, 60.5 * kHour), 80) << "nothing is drawn between the two";
+    EXPECT_EQ(chartValue(chart, 1), std::nullopt);
+    EXPECT_TRUE(chart.isCutShort);
+    EXPECT_DOUBLE_EQ(chart.evenPaceEnd, 144 * kHour);
+    EXPECT_THAT(chart.flags, testing::ElementsAre(144 * kHour, 150 * kHour));
+    EXPECT_DOUBLE_EQ(chart.projectionEnd.x(), chart.evenPaceEnd);
+}
+
+TEST(LimitChart, SaysWhatItCannotDraw) {
+    UsageWindow session = test::reading(WindowKind::session(), 0, 0s);
+    session.resetsAt.reset();
+    const auto idle = chartOf(session, {});
+    EXPECT_EQ(idle.span, 0);
+    EXPECT_EQ(idle.emptyText, "Begins with the next message");
+    session.usedPercent = 64;
+    const auto endless = chartOf(session, {{-30min, 60}});
+    EXPECT_EQ(endless.now, endless.span) << "what was read lately";
+    EXPECT_LT(endless.evenPaceEnd, 0);
+    EXPECT_FALSE(endless.isProjected);
+    EXPECT_EQ(endless.runs[0].size(), 2);
+    const auto limited = chartOf(test::reading(WindowKind::session(), 100, 2h), {{-2h, 40}});
+    EXPECT_FALSE(limited.isProjected);
+    EXPECT_EQ(limited.top, 100);
+    const auto tomorrow = chartOf(test::reading(WindowKind::session(), 0, 6h), {});
+    EXPECT_EQ(tomorrow.now, 0) << "its reset is further away than it is long";
+    EXPECT_DOUBLE_EQ(tomorrow.span, 6 * kHour);
+}
+
+TEST(TimeAxis, MarksHoursAndDaysOfTheUser) {
+    const test::ScopedEnvironment zone("TZ", "UTC");
+    const test::ScopedEnvironment locale("LC_ALL", "en_US.UTF-8");
+    const auto hours = timeAxis(test::kNow - 30min, test::kNow + 150min);
+    EXPECT_THAT(hours.ticks, testing::ElementsAre(0.5 * kHour, 1.5 * kHour, 2.5 * kHour));
+    EXPECT_EQ(hours.texts[1].toStdString(), "1:00\u202fPM");
+    const auto days = timeAxis(test::kNow, test::kNow + 72h);
+    EXPECT_THAT(days.ticks, testing::ElementsAre(12 * kHour, 36 * kHour, 60 * kHour));
+    EXPECT_EQ(days.texts.join(' ').toStdString(), "Mon Tue Wed");
+    EXPECT_THAT(timeAxis(test::kNow, test::kNow).ticks, testing::IsEmpty());
+    EXPECT_THAT(timeAxis(test::kNow, instantSince1970(INFINITY)).ticks, testing::IsEmpty());
+    EXPECT_LE(timeAxis(test::kNow, test::kNow + 9000 * 24h).ticks.size(), 48);
+}
+
+TEST(PaceContent, MeasuresAgainstWhatCanBeSustained) {
+    const auto window = test::reading(WindowKind::session(), 60, 2h);  // 20 points an hour are left
+    const WindowAssessment assessment = VornEngine::assess(window, {.history = {}, .now = test::kNow});
+    const std::vector<RateReading> rates{{RateReading::Horizon::now, std::nullopt},
+                                         {RateReading::Horizon::hour, 40.0},
+                                         {RateReading::Horizon::fiveHours, 10.0},
+                                         {RateReading::Horizon::day, 0.0},
+                                         {RateReading::Horizon::window, 160.0}};
+    const PaceContent pace = paceContent(assessment, rates, false, test::kNow);
+    EXPECT_EQ(pace.sustainable, "sustainable 20%/h");
+    const auto row = [&](qsizetype at) {
+        return pace.rows[at].value<PaceRow>();
+    };
+    EXPECT_EQ(row(0).factor, "–");
+    EXPECT_THAT(row(0).reason.toStdString(), testing::HasSubstr("switched off"));
+    EXPECT_EQ(row(1), (PaceRow{.label = "1 h", .rate = "40%/h", .factor = "×0.50", .bar = 0.5, .isTooFast = true}));
+    EXPECT_EQ(row(2), (PaceRow{.label = "5 h", .rate = "10%/h", .factor = "×2.0", .bar = -0.5}));
+    EXPECT_EQ(row(3), (PaceRow{.label = "24 h", .rate = "0%/h", .factor = "idle"}));
+    EXPECT_EQ(row(4).bar, 1) << "full at four times the pace";
+}
+
+/// The window on a screen that nobody sees.
+class DashboardWindowTest : public testing::Test {
+protected:
+    DashboardWindowTest() {
+        m_state.model->startDemo(demo::makeDemo(demo::Scenario::atRisk, m_state.now));
+        window.open();
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(shown()));
+    }
+    [[nodiscard]] static QQuickWindow* shown() {
+        for (QWindow* const each : QGuiApplication::topLevelWindows()) {
+            if (auto* const view = qobject_cast<QQuickWindow*>(each); view && view->isVisible()) {
+                return view;
+            }
+        }
+        return nullptr;
+    }
+    static std::vector<QQuickItem*> itemsNamed(QQuickItem* under, const char* type) {
+        std::vector<QQuickItem*> found;
+        for (QQuickItem* const child : under->childItems()) {
+            if (QString(child->metaObject()->className()).startsWith(QString(type) + "_QML")) {
+                found.push_back(child);
+            }
+            std::ranges::copy(itemsNamed(child, type), std::back_inserter(found));
+        }
+        return found;
+    }
+
+    ViewState m_state;
+    DesktopAppearance m_appearance;
+    ViewEngine m_engine{m_appearance};
+    WindowPlace m_place{.rect = {30, 40, 700, 500}};
+    DashboardWindow window{*m_state.model,
+                           m_engine,
+                           {.load = [this] { return m_place; },
+                            .save =
+                                [this](const auto& place) {
+                                    m_place = place;
+                                }}};
+};
+
+TEST_F(DashboardWindowTest, OpensWhereItWasAndRemembersWhereItIs) {
+    ASSERT_TRUE(window.isOpen());
+    EXPECT_EQ(shown()->geometry(), QRect(30, 40, 700, 500));
+    shown()->setGeometry(50, 60, 800, 550);
+    QSignalSpy closed(&window, &DashboardWindow::closed);
+    QTest::keyClick(shown(), Qt::Key_Escape);
+    EXPECT_EQ(closed.count(), 1);
+    EXPECT_FALSE(window.isOpen());
+    EXPECT_EQ(m_place, (WindowPlace{.rect = {50, 60, 800, 550}}));
+    QCoreApplication::processEvents();
+    m_place = {.rect = {90'000, 90'000, 90'000, 300}};
+    window.open();
+    EXPECT_EQ(shown()->size(),
+              QSize(shown()->screen()->availableSize().width(), 300).expandedTo(shown()->minimumSize()))
+        << "of a screen that is gone";
+    shown()->close();
+    EXPECT_EQ(closed.count(), 2);
+    EXPECT_EQ(shown(), nullptr);
+}
+
+TEST_F(DashboardWindowTest, ReadsOutTheChartByMouseAndKeyboard) {
+    const auto charts = itemsNamed(shown()->contentItem(), "LimitChart");
+    ASSERT_EQ(charts.size(), 3U);
+    QQuickItem* const chart = charts.front();
+    const auto name = [&] {
+        return QQmlProperty::read(chart, "Accessible.name", qmlContext(chart)).toString().toStdString();
+    };
+    EXPECT_EQ(name(), "Session, chart");
+    chart->forceActiveFocus();
+    QTest::keyClick(shown(), Qt::Key_Left);
+    EXPECT_THAT(name(), testing::ContainsRegex("11:55 · 7[01]%"));
+    QTest::keyClick(shown(), Qt::Key_End);
+    EXPECT_THAT(name(), testing::HasSubstr("12:00 · 72%"));
+    QTest::keyClick(shown(), Qt::Key_Right);
+    EXPECT_THAT(name(), testing::HasSubstr("12:05 · 74%")) << "what is projected";
+    const QPointF middle = chart->mapToScene({chart->width() / 3, chart->height() / 2});
+    QTest::mouseMove(shown(), middle.toPoint());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return name().find("10:") != std::string::npos; })) << name();
+}
+
+TEST_F(DashboardWindowTest, AsksForWhatItsMenuAndButtonsSay) {
+    QSignalSpy exported(&window, &DashboardWindow::exportRequested);
+    QSignalSpy settings(&window, &DashboardWindow::settingsRequested);
+    window.setHasSettings(true);
+    const auto buttons = itemsNamed(shown()->contentItem(), "IconButton");
+    ASSERT_EQ(buttons.size(), 2U);
+    QMetaObject::invokeMethod(buttons[0], "triggered");
+    EXPECT_EQ(settings.count(), 1);
+    buttons[1]->forceActiveFocus();
+    QTest::keyClick(shown(), Qt::Key_Return);
+    QTest::keyClick(shown(), Qt::Key_Escape);
+    EXPECT_TRUE(window.isOpen()) << "Escape closes the menu first";
+    EXPECT_TRUE(buttons[1]->hasActiveFocus());
+    QTest::keyClick(shown(), Qt::Key_Return);
+    QTest::keyClick(shown(), Qt::Key_Down);
+    QTest::keyClick(shown(), Qt::Key_Return);
+    ASSERT_EQ(exported.count(), 1);
+    EXPECT_EQ(exported[0], (QVariantList{"history", "json"}));
+}
+
 }  // namespace
 }  // namespace vorn
 
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("TZ", "UTC");
+    qputenv("LC_ALL", "C");
     vorn::ViewEngine::useSoftwareRendering();
     QApplication application(argc, argv);
     testing::InitGoogleTest(&argc, argv);

@@ -45,7 +45,8 @@ Card {
         }
         height: panel.isStacked ? chart.height + pace.height + Theme.sizes.between : Math.max(chart.height, pace.implicitHeight)
 
-        LimitChart {
+        // The chart does not mirror, the place where it stands does.
+        Item {
             id: chart
 
             readonly property real beside: parent.width - pace.implicitWidth - Theme.sizes.gap
@@ -53,8 +54,12 @@ Card {
             anchors.left: parent.left
             width: panel.isStacked ? parent.width : Math.min(beside, panel.mostChartWidth)
             height: Math.max(panel.chartHeight, panel.isStacked ? 0 : pace.implicitHeight)
-            panel: panel.presenter
-            namesEvenPace: panel.namesEvenPace
+
+            LimitChart {
+                anchors.fill: parent
+                panel: panel.presenter
+                namesEvenPace: panel.namesEvenPace
+            }
         }
 
         PaceColumn {

@@ -230,6 +230,10 @@ std::string clock(Instant instant, Instant now) {
     return isSameDay(instant, now, zone) ? time : shortWeekday(instant, zone) + " " + time;
 }
 
+std::string weekday(Instant instant) {
+    return std::isfinite(secondsSince1970(instant)) ? shortWeekday(instant, currentTimeZone()) : std::string(kNoNumber);
+}
+
 std::string verdict(const WindowAssessment& assessment, Instant now) {
     if (auto planned = plannedResetVerdict(assessment, now)) {
         return *std::move(planned);

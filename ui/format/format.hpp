@@ -30,6 +30,9 @@ std::string pace(double paceDelta);
 /// The time of day in the user's locale and time zone, with the weekday in front when it is not the day of `now`.
 std::string clock(Instant instant, Instant now);
 
+/// The abbreviated weekday in the user's locale and time zone: "Thu", "Do".
+std::string weekday(Instant instant);
+
 /// How one window stands, in a line: "Lands near 92% at reset".
 std::string verdict(const WindowAssessment& assessment, Instant now);
 

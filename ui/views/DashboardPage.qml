@@ -60,6 +60,7 @@ Item {
         y: page.hasSide ? page.spacing : limits.y + limits.height + page.spacing
         columns: page.hasSide || page.isTiny ? 1 : 2
         spacing: page.spacing
+        // `SessionWeekCard` and `ResetsCard`, each `side.cardWidth` wide.
     }
 
     // What the past was made of.
@@ -71,5 +72,6 @@ Item {
         width: page.inner
         y: page.hasSide || side.children.length === 0 ? limits.y + page.under + page.spacing : side.y + side.height + page.spacing
         spacing: page.spacing
+        // `ActivityStrip` and `BreakdownCard`, each as wide as this.
     }
 }

@@ -428,8 +428,13 @@ Item {
         readonly property real ring: chart.xOf(chart.content.crossing)
 
         visible: chart.content.crossing >= 0
-        x: Math.max(plot.x + Theme.sizes.tight, ring - width - Theme.sizes.gap)
-        y: chart.yOf(100) - height - Theme.sizes.tight
+        readonly property real before: ring - implicitWidth - Theme.sizes.gap
+        /// Between the moment and the crossing; else beyond it, under the line that goes on.
+        readonly property bool fitsBefore: before > chart.xOf(chart.content.now) + Theme.sizes.near
+        readonly property bool fitsAfter: ring + Theme.sizes.gap + implicitWidth <= plot.x + plot.width
+
+        x: fitsBefore || !fitsAfter ? Math.max(plot.x + Theme.sizes.tight, before) : ring + Theme.sizes.gap
+        y: fitsBefore || !fitsAfter ? chart.yOf(100) - height - Theme.sizes.tight : chart.yOf(100) + Theme.sizes.tight
         font.pixelSize: Theme.sizes.caption
         semibold: true
         color: chart.statusColor

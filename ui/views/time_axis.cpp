@@ -4,8 +4,7 @@
 #include <cmath>
 #include <string>
 
-#include "core/support/unicode/locale_time.hpp"
-#include "core/support/unicode/time_zone.hpp"
+#include "ui/format/format.hpp"
 
 namespace vorn {
 namespace {
@@ -43,13 +42,12 @@ TimeAxis timeAxis(Instant from, Instant to) {
         return axis;
     }
     const bool isByDay = to - from > 24h;
-    const std::string zone = currentTimeZone();
     const QDateTime end = local(to);
     for (QDateTime tick = firstTick(local(from), isByDay); tick <= end && axis.ticks.size() < kMostTicks;
          tick = nextTick(tick, isByDay)) {
         const Instant instant = instantSince1970(static_cast<double>(tick.toSecsSinceEpoch()));
         axis.ticks.append((instant - from).count());
-        axis.texts.append(QString::fromStdString(isByDay ? shortWeekday(instant, zone) : shortTime(instant, zone)));
+        axis.texts.append(QString::fromStdString(isByDay ? Format::weekday(instant) : Format::clock(instant, instant)));
     }
     return axis;
 }

@@ -3,7 +3,7 @@
 //     QT_QPA_PLATFORM=offscreen build/bench/bench/dashboard_open [samples] [replies]
 //
 // Prints milliseconds to the first complete frame (the charts included), for the first and for a second opening, and
-// the main thread's time for a recomputation with its repaint, once.
+// the main thread's time for a recomputation with its repaint, and resident memory before, with and after the window.
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QQuickWindow>
@@ -17,6 +17,7 @@
 #include <ctime>
 
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include "app/model/preferences.hpp"
 #include "app/model/usage_model.hpp"
@@ -62,6 +63,18 @@ demo::Demo busyDemo(Instant now, std::size_t samples, std::size_t replies) {
     return demo;
 }
 
+/// Resident, in megabytes.
+double memory() {
+    long pages = 0;
+    if (std::FILE* const file = std::fopen("/proc/self/statm", "r")) {
+        if (std::fscanf(file, "%*d %ld", &pages) != 1) {
+            pages = 0;
+        }
+        std::fclose(file);
+    }
+    return static_cast<double>(pages) * static_cast<double>(sysconf(_SC_PAGESIZE)) / 1e6;
+}
+
 double threadMilliseconds() {
     timespec time{};
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
@@ -97,7 +110,8 @@ int run(std::size_t samples, std::size_t replies) {
     model.startDemo(busyDemo(time.at, samples, replies));
     DesktopAppearance appearance;
     appearance.setLook({.reducedMotion = true});
-    ViewEngine engine(appearance);
+    ViewEngine engine(appearance, 0ms);
+    const double idle = memory();
     DashboardWindow window(model, engine);
     for (const char* const which : {"first", "second"}) {
         QElapsedTimer timer;
@@ -125,6 +139,14 @@ int run(std::size_t samples, std::size_t replies) {
         longest = std::max(longest, threadMilliseconds() - before);
     }
     fmt::print("recomputation: {:.1f} ms; with its repaint at most {:.1f} ms\n", total / kRecomputations, longest);
+    const double open = memory();
+    window.close();
+    QElapsedTimer timer;
+    timer.start();
+    while (engine.isLoaded() && !timer.hasExpired(5000)) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    }
+    fmt::print("resident memory: {:.0f} MB before, {:.0f} MB open, {:.0f} MB closed\n", idle, open, memory());
     return 0;
 }
 

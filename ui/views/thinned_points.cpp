@@ -21,8 +21,7 @@ void appendColumn(Position first, Position end, QList<QPointF>& thinned) {
         std::minmax_element(first, end, [](const QPointF& one, const QPointF& other) { return one.y() < other.y(); });
     std::array<Position, kKept> kept{first, lowest, highest, end - 1};
     std::ranges::sort(kept);
-    const auto unique = std::ranges::unique(kept);
-    std::for_each(kept.begin(), unique.begin(), [&](Position point) { thinned.append(*point); });
+    std::for_each(kept.begin(), std::unique(kept.begin(), kept.end()), [&](Position point) { thinned.append(*point); });
 }
 
 }  // namespace

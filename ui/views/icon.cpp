@@ -68,6 +68,17 @@ QPainterPath strokes(Icon::Symbol symbol) {
         case Icon::ChevronUp:
             addLine(path, {{4, 10}, {8, 6}, {12, 10}});
             break;
+        case Icon::Cross:
+            addLine(path, {{4, 4}, {12, 12}});
+            addLine(path, {{12, 4}, {4, 12}});
+            break;
+        case Icon::Plus:
+            addLine(path, {{8, 3}, {8, 13}});
+            addLine(path, {{3, 8}, {13, 8}});
+            break;
+        case Icon::Minus:
+            addLine(path, {{3, 8}, {13, 8}});
+            break;
     }
     return path;
 }

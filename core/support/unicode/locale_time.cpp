@@ -12,6 +12,7 @@
 #include <unicode/smpdtfmt.h>
 
 #include "core/support/file.hpp"
+#include "core/support/unicode/calendar.hpp"
 #include "core/support/unicode/icu_conversion.hpp"
 
 namespace vorn {
@@ -54,6 +55,8 @@ std::string icuLocale(std::string_view posix) {
 struct Formats {
     std::unique_ptr<icu::DateFormat> time;
     std::unique_ptr<icu::DateFormat> weekday;
+    std::unique_ptr<icu::DateFormat> date;
+    std::unique_ptr<icu::DateFormat> typedDate;
 };
 
 Formats makeFormats(const std::string& posixLocale, const std::string& zoneId) {
@@ -68,10 +71,17 @@ Formats makeFormats(const std::string& posixLocale, const std::string& zoneId) {
         formats.time.reset(icu::DateFormat::createTimeInstance(icu::DateFormat::kShort, locale));
     }
     formats.weekday.reset(icu::DateFormat::createInstanceForSkeleton(icu::UnicodeString("E"), locale, status));
+    formats.date.reset(icu::DateFormat::createInstanceForSkeleton(icu::UnicodeString("MMMEd"), locale, status));
+    if (isPlain) {
+        formats.typedDate = std::make_unique<icu::SimpleDateFormat>(icu::UnicodeString("yyyy-MM-dd"), locale, status);
+    } else {
+        formats.typedDate.reset(icu::DateFormat::createInstanceForSkeleton(icu::UnicodeString("yMd"), locale, status));
+    }
     if (U_FAILURE(status) != 0) {
         return {};
     }
-    for (const auto& format : {formats.time.get(), formats.weekday.get()}) {
+    for (const auto& format :
+         {formats.time.get(), formats.weekday.get(), formats.date.get(), formats.typedDate.get()}) {
         if (format != nullptr) {
             format->adoptTimeZone(makeIcuZone(zoneId).release());
         }
@@ -79,15 +89,15 @@ Formats makeFormats(const std::string& posixLocale, const std::string& zoneId) {
     return formats;
 }
 
+using Which = std::unique_ptr<icu::DateFormat> Formats::*;
+
 /// Making a formatter takes a good part of a millisecond, so they are kept. They are not safe to share between threads:
 /// the lock covers their use too.
-std::string format(Instant instant, const std::string& zoneId, std::unique_ptr<icu::DateFormat> Formats::*which) {
+template <typename Use>
+void useFormat(const std::string& zoneId, Which which, const Use& use) {
     static std::mutex mutex;
     static std::map<std::pair<std::string, std::string>, Formats> cache;
 
-    if (!std::isfinite(secondsSince1970(instant))) {
-        return {};
-    }
     std::pair key(environmentLocale(), zoneId);
     const std::lock_guard lock(mutex);
     auto found = cache.find(key);
@@ -98,12 +108,78 @@ std::string format(Instant instant, const std::string& zoneId, std::unique_ptr<i
         Formats made = makeFormats(key.first, key.second);
         found = cache.emplace(std::move(key), std::move(made)).first;
     }
-    std::string text;
     if (const auto& formatter = found->second.*which) {
-        icu::UnicodeString formatted;
-        formatter->format(toIcuDate(instant), formatted).toUTF8String(text);
+        use(*formatter);
+    }
+}
+
+std::string format(Instant instant, const std::string& zoneId, Which which) {
+    std::string text;
+    if (std::isfinite(secondsSince1970(instant))) {
+        useFormat(zoneId, which, [&](const icu::DateFormat& formatter) {
+            icu::UnicodeString formatted;
+            formatter.format(toIcuDate(instant), formatted).toUTF8String(text);
+        });
     }
     return text;
+}
+
+/// The text with plain spaces only, as keyboards have them, and none at its ends.
+icu::UnicodeString withPlainSpaces(icu::UnicodeString text) {
+    for (const char16_t space : {u'\u00a0', u'\u202f'}) {
+        text.findAndReplace(icu::UnicodeString(space), icu::UnicodeString(u' '));
+    }
+    return text.trim();
+}
+
+/// The whole of `text`, which has plain spaces, in that format.
+std::optional<Instant> parseAll(icu::DateFormat& format, const icu::UnicodeString& text) {
+    format.setLenient(0);
+    icu::ParsePosition position(0);
+    const UDate date = format.parse(text, position);
+    if (position.getErrorIndex() >= 0 || position.getIndex() != text.length()) {
+        return std::nullopt;
+    }
+    return fromIcuDate(date);
+}
+
+std::optional<Instant> parseAs(const char* pattern, const icu::UnicodeString& text, const std::string& zoneId) {
+    UErrorCode status = U_ZERO_ERROR;
+    icu::SimpleDateFormat format(icu::UnicodeString(pattern), icu::Locale::getUS(), status);
+    if (U_FAILURE(status) != 0) {
+        return std::nullopt;
+    }
+    format.adoptTimeZone(makeIcuZone(zoneId).release());
+    return parseAll(format, text);
+}
+
+/// The locale's pattern, in which some locales have other spaces than keyboards do.
+std::optional<Instant> parseAsLocale(Which which, const icu::UnicodeString& text, const std::string& zoneId) {
+    std::optional<Instant> parsed;
+    useFormat(zoneId, which, [&](const icu::DateFormat& shared) {
+        const std::unique_ptr<icu::DateFormat> own(shared.clone());
+        if (auto* const simple = dynamic_cast<icu::SimpleDateFormat*>(own.get())) {
+            icu::UnicodeString pattern;
+            simple->applyPattern(withPlainSpaces(simple->toPattern(pattern)));
+        }
+        parsed = parseAll(*own, text);
+    });
+    return parsed;
+}
+
+/// "26" means 2026.
+std::optional<Instant> inThisCentury(std::optional<Instant> date, const std::string& zoneId) {
+    constexpr int kCentury = 2000;
+    if (!date) {
+        return date;
+    }
+    Calendar calendar(zoneId);
+    auto wall = calendar.wallTime(*date);
+    if (!wall || wall->year < 0 || wall->year >= 100) {
+        return date;
+    }
+    wall->year += kCentury;
+    return calendar.instant(*wall);
 }
 
 /// Days since 1970 on the zone's own calendar.
@@ -123,6 +199,31 @@ std::string shortTime(Instant instant, const std::string& zoneId) {
 
 std::string shortWeekday(Instant instant, const std::string& zoneId) {
     return format(instant, zoneId, &Formats::weekday);
+}
+
+std::string shortDate(Instant instant, const std::string& zoneId) {
+    return format(instant, zoneId, &Formats::date);
+}
+
+std::string typedDate(Instant instant, const std::string& zoneId) {
+    return format(instant, zoneId, &Formats::typedDate);
+}
+
+std::optional<Instant> parseTypedDate(std::string_view text, const std::string& zoneId) {
+    const icu::UnicodeString typed = withPlainSpaces(toIcuText(text));
+    if (const auto date = parseAs("yyyy-MM-dd", typed, zoneId)) {
+        return inThisCentury(date, zoneId);
+    }
+    return inThisCentury(parseAsLocale(&Formats::typedDate, typed, zoneId), zoneId);
+}
+
+std::optional<Seconds> parseTypedTime(std::string_view text) {
+    const icu::UnicodeString typed = withPlainSpaces(toIcuText(text));
+    auto time = parseAsLocale(&Formats::time, typed, "UTC");
+    for (const char* pattern : {"H:mm", "h:mm a", "h a"}) {
+        time = time ? time : parseAs(pattern, typed, "UTC");
+    }
+    return time ? std::optional(time->time_since_epoch()) : std::nullopt;
 }
 
 bool isSameDay(Instant one, Instant other, const std::string& zoneId) {

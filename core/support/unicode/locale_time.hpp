@@ -1,6 +1,8 @@
 #pragma once
 
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "core/support/time.hpp"
 #include "core/support/unicode/time_zone.hpp"
@@ -17,6 +19,21 @@ std::string shortTime(Instant instant, const std::string& zoneId);
 
 /// The locale's abbreviated weekday, as it stands alone: "Thu", "Do". Empty for an instant that is no number.
 std::string shortWeekday(Instant instant, const std::string& zoneId);
+
+/// The locale's date without the year: "Wed 25 Nov", "Wed, Nov 25", "Mi., 25. Nov.". Empty for an instant that is no
+/// number.
+std::string shortDate(Instant instant, const std::string& zoneId);
+
+/// The locale's date in digits, as people type it: "11/25/2026", "25.11.2026"; without a locale "2026-11-25".
+std::string typedDate(Instant instant, const std::string& zoneId);
+
+/// What people typed for a date: as `typedDate` gives it (a year of two digits belongs to this century) or as
+/// "2026-11-25". Some moment of that day; empty for anything else, impossible dates included.
+std::optional<Instant> parseTypedDate(std::string_view text, const std::string& zoneId);
+
+/// Since midnight, as a clock shows it: "18:00", "6:00 PM" and "6 pm" in any locale, and the locale's own way. Empty
+/// for anything else.
+std::optional<Seconds> parseTypedTime(std::string_view text);
 
 /// Whether both fall on one calendar day of the zone.
 bool isSameDay(Instant one, Instant other, const std::string& zoneId);

@@ -1,0 +1,156 @@
+import QtQuick
+import Vorn
+
+/// Resets ahead of schedule: those expected, and those held. Forms open within it.
+Card {
+    id: card
+
+    required property ResetsPresenter presenter
+    property bool isAdding: false
+    property bool isRedeeming: false
+
+    implicitHeight: content.height + 2 * Theme.sizes.inset
+    Accessible.role: Accessible.Grouping
+    Accessible.name: qsTr("Resets")
+
+    function closeForms() {
+        isAdding = false;
+        isRedeeming = false;
+    }
+
+    Column {
+        id: content
+
+        x: Theme.sizes.inset
+        y: Theme.sizes.inset
+        width: parent.width - 2 * Theme.sizes.inset
+        spacing: Theme.sizes.between
+
+        Item {
+            width: parent.width
+            height: Theme.sizes.control
+
+            Label {
+                anchors.left: parent.left
+                anchors.verticalCenter: parent.verticalCenter
+                semibold: true
+                font.pixelSize: Theme.sizes.title
+                text: qsTr("Resets")
+            }
+
+            TextButton {
+                id: add
+
+                anchors.right: parent.right
+                visible: !card.isAdding
+                text: qsTr("Add…")
+                onTriggered: {
+                    card.isRedeeming = false;
+                    card.isAdding = true;
+                    form.begin();
+                }
+            }
+        }
+
+        DetailLabel {
+            visible: card.presenter.resets.length === 0
+            text: qsTr("None. Add one when a reset is announced or you expect one, and Vorn will plan each limit it cuts short to finish by then.")
+            Accessible.ignored: false
+        }
+
+        Column {
+            width: parent.width
+            visible: card.presenter.resets.length > 0
+
+            Repeater {
+                model: card.presenter.resets
+
+                delegate: ResetItem {
+                    required property var modelData
+
+                    width: parent ? parent.width : 0
+                    reset: modelData
+                    onRemoveRequested: {
+                        // The row takes the keyboard with it.
+                        banked.forceActiveFocus();
+                        card.presenter.remove(reset.id);
+                    }
+                }
+            }
+        }
+
+        Hairline {
+            width: parent.width
+            visible: card.isAdding
+        }
+
+        ResetForm {
+            id: form
+
+            width: parent.width
+            visible: card.isAdding
+            presenter: card.presenter
+            onClosed: {
+                card.isAdding = false;
+                add.forceActiveFocus();
+            }
+        }
+
+        Hairline {
+            width: parent.width
+        }
+
+        Item {
+            width: parent.width
+            height: Theme.sizes.control
+
+            Label {
+                anchors.left: parent.left
+                anchors.verticalCenter: parent.verticalCenter
+                text: qsTr("Banked")
+                Accessible.ignored: true
+            }
+
+            Stepper {
+                id: banked
+
+                anchors.right: redeem.left
+                anchors.rightMargin: Theme.sizes.gap
+                name: qsTr("Banked resets")
+                value: card.presenter.banked
+                onPicked: value => card.presenter.setBanked(value)
+            }
+
+            TextButton {
+                id: redeem
+
+                anchors.right: parent.right
+                enabled: card.presenter.banked > 0 && !card.isRedeeming
+                opacity: enabled ? 1 : 0.5
+                text: qsTr("Redeem…")
+                onTriggered: {
+                    card.isAdding = false;
+                    card.isRedeeming = true;
+                    redeeming.begin();
+                }
+            }
+        }
+
+        DetailLabel {
+            text: qsTr("Resets you've been given and can redeem later. Neither Claude nor Codex shares this count locally, so keep it here.")
+            Accessible.ignored: false
+        }
+
+        RedeemForm {
+            id: redeeming
+
+            width: parent.width
+            visible: card.isRedeeming
+            presenter: card.presenter
+            onClosed: {
+                card.isRedeeming = false;
+                banked.forceActiveFocus();
+            }
+        }
+    }
+}

@@ -1,0 +1,69 @@
+import QtQuick
+import Vorn
+
+/// What a session costs of the week, and how many still fit.
+Card {
+    id: card
+
+    required property SessionWeekPresenter presenter
+
+    readonly property bool isKnown: presenter.waiting === ""
+
+    implicitHeight: content.height + 2 * Theme.sizes.inset
+    Accessible.role: Accessible.Grouping
+    Accessible.name: qsTr("Session and week")
+
+    Column {
+        id: content
+
+        x: Theme.sizes.inset
+        y: Theme.sizes.inset
+        width: parent.width - 2 * Theme.sizes.inset
+        spacing: Theme.sizes.gap
+
+        Label {
+            width: parent.width
+            semibold: true
+            font.pixelSize: Theme.sizes.title
+            text: qsTr("Session and week")
+        }
+
+        SessionPips {
+            width: parent.width
+            height: implicitHeight
+            visible: card.isKnown && sessions > 0
+            pipHeight: Math.round(14 * Theme.sizes.scale)
+            mirrored: card.LayoutMirroring.enabled
+            color: Theme.colors.accent
+            paleColor: Theme.colors.track
+            sessions: card.presenter.sessions
+            used: card.presenter.usedSessions
+        }
+
+        ValueRow {
+            width: parent.width
+            visible: card.isKnown
+            label: qsTr("A full 5-hour session ≈")
+            value: card.presenter.cost
+        }
+
+        ValueRow {
+            width: parent.width
+            visible: card.isKnown
+            label: qsTr("sessions per week")
+            value: card.presenter.perWeek
+        }
+
+        ValueRow {
+            width: parent.width
+            visible: card.isKnown
+            label: qsTr("sessions left this week")
+            value: card.presenter.left
+        }
+
+        DetailLabel {
+            text: card.isKnown ? card.presenter.measured : card.presenter.waiting
+            Accessible.ignored: false
+        }
+    }
+}

@@ -6,6 +6,10 @@ Item {
     id: page
 
     required property LimitPanelModel panels
+    required property SessionWeekPresenter sessionWeek
+    required property ResetsPresenter resets
+    required property ActivityPresenter activity
+    required property BreakdownPresenter breakdown
     // How the room is shared out.
     required property bool isNarrow
     required property bool isTiny
@@ -14,8 +18,8 @@ Item {
     readonly property int edge: Theme.sizes.edge
     readonly property int spacing: Theme.sizes.between
     readonly property real inner: width - 2 * edge
-    /// The cards beside the panels.
-    readonly property bool hasSide: !isNarrow && side.children.length > 0
+    /// The cards stand beside the panels.
+    readonly property bool hasSide: !isNarrow
     readonly property real sideWidth: Math.round(288 * Theme.sizes.scale)
     readonly property real panelsWidth: hasSide ? inner - sideWidth - spacing : inner
     readonly property int panelColumns: isWide ? 2 : 1
@@ -60,7 +64,15 @@ Item {
         y: page.hasSide ? page.spacing : limits.y + limits.height + page.spacing
         columns: page.hasSide || page.isTiny ? 1 : 2
         spacing: page.spacing
-        // `SessionWeekCard` and `ResetsCard`, each `side.cardWidth` wide.
+        SessionWeekCard {
+            width: side.cardWidth
+            presenter: page.sessionWeek
+        }
+
+        ResetsCard {
+            width: side.cardWidth
+            presenter: page.resets
+        }
     }
 
     // What the past was made of.
@@ -70,8 +82,16 @@ Item {
         anchors.left: parent.left
         anchors.leftMargin: page.edge
         width: page.inner
-        y: page.hasSide || side.children.length === 0 ? limits.y + page.under + page.spacing : side.y + side.height + page.spacing
+        y: page.hasSide ? limits.y + page.under + page.spacing : side.y + side.height + page.spacing
         spacing: page.spacing
-        // `ActivityStrip` and `BreakdownCard`, each as wide as this.
+        ActivityStrip {
+            width: parent.width
+            presenter: page.activity
+        }
+
+        BreakdownCard {
+            width: parent.width
+            presenter: page.breakdown
+        }
     }
 }

@@ -9,6 +9,10 @@ FocusScope {
     required property FreshnessPresenter freshness
     required property SessionsLeftPresenter sessionsLeft
     required property LimitPanelModel panels
+    required property SessionWeekPresenter sessionWeek
+    required property ResetsPresenter resets
+    required property ActivityPresenter activity
+    required property BreakdownPresenter breakdown
     property bool hasSettings: false
     /// How wide it wants to be where nothing else decides.
     property int preferredWidth: 1000
@@ -132,6 +136,10 @@ FocusScope {
 
             width: scroll.width
             panels: dashboard.panels
+            sessionWeek: dashboard.sessionWeek
+            resets: dashboard.resets
+            activity: dashboard.activity
+            breakdown: dashboard.breakdown
             isNarrow: dashboard.isNarrow
             isTiny: dashboard.isTiny
             isWide: dashboard.isWide

@@ -2,8 +2,12 @@
 
 #include <QVariantMap>
 
+#include "ui/views/activity_presenter.hpp"
+#include "ui/views/breakdown_presenter.hpp"
 #include "ui/views/freshness_presenter.hpp"
 #include "ui/views/limit_panel_model.hpp"
+#include "ui/views/resets_presenter.hpp"
+#include "ui/views/session_week_presenter.hpp"
 #include "ui/views/sessions_left.hpp"
 #include "ui/views/steer_presenter.hpp"
 
@@ -24,6 +28,10 @@ private:
     FreshnessPresenter m_freshness;
     SessionsLeftPresenter m_sessionsLeft;
     LimitPanelModel m_panels;
+    SessionWeekPresenter m_sessionWeek;
+    ResetsPresenter m_resets;
+    ActivityPresenter m_activity;
+    BreakdownPresenter m_breakdown;
 };
 
 }  // namespace vorn

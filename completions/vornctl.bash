@@ -37,7 +37,13 @@ _vornctl() {
     case $previous in
         --claude) _vornctl_offer_paths -f "$current"; return ;;
         --root) _vornctl_offer_paths -d "$current"; return ;;
-        --format) _vornctl_offer 'text plain tmux waybar json' "$current"; return ;;
+        --format)
+            case " ${COMP_WORDS[*]} " in
+                *' export '*) _vornctl_offer 'csv json' "$current" ;;
+                *) _vornctl_offer 'text plain tmux waybar json' "$current" ;;
+            esac
+            return ;;
+        --output) _vornctl_offer_paths -f "$current"; return ;;
         --demo) _vornctl_offer 'comfortable watch at-risk limited planned-reset' "$current"; return ;;
         --scope) _vornctl_offer 'all session week' "$current"; return ;;
         --since) _vornctl_offer '1h 5h 24h 7d 30d' "$current"; return ;;
@@ -53,22 +59,23 @@ _vornctl() {
             continue
         fi
         case "$place/$word" in
-            */--claude | */--root | */--format | */--demo | */--scope | */--since | */--now | */--note) skip=yes ;;
-            /status | /activity | /plan | /connect | /disconnect) place=$word ;;
+            */--claude | */--root | */--format | */--demo | */--scope | */--since | */--now | */--note | */--output) skip=yes ;;
+            /status | /activity | /export | /plan | /connect | /disconnect) place=$word ;;
             /help) place=help ;;
-            plan/add | plan/remove | plan/list | plan/bank | plan/redeem | help/status | help/activity | help/plan | \
+            plan/add | plan/remove | plan/list | plan/bank | plan/redeem | help/status | help/activity | help/export | help/plan | \
                 help/connect | help/disconnect)
                 place="$place $word" ;;
         esac
     done
 
     case $place in
-        '') _vornctl_offer 'status activity plan connect disconnect help --version --help' "$current" ;;
-        help) _vornctl_offer 'status activity plan connect disconnect' "$current" ;;
+        '') _vornctl_offer 'status activity export plan connect disconnect help --version --help' "$current" ;;
+        help) _vornctl_offer 'status activity export plan connect disconnect' "$current" ;;
         status)
             _vornctl_offer '--claude --probe --no-probe --rates --json --format --demo --demo-if-empty --now --watch
                 --help' "$current" ;;
         activity) _vornctl_offer '--since --root --now --json --help' "$current" ;;
+        export) _vornctl_offer 'history activity --format --since --output --help' "$current" ;;
         plan) _vornctl_offer 'add remove list bank redeem --help' "$current" ;;
         'help plan') _vornctl_offer 'add remove list bank redeem' "$current" ;;
         'plan add') _vornctl_offer '--scope --note --help' "$current" ;;

@@ -44,7 +44,7 @@ while read -ra words; do
     expect_same "bash, options of ${words[*]}" "$(options "${words[@]}")" "$(bash_offers "${words[@]}" --)"
 done < <(commands && commands plan | sed 's/^/plan /')
 every_value=''
-for option in "status --format" "status --demo" "plan add --scope" "plan redeem --scope"; do
+for option in "export --format" "status --format" "status --demo" "plan add --scope" "plan redeem --scope"; do
     read -ra words <<<"$option"
     accepted=$(values "${words[@]}" 2>&1 || true)
     every_value+=" $accepted"

@@ -103,9 +103,15 @@ std::string exportHistory(std::span<const HistorySample> samples, ExportFormat f
 std::string exportActivity(std::span<const ActivityEvent> events, ExportFormat format) {
     std::string table;
     if (format == ExportFormat::csv) {
-        constexpr std::string_view kNames[] = {
-            "timestamp",       "project",            "model",              "inputTokens", "outputTokens",
-            "cacheReadTokens", "cacheWrite5mTokens", "cacheWrite1hTokens", "weight"};
+        constexpr std::string_view kNames[] = {"timestamp",
+                                               "project",
+                                               "model",
+                                               "inputTokens",
+                                               "outputTokens",
+                                               "cacheReadTokens",
+                                               "cacheWrite5mTokens",
+                                               "cacheWrite1hTokens",
+                                               "weight"};
         appendNames(table, kNames);
     }
     const auto number = [](std::string_view name, auto value) {

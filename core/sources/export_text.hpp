@@ -12,7 +12,8 @@
 namespace vorn {
 
 enum class ExportFormat : std::uint8_t {
-    csv,   ///< Comma-separated with a line of names and CR LF. A text that a spreadsheet would compute gets a quote mark.
+    csv,   ///< Comma-separated with a line of names and CR LF. A text that a spreadsheet would compute gets a quote
+           ///< mark.
     json,  ///< An array of objects, one a line; absent values are left out.
 };
 

@@ -8,7 +8,9 @@ namespace vorn {
 
 void ActivityBars::paint(QPainter* painter) {
     const double ratio = painter->device()->devicePixelRatioF();
-    const auto snapped = [ratio](double at) { return std::round(at * ratio) / ratio; };
+    const auto snapped = [ratio](double at) {
+        return std::round(at * ratio) / ratio;
+    };
     const double base = height() - 1;
     painter->fillRect(QRectF(0, base, width(), 1), m_lineColor);
     if (m_bars.isEmpty()) {

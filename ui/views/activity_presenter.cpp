@@ -59,7 +59,9 @@ std::vector<ActivityMark> marksFor(const ActivityPresenter::Content& content, co
 std::string amount(double weight) {
     constexpr double kThousand = 1e3;
     constexpr double kMillion = 1e6;
-    const auto number = [](double value, int decimals) { return QString::number(value, 'f', decimals).toStdString(); };
+    const auto number = [](double value, int decimals) {
+        return QString::number(value, 'f', decimals).toStdString();
+    };
     if (weight >= kMillion) {
         return number(weight / kMillion, 1) + "M";
     }

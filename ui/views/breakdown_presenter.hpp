@@ -76,10 +76,10 @@ public:
         bool operator==(const Measured&) const = default;
     };
     struct Printed {
-        int period = 0;           ///< Which one the rest is about.
-        QStringList periods;      ///< As printed.
-        QString heading;          ///< "Claude Code · 133 requests · 9 sessions"
-        QString nothing;          ///< Said when nothing was printed; else empty.
+        int period = 0;       ///< Which one the rest is about.
+        QStringList periods;  ///< As printed.
+        QString heading;      ///< "Claude Code · 133 requests · 9 sessions"
+        QString nothing;      ///< Said when nothing was printed; else empty.
         std::vector<PrintedFinding> findings;
         std::vector<RankedShare> skills;
         std::vector<RankedShare> subagents;

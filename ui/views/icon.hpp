@@ -13,7 +13,20 @@ class Icon : public vorn::PaintedItem {
     Q_PROPERTY(Symbol symbol READ symbol WRITE setSymbol NOTIFY symbolChanged FINAL)
 
 public:
-    enum Symbol : int { Refresh, Ellipsis, Chart, Sliders, Power, Flag, Warning, ChevronDown, ChevronUp, Cross, Plus, Minus };
+    enum Symbol : int {
+        Refresh,
+        Ellipsis,
+        Chart,
+        Sliders,
+        Power,
+        Flag,
+        Warning,
+        ChevronDown,
+        ChevronUp,
+        Cross,
+        Plus,
+        Minus
+    };
     Q_ENUM(Symbol)
 
     using PaintedItem::PaintedItem;

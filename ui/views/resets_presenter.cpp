@@ -45,15 +45,14 @@ ResetsPresenter::Content resetsContent(const ResetPlan& plan, Instant now) {
     for (const PlannedReset& reset : plan.pruned(now).planned) {
         const bool isPast = reset.date <= now;
         QString detail = label(reset.scope);
-        for (const QString& more : {QString::fromStdString(reset.note).simplified(),
-                                    isPast ? QString("has passed") : QString()}) {
+        for (const QString& more :
+             {QString::fromStdString(reset.note).simplified(), isPast ? QString("has passed") : QString()}) {
             detail += more.isEmpty() ? QString() : " · " + more;
         }
-        content.resets.push_back(
-            {.id = QString::fromStdString(reset.id),
-             .when = leftToRight(shortDate(reset.date, zone) + ", " + shortTime(reset.date, zone)),
-             .detail = detail,
-             .isPast = isPast});
+        content.resets.push_back({.id = QString::fromStdString(reset.id),
+                                  .when = leftToRight(shortDate(reset.date, zone) + ", " + shortTime(reset.date, zone)),
+                                  .detail = detail,
+                                  .isPast = isPast});
     }
     return content;
 }

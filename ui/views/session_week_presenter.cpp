@@ -22,8 +22,9 @@ QString oneDecimal(double number) {
 SessionWeekPresenter::Content sessionWeekContent(const UsageModel& model) {
     const auto& ratio = model.sessionWeekRatio();
     if (!ratio || !std::isfinite(ratio->weekPointsPerSessionPoint)) {
-        return {.waiting = "Vorn compares how your session and week climb together. It needs about 20 points of session "
-                           "use with week readings alongside; keep Vorn running."};
+        return {.waiting =
+                    "Vorn compares how your session and week climb together. It needs about 20 points of session "
+                    "use with week readings alongside; keep Vorn running."};
     }
     SessionWeekPresenter::Content content{
         .cost = leftToRight(oneDecimal(ratio->weekPercentPerSession()).toStdString() + "%") + " of week",
@@ -38,8 +39,7 @@ SessionWeekPresenter::Content sessionWeekContent(const UsageModel& model) {
     content.sessions = canBeDrawn ? perWeek : 0;
     if (const WindowAssessment* const week = model.week()) {
         content.left = oneDecimal(ratio->sessionsLeft(week->window.usedPercent));
-        content.usedSessions =
-            content.sessions * std::clamp(week->window.usedPercent / kLimitPercent, 0.0, 1.0);
+        content.usedSessions = content.sessions * std::clamp(week->window.usedPercent / kLimitPercent, 0.0, 1.0);
     }
     return content;
 }

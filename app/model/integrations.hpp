@@ -32,6 +32,8 @@ public:
 
     /// A demonstration: from now on nothing outside is changed, and who asks for it reads `reason` instead.
     void setReadOnly(const QString& reason);
+    /// Empty when changes are really made.
+    [[nodiscard]] const QString& readOnlyReason() const { return m_readOnlyReason; }
 
     [[nodiscard]] bool launchAtLogin() const { return m_now.launchAtLogin; }
     [[nodiscard]] bool canLaunchAtLogin() const { return m_loginItem != nullptr; }

@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QRect>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -11,6 +12,7 @@
 namespace vorn {
 
 class ClaudeFinder;
+class DesktopAppearance;
 class HotKey;
 class Integrations;
 class NotificationCenter;

@@ -1,0 +1,31 @@
+import QtQuick
+import Vorn
+
+/// A calm word about what does not work, in the box it belongs to.
+SettingsRow {
+    id: row
+
+    required property string text
+    property color signColor: Theme.colors.atRisk
+
+    height: visible ? implicitHeight : 0
+    visible: text !== ""
+    detail: text
+    indent: sign.width + Theme.sizes.gap
+    isSpoken: visible
+    Accessible.role: Accessible.AlertMessage
+    Accessible.name: text
+
+    Icon {
+        id: sign
+
+        parent: row
+        anchors.left: parent.left
+        anchors.leftMargin: Theme.sizes.between
+        anchors.verticalCenter: parent.verticalCenter
+        width: Theme.sizes.title
+        height: width
+        symbol: Icon.Warning
+        color: row.signColor
+    }
+}

@@ -1,0 +1,52 @@
+import QtQuick
+import Vorn
+
+/// One of two or more ways, each in a row of its own.
+SettingsRow {
+    id: row
+
+    required property bool checked
+    signal chosen
+
+    indent: mark.width + Theme.sizes.between
+    activeFocusOnTab: true
+    isSpoken: true
+    Accessible.role: Accessible.RadioButton
+    Accessible.name: label
+    Accessible.description: detail
+    Accessible.checkable: true
+    Accessible.checked: checked
+    Accessible.onPressAction: chosen()
+    Keys.onSpacePressed: chosen()
+    Keys.onReturnPressed: chosen()
+    Keys.onDownPressed: nextItemInFocusChain(true).forceActiveFocus()
+    Keys.onUpPressed: nextItemInFocusChain(false).forceActiveFocus()
+
+    PressArea {
+        parent: row
+        radius: Theme.sizes.cardRadius
+        onTriggered: row.chosen()
+    }
+
+    Rectangle {
+        id: mark
+
+        parent: row
+        anchors.left: parent.left
+        anchors.leftMargin: Theme.sizes.between
+        anchors.verticalCenter: parent.verticalCenter
+        width: Theme.sizes.icon
+        height: width
+        radius: width / 2
+        color: "transparent"
+        border.color: row.checked ? Theme.colors.accent : Theme.colors.fieldLine
+        border.width: row.checked ? Math.round(width * 0.3) : Theme.sizes.hair
+    }
+
+    FocusRing {
+        parent: row
+        visible: row.activeFocus
+        distance: -Theme.sizes.tight
+        radius: Theme.sizes.cardRadius
+    }
+}

@@ -1,0 +1,70 @@
+import QtQuick
+import Vorn
+
+/// One page in the list of pages. The arrow keys go from one to the next.
+Item {
+    id: tab
+
+    required property string text
+    required property int symbol
+    required property bool isCurrent
+    signal chosen
+    signal stepped(int by)
+
+    implicitWidth: label.x + label.implicitWidth + Theme.sizes.gap
+    implicitHeight: Theme.sizes.iconButton
+    activeFocusOnTab: isCurrent
+    Accessible.role: Accessible.PageTab
+    Accessible.name: text
+    Accessible.checkable: true
+    Accessible.checked: isCurrent
+    Accessible.onPressAction: chosen()
+    Keys.onDownPressed: stepped(1)
+    Keys.onUpPressed: stepped(-1)
+    Keys.onSpacePressed: chosen()
+    Keys.onReturnPressed: chosen()
+
+    Rectangle {
+        anchors.fill: parent
+        visible: tab.isCurrent
+        radius: Theme.sizes.controlRadius
+        color: Theme.highContrast ? "transparent" : Qt.alpha(Theme.colors.accent, 0.18)
+        border.color: Theme.colors.text
+        border.width: Theme.highContrast ? Theme.sizes.hair : 0
+    }
+
+    PressArea {
+        onTriggered: tab.chosen()
+    }
+
+    PageIcon {
+        id: icon
+
+        anchors.left: parent.left
+        anchors.leftMargin: Theme.sizes.gap
+        anchors.verticalCenter: parent.verticalCenter
+        width: Theme.sizes.icon
+        height: width
+        symbol: tab.symbol
+        color: tab.isCurrent ? Theme.colors.accent : Theme.colors.secondText
+    }
+
+    Label {
+        id: label
+
+        anchors.left: icon.right
+        anchors.leftMargin: Theme.sizes.gap
+        anchors.right: parent.right
+        anchors.rightMargin: Theme.sizes.near
+        anchors.verticalCenter: parent.verticalCenter
+        elide: Text.ElideRight
+        semibold: tab.isCurrent
+        color: tab.isCurrent ? Theme.colors.text : Theme.colors.secondText
+        text: tab.text
+        Accessible.ignored: true
+    }
+
+    FocusRing {
+        distance: 0
+    }
+}

@@ -1,0 +1,152 @@
+import QtQuick
+import Vorn
+
+/// All that can be chosen, a page at a time; the pages are listed at the side.
+FocusScope {
+    id: view
+
+    required property SettingsPresenter settings
+    required property LayoutListModel items
+    required property LiveGlyph glyph
+    required property ClaudePresenter claude
+    property int page: 0
+    signal closeRequested
+    signal chooseClaudeRequested
+
+    readonly property list<string> titles: [qsTr("General"), qsTr("Menu bar"), qsTr("Notifications"), qsTr("Claude Code")]
+
+    implicitWidth: Math.round(660 * Theme.sizes.scale)
+    implicitHeight: Math.round(540 * Theme.sizes.scale)
+    focus: true
+    LayoutMirroring.enabled: Theme.mirrored
+    LayoutMirroring.childrenInherit: true
+    Accessible.role: Accessible.Pane
+    Accessible.name: qsTr("Settings")
+    Keys.onEscapePressed: closeRequested()
+
+    Rectangle {
+        anchors.fill: parent
+        color: Theme.colors.window
+    }
+
+    Rectangle {
+        id: side
+
+        anchors.left: parent.left
+        height: parent.height
+        width: Math.min(Math.max(Math.round(168 * Theme.sizes.scale), tabs.implicitWidth + 2 * Theme.sizes.gap), parent.width / 2)
+        color: Theme.colors.sunken
+
+        Rectangle {
+            anchors.right: parent.right
+            width: Theme.sizes.hair
+            height: parent.height
+            color: Theme.colors.line
+        }
+
+        Label {
+            id: heading
+
+            anchors.left: parent.left
+            anchors.leftMargin: Theme.sizes.inset
+            y: Theme.sizes.inset
+            semibold: true
+            font.pixelSize: Theme.sizes.title + 1
+            text: qsTr("Settings")
+            Accessible.role: Accessible.Heading
+            Accessible.name: text
+        }
+
+        Column {
+            id: tabs
+
+            anchors {
+                left: parent.left
+                right: parent.right
+                margins: Theme.sizes.gap
+                top: heading.bottom
+                topMargin: Theme.sizes.between
+            }
+            Accessible.role: Accessible.PageTabList
+            Accessible.name: qsTr("Pages")
+
+            Repeater {
+                id: repeater
+
+                model: view.titles
+
+                delegate: SettingsTab {
+                    required property int index
+                    required property string modelData
+
+                    width: tabs.width
+                    text: modelData
+                    symbol: [PageIcon.General, PageIcon.MenuBar, PageIcon.Bell, PageIcon.Terminal][index]
+                    isCurrent: index === view.page
+                    onChosen: view.choose(index)
+                    onStepped: by => view.choose(index + by)
+                }
+            }
+        }
+    }
+
+    function choose(index: int) {
+        if (index >= 0 && index < titles.length) {
+            page = index;
+            repeater.itemAt(index).forceActiveFocus();
+        }
+    }
+
+    Component.onCompleted: repeater.itemAt(page).focus = true
+
+    Loader {
+        anchors {
+            left: side.right
+            right: parent.right
+            top: parent.top
+            bottom: parent.bottom
+        }
+        sourceComponent: [general, menuBar, notifications, claudeCode][view.page]
+    }
+
+    Component {
+        id: general
+
+        GeneralPage {
+            title: view.titles[0]
+            settings: view.settings
+            glyph: view.glyph
+        }
+    }
+
+    Component {
+        id: menuBar
+
+        MenuBarPage {
+            title: view.titles[1]
+            settings: view.settings
+            glyph: view.glyph
+            items: view.items
+        }
+    }
+
+    Component {
+        id: notifications
+
+        NotificationsPage {
+            title: view.titles[2]
+            settings: view.settings
+        }
+    }
+
+    Component {
+        id: claudeCode
+
+        ClaudePage {
+            title: view.titles[3]
+            settings: view.settings
+            claude: view.claude
+            onChooseRequested: view.chooseClaudeRequested()
+        }
+    }
+}

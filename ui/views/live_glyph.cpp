@@ -1,0 +1,95 @@
+#include "ui/views/live_glyph.hpp"
+
+#include <QStringList>
+#include <algorithm>
+#include <array>
+
+#include "app/model/model_parts.hpp"
+#include "app/model/preferences.hpp"
+#include "app/model/usage_model.hpp"
+#include "platform/desktop_appearance.hpp"
+#include "platform/panel_brightness.hpp"
+
+namespace vorn {
+namespace {
+
+bool isRing(MenuBarItem item) {
+    return item == MenuBarItem::tightestRing || item == MenuBarItem::sessionRing || item == MenuBarItem::weekRing;
+}
+
+MenuBarItem firstRing(const std::vector<MenuBarItem>& items) {
+    const auto ring = std::ranges::find_if(items, isRing);
+    return ring == items.end() ? MenuBarItem::tightestRing : *ring;
+}
+
+MenuBarGlyph::Palette palette(const DesktopAppearance& appearance, bool isDark) {
+    if (appearance.highContrast()) {
+        return MenuBarGlyph::Palette::highContrast(isDark);
+    }
+    return isDark ? MenuBarGlyph::Palette::onDark() : MenuBarGlyph::Palette::onLight();
+}
+
+std::unique_ptr<UsageModel> makeExample(Preferences& preferences, Instant now) {
+    auto model = std::make_unique<UsageModel>(preferences, makeModelParts());
+    model->startDemo(demo::makeDemo(demo::Scenario::atRisk, now));
+    return model;
+}
+
+QString spokenPart(const MenuBarPart& part) {
+    if (const auto* const text = std::get_if<TextPart>(&part)) {
+        return QString::fromStdString(text->text);
+    }
+    return QString::fromStdString(std::get<RingPart>(part).kind.title());
+}
+
+}  // namespace
+
+LiveGlyph::LiveGlyph(const Sources& sources, QObject* parent) : QObject(parent), m_sources(sources) {
+    connect(&sources.model, &UsageModel::changed, this, &LiveGlyph::update);
+    connect(&sources.appearance, &DesktopAppearance::changed, this, &LiveGlyph::update);
+    connect(&sources.panel, &PanelBrightness::changed, this, &LiveGlyph::update);
+    connect(&sources.preferences, &Preferences::menuBarLayoutChanged, this, &LiveGlyph::update);
+    connect(&sources.preferences, &Preferences::glyphStyleChanged, this, &LiveGlyph::update);
+    connect(&sources.preferences, &Preferences::colorWhenAtRiskChanged, this, &LiveGlyph::update);
+    update();
+}
+
+LiveGlyph::~LiveGlyph() = default;
+
+QColor LiveGlyph::panelColor() const {
+    const bool isDark = m_sources.panel.isDark();
+    if (m_sources.appearance.highContrast()) {
+        return isDark ? Qt::black : Qt::white;
+    }
+    return QColor::fromRgb(isDark ? 0x131518 : 0xE4E7EB);
+}
+
+const UsageModel& LiveGlyph::figures() {
+    if (!m_sources.model.assessments().empty()) {
+        m_example.reset();
+        return m_sources.model;
+    }
+    if (!m_example) {
+        m_example = makeExample(m_sources.preferences, m_sources.model.now());
+    }
+    return *m_example;
+}
+
+void LiveGlyph::update() {
+    const UsageModel& model = figures();
+    const std::vector<MenuBarItem> items = m_sources.preferences.menuBarItems();
+    m_items = MenuBarGlyph::parts(items, model);
+    m_singleRing = MenuBarGlyph::parts(std::array{firstRing(items)}, model);
+    m_sample = MenuBarGlyph::parts(std::array{MenuBarItem::weekRing}, model);
+    m_look = {.style = m_sources.preferences.glyphStyle(),
+              .tint = m_sources.preferences.colorWhenAtRisk(),
+              .palette = palette(m_sources.appearance, m_sources.panel.isDark())};
+    QStringList spoken;
+    for (const MenuBarPart& part : m_items) {
+        spoken << spokenPart(part);
+    }
+    m_spoken = spoken.join(QStringLiteral(", "));
+    emit changed();
+}
+
+}  // namespace vorn

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QImage>
+
+#include "ui/views/settings_window.hpp"
+
+namespace vorn {
+
+struct SettingsPicture {
+    UsageModel& model;
+    DesktopAppearance& appearance;
+    SettingsWindow::Page page = SettingsWindow::Page::general;
+    double pixelRatio = 1;  ///< Device pixels a point.
+};
+
+/// "settings-general", …: what a picture of the page is called.
+const char* pictureName(SettingsWindow::Page page);
+
+/// The settings as they stand, on a desktop where everything works. Reads Claude Code's settings unless the model is a
+/// demonstration; changes nothing. Null when the view cannot be loaded.
+QImage pictureOf(QQmlEngine& engine, const SettingsPicture& picture);
+
+}  // namespace vorn

@@ -8,7 +8,6 @@ Item {
     required property string name
     required property list<string> options
     required property int current
-    property int marked: current
     readonly property bool isOpen: choices.visible
     signal picked(int index)
 
@@ -23,7 +22,7 @@ Item {
     onActiveFocusChanged: choices.visible = false
 
     function toggle() {
-        marked = current;
+        choices.marked = current;
         choices.place();
         choices.visible = !choices.visible;
     }
@@ -34,9 +33,9 @@ Item {
     }
 
     function step(by: int) {
-        const next = Math.max(0, Math.min((isOpen ? marked : current) + by, options.length - 1));
+        const next = Math.max(0, Math.min((isOpen ? choices.marked : current) + by, options.length - 1));
         if (isOpen) {
-            marked = next;
+            choices.marked = next;
         } else if (next !== current) {
             picked(next);
         }
@@ -59,7 +58,7 @@ Item {
         case Qt.Key_Space:
         case Qt.Key_Return:
         case Qt.Key_Enter:
-            isOpen ? pick(marked) : toggle();
+            isOpen ? pick(choices.marked) : toggle();
             return true;
         case Qt.Key_Escape:
             const wasOpen = isOpen;
@@ -127,6 +126,9 @@ Item {
         id: choices
 
         picker: picker
+        options: picker.options
+        current: picker.current
+        onPicked: index => picker.pick(index)
     }
 
     FocusRing {}

@@ -5,7 +5,11 @@ import Vorn
 MouseArea {
     id: cover
 
-    required property Picker picker
+    required property Item picker
+    required property list<string> options
+    required property int current
+    property int marked: 0
+    signal picked(int index)
 
     parent: picker.Window.contentItem
     anchors.fill: parent
@@ -42,7 +46,7 @@ MouseArea {
             width: parent.width - 2 * x
 
             Repeater {
-                model: cover.picker.options
+                model: cover.options
 
                 delegate: Item {
                     id: option
@@ -55,12 +59,12 @@ MouseArea {
                     Accessible.role: Accessible.ListItem
                     Accessible.name: modelData
                     Accessible.selectable: true
-                    Accessible.selected: index === cover.picker.current
-                    Accessible.onPressAction: cover.picker.pick(index)
+                    Accessible.selected: index === cover.current
+                    Accessible.onPressAction: cover.picked(index)
 
                     Rectangle {
                         anchors.fill: parent
-                        visible: option.index === cover.picker.marked
+                        visible: option.index === cover.marked
                         radius: Theme.sizes.controlRadius - Theme.sizes.tight
                         color: Theme.colors.accent
                     }
@@ -69,8 +73,8 @@ MouseArea {
                         anchors.left: parent.left
                         anchors.leftMargin: Theme.sizes.gap
                         anchors.verticalCenter: parent.verticalCenter
-                        semibold: option.index === cover.picker.current
-                        color: option.index === cover.picker.marked ? Theme.colors.textOnAccent : Theme.colors.text
+                        semibold: option.index === cover.current
+                        color: option.index === cover.marked ? Theme.colors.textOnAccent : Theme.colors.text
                         text: option.modelData
                         Accessible.ignored: true
                     }
@@ -78,8 +82,8 @@ MouseArea {
                     MouseArea {
                         anchors.fill: parent
                         hoverEnabled: true
-                        onEntered: cover.picker.marked = option.index
-                        onClicked: cover.picker.pick(option.index)
+                        onEntered: cover.marked = option.index
+                        onClicked: cover.picked(option.index)
                     }
                 }
             }

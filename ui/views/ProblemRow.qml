@@ -6,7 +6,7 @@ SettingsRow {
     id: row
 
     required property string text
-    property color signColor: Theme.colors.atRisk
+    property color signColor: Theme.colors.status(Status.AtRisk)
 
     height: visible ? implicitHeight : 0
     visible: text !== ""

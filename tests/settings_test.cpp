@@ -10,7 +10,7 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <cstdlib>
-#include <filesystem>
+#include <tuple>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -34,11 +34,8 @@
 namespace vorn {
 namespace {
 
-namespace fs = std::filesystem;
 using Page = SettingsWindow::Page;
 using test::ViewState;
-
-constexpr std::array kPages{Page::general, Page::menuBar, Page::notifications, Page::claudeCode};
 
 /// Everything that Qt or QML complained about.
 std::vector<std::string> warnings;  // NOLINT: message handlers know nothing but what is global
@@ -141,13 +138,12 @@ void keepPictures(const std::vector<QImage>& pages, const std::string& name) {
 
 void expectPictures(World& world, const std::string& name, double pixelRatio = 2) {
     ClaudeFinder finder;
-    finder.find(world.state.preferences->claudePathOverride());
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !finder.finding().isSearching; }, 20'000));
     ViewEngine engine(world.appearance);
     const auto hold = engine.hold();
     std::vector<QImage> pictures;
-    for (const Page page : kPages) {
+    for (const Page page : SettingsWindow::kPages) {
         SettingsPages pages(world.deps(), finder);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !finder.finding().isSearching; }, 20'000));
         pictures.push_back(pictureOf(*hold, {.view = QUrl("qrc:/qt/qml/Vorn/SettingsView.qml"),
                                              .properties = pages.properties(page),
                                              .pixelRatio = pixelRatio}));
@@ -156,6 +152,23 @@ void expectPictures(World& world, const std::string& name, double pixelRatio = 2
     keepPictures(pictures, name);
     EXPECT_THAT(warnings, testing::IsEmpty()) << name;
     warnings.clear();
+}
+
+TEST(SettingsView, MirrorsAndGrowsWithTheFont) {
+    const QFont font = QGuiApplication::font();
+    for (const auto& [name, direction, points] :
+         {std::tuple("right-to-left", Qt::RightToLeft, 10), std::tuple("large-type", Qt::LeftToRight, 16),
+          std::tuple("small-type", Qt::LeftToRight, 8)}) {
+        QGuiApplication::setLayoutDirection(direction);
+        QFont sized = font;
+        sized.setPointSize(points);
+        QGuiApplication::setFont(sized);
+        World world;
+        world.state.model->startDemo(demo::makeDemo(demo::Scenario::limited, world.state.now));
+        expectPictures(world, name);
+    }
+    QGuiApplication::setLayoutDirection(Qt::LeftToRight);
+    QGuiApplication::setFont(font);
 }
 
 TEST(SettingsView, ShowsEveryStateWithoutAWarning) {
@@ -221,6 +234,314 @@ TEST(SettingsView, ShowsEveryStateWithoutAWarning) {
         expectPictures(world, name);
         expectPictures(world, std::string(name) + "-1x", 1);
     }
+}
+
+/// The window on a screen, driven as people do.
+class SettingsWindowTest : public testing::Test {
+protected:
+    void SetUp() override { warnings.clear(); }
+    void TearDown() override {
+        m_window.close();
+        EXPECT_THAT(warnings, testing::IsEmpty());
+    }
+
+    void open(Page page) {
+        m_window.open(page);
+        QWindow* shown = nullptr;
+        for (QWindow* const window : QGuiApplication::topLevelWindows()) {
+            shown = window->isVisible() ? window : shown;
+        }
+        ASSERT_TRUE(shown && QTest::qWaitForWindowActive(shown));
+        m_shown = qobject_cast<QQuickWindow*>(shown);
+        layOut(*m_shown->contentItem());
+    }
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) { QTest::keyClick(m_shown, key, modifiers); }
+
+    static void layOut(QQuickItem& item) {
+        for (QQuickItem* const child : item.childItems()) {
+            layOut(*child);
+        }
+        item.ensurePolished();
+    }
+    /// All items below one, with a name for those who listen.
+    static void collect(QQuickItem& item, std::vector<std::pair<std::string, QQuickItem*>>& found) {
+        for (QQuickItem* const child : item.childItems()) {
+            if (!child->isVisible()) {
+                continue;
+            }
+            QAccessibleInterface* const interface = QAccessible::queryAccessibleInterface(child);
+            if (interface && !interface->text(QAccessible::Name).isEmpty()) {
+                found.emplace_back(interface->text(QAccessible::Name).toStdString(), child);
+            }
+            collect(*child, found);
+        }
+    }
+    [[nodiscard]] std::vector<std::pair<std::string, QQuickItem*>> named() const {
+        std::vector<std::pair<std::string, QQuickItem*>> found;
+        collect(*m_shown->contentItem(), found);
+        return found;
+    }
+    /// The last of that name, which is the innermost; null when there is none.
+    [[nodiscard]] QQuickItem* find(const std::string& name) const {
+        QQuickItem* last = nullptr;
+        for (const auto& [each, item] : named()) {
+            last = each == name ? item : last;
+        }
+        return last;
+    }
+    [[nodiscard]] QPoint middle(const std::string& name) const {
+        layOut(*m_shown->contentItem());
+        const QQuickItem* const item = find(name);
+        EXPECT_TRUE(item) << name;
+        return item ? item->mapToScene({item->width() / 2, item->height() / 2}).toPoint() : QPoint();
+    }
+    void click(const std::string& name) { QTest::mouseClick(m_shown, Qt::LeftButton, {}, middle(name)); }
+    void focus(const std::string& name) {
+        QQuickItem* const item = find(name);
+        ASSERT_TRUE(item) << name;
+        item->forceActiveFocus(Qt::TabFocusReason);
+    }
+    /// All that can be read on the page, in its order.
+    [[nodiscard]] std::string said() const {
+        std::string all;
+        for (const auto& [name, item] : named()) {
+            all += name + "\n";
+        }
+        return all;
+    }
+    [[nodiscard]] static std::string focused() {
+        QAccessibleInterface* const interface = QAccessible::queryAccessibleInterface(QGuiApplication::focusObject());
+        return interface ? interface->text(QAccessible::Name).toStdString() : "";
+    }
+    /// "tightestRing sessionPercent -sessionRing …", as the store holds it.
+    [[nodiscard]] std::string storedLayout(std::size_t count) const {
+        std::string text;
+        const auto stored = m_world.stored();
+        for (const MenuBarEntry& entry : stored->menuBarLayout()) {
+            if (count-- == 0) {
+                break;
+            }
+            text += std::string(text.empty() ? "" : " ") + (entry.isOn ? "" : "-") + rawValue(entry.item);
+        }
+        return text;
+    }
+
+    World m_world;
+    ViewEngine m_engine{m_world.appearance, std::chrono::milliseconds(0)};
+    SettingsWindow m_window{m_world.deps(), m_engine};
+    QQuickWindow* m_shown = nullptr;
+};
+
+TEST_F(SettingsWindowTest, KeepsEverySwitchInTheStore) {
+    const struct {
+        Page page;
+        const char* name;
+        bool (Preferences::*value)() const;
+    } cases[] = {
+        {Page::menuBar, "Colour a ring when its limit is at risk", &Preferences::colorWhenAtRisk},
+        {Page::notifications, "I'm on track to hit a limit", &Preferences::notifyAtRisk},
+        {Page::notifications, "A limit is reached", &Preferences::notifyLimited},
+        {Page::notifications, "A tight window resets", &Preferences::notifyReset},
+        {Page::claudeCode, "Use local Claude Code activity for live pace", &Preferences::useLocalActivity},
+    };
+    for (const auto& [page, name, value] : cases) {
+        SCOPED_TRACE(name);
+        open(page);
+        click(name);
+        EXPECT_FALSE((m_world.stored().get()->*value)());
+        focus(name);
+        press(Qt::Key_Space);
+        EXPECT_TRUE((m_world.stored().get()->*value)());
+    }
+    open(Page::general);
+    click("Start at login");
+    EXPECT_TRUE(m_world.loginItem.isEnabled());
+}
+
+TEST_F(SettingsWindowTest, ChoosesAmongSeveral) {
+    m_world.state.preferences->setRefreshMinutes(7);
+    open(Page::general);
+    focus("Check usage every, 7 min");
+    press(Qt::Key_Down);
+    EXPECT_EQ(m_world.stored()->refreshMinutes(), 10);
+    press(Qt::Key_Home);
+    EXPECT_EQ(m_world.stored()->refreshMinutes(), 1);
+    press(Qt::Key_Space);
+    ASSERT_TRUE(find("30 min"));
+    EXPECT_FALSE(find("7 min")) << "offered only while it is chosen";
+    press(Qt::Key_Down);
+    press(Qt::Key_Escape);
+    EXPECT_TRUE(m_window.isOpen()) << "Escape closes the list alone";
+    EXPECT_EQ(m_world.stored()->refreshMinutes(), 1);
+    click("Check usage every, 1 min");
+    click("15 min");
+    EXPECT_EQ(m_world.stored()->refreshMinutes(), 15);
+
+    click("A single ring");
+    EXPECT_EQ(m_world.stored()->trayCells(), TrayCells::singleRing);
+    focus("A single ring");
+    press(Qt::Key_Up);
+    EXPECT_EQ(m_world.stored()->trayCells(), TrayCells::perItem);
+
+    open(Page::menuBar);
+    click("Usage");
+    EXPECT_EQ(m_world.stored()->glyphStyle(), GlyphStyle::usage);
+    focus("Usage");
+    press(Qt::Key_Right);
+    EXPECT_EQ(m_world.stored()->glyphStyle(), GlyphStyle::steer);
+    EXPECT_EQ(focused(), "Pace direction");
+}
+
+TEST_F(SettingsWindowTest, OrdersTheItemsByKeyboardArrowsAndMouse) {
+    open(Page::menuBar);
+    focus("Session %");
+    press(Qt::Key_Up, Qt::AltModifier);
+    EXPECT_EQ(storedLayout(3), "sessionPercent tightestRing -sessionRing");
+    EXPECT_EQ(focused(), "Session %") << "the focus goes along";
+    press(Qt::Key_Up, Qt::AltModifier);
+    press(Qt::Key_Space);
+    EXPECT_EQ(storedLayout(2), "-sessionPercent tightestRing");
+    press(Qt::Key_Down, Qt::AltModifier);
+    press(Qt::Key_Down, Qt::AltModifier);
+    EXPECT_EQ(storedLayout(3), "tightestRing -sessionRing -sessionPercent");
+    press(Qt::Key_Up);
+    EXPECT_EQ(focused(), "Ring · session (5h)");
+
+    click("Move Week % up");
+    EXPECT_EQ(storedLayout(6), "tightestRing -sessionRing -sessionPercent -sessionReset -weekPercent -weekRing");
+    // Rows glide to their places.
+    const auto settled = [this] {
+        return middle("Sessions left this week (≈3.2s)").y() - middle("Ring · tightest limit").y() >
+               8 * find("Ring · tightest limit")->height() - 1;
+    };
+    ASSERT_TRUE(QTest::qWaitFor(settled));
+    click("Ring · week (7d)");
+    EXPECT_EQ(storedLayout(6), "tightestRing -sessionRing -sessionPercent -sessionReset -weekPercent weekRing");
+
+    const QPoint from = middle("Ring · tightest limit");
+    const QPoint step(0, qRound(find("Ring · tightest limit")->height() * 0.75));
+    QTest::mousePress(m_shown, Qt::LeftButton, {}, from);
+    for (int i = 1; i <= 4; ++i) {
+        QTest::mouseMove(m_shown, from + step * i);
+    }
+    QTest::mouseRelease(m_shown, Qt::LeftButton, {}, from + step * 4);
+    EXPECT_EQ(storedLayout(5), "-sessionRing -sessionPercent -sessionReset tightestRing -weekPercent");
+    QTest::mousePress(m_shown, Qt::LeftButton, {}, from + step * 4);
+    QTest::mouseMove(m_shown, from + QPoint(0, -20));
+    QTest::mouseMove(m_shown, from + QPoint(0, -200));
+    QTest::mouseRelease(m_shown, Qt::LeftButton, {}, from + QPoint(0, -200));
+    EXPECT_EQ(storedLayout(2), "tightestRing -sessionRing") << "dropped above the list";
+}
+
+TEST_F(SettingsWindowTest, SaysWhatDoesNotWorkWhereItBelongs) {
+    m_world.loginItem.refusal = "The autostart folder is read-only.";
+    open(Page::general);
+    click("Start at login");
+    EXPECT_THAT(said(), testing::HasSubstr("The autostart folder is read-only."));
+    m_world.hotKey.trouble = "Another program uses Ctrl+Alt+P.";
+    emit m_world.hotKey.stateChanged();
+    EXPECT_THAT(said(), testing::HasSubstr("Another program uses Ctrl+Alt+P."));
+
+    open(Page::notifications);
+    EXPECT_THAT(said(), testing::Not(testing::HasSubstr("Until then")));
+    click("Send test");
+    EXPECT_THAT(m_world.notices.posted, testing::SizeIs(1));
+    EXPECT_THAT(said(), testing::Not(testing::HasSubstr("autostart")));
+    m_world.notices.trouble = "No server answers.";
+    emit m_world.notices.problemChanged();
+    EXPECT_THAT(said(), testing::HasSubstr("No server answers. Until then the tray alone warns."));
+    click("Send test");
+    EXPECT_THAT(m_world.notices.posted, testing::SizeIs(1)) << "disabled";
+
+    m_world.state.directory.write("settings.ini", "[General\nnotifyReset\x01");
+    m_world.state.preferences->setNotifyReset(false);
+    for (const Page page : SettingsWindow::kPages) {
+        open(page);
+        EXPECT_THAT(said(), testing::HasSubstr("The settings file was damaged."));
+    }
+}
+
+TEST_F(SettingsWindowTest, ConnectsTheStatusLineAndSaysWhyItCannot) {
+    m_world.writeClaudeSettings(R"({"statusLine": {"type": "command", "command": "~/prompt.sh"}})");
+    open(Page::claudeCode);
+    EXPECT_THAT(said(), testing::HasSubstr("Not connected"));
+    click("Connect");
+    EXPECT_THAT(said(), testing::HasSubstr("vorn-bridge is missing from the app bundle."));
+
+    m_world.integrations.integration().install(systemNow());
+    m_world.home.executable("bin/vorn-bridge", "");
+    m_world.integrations.refresh();
+    EXPECT_THAT(said(), testing::AllOf(testing::HasSubstr("Connected Live figures after every reply; none yet."),
+                                       testing::HasSubstr("Your own command still runs: ")));
+    m_world.writeClaudeSettings("{");
+    click("Disconnect");
+    EXPECT_THAT(said(), testing::HasSubstr("Couldn't read Claude Code settings: "));
+    m_world.writeClaudeSettings(R"({"statusLine": {"type": "command", "command": "/old/vorn-bridge"}})");
+    m_world.integrations.refresh();
+    EXPECT_THAT(said(), testing::AllOf(testing::HasSubstr("Needs to be reconnected"), testing::HasSubstr("Reconnect")));
+    click("Disconnect");
+    EXPECT_THAT(said(), testing::HasSubstr("Not connected"));
+
+    m_world.integrations.setReadOnly("Only a demonstration.");
+    m_world.state.model->startDemo(demo::makeDemo(demo::Scenario::watch, m_world.state.now));
+    EXPECT_THAT(said(), testing::HasSubstr("Only a demonstration."));
+    EXPECT_FALSE(find("Connect")->isEnabled());
+    EXPECT_FALSE(find("Check now")->isEnabled());
+}
+
+TEST_F(SettingsWindowTest, FindsClaudeAndAsksIt) {
+    const auto shows = [this](const char* text) {
+        return QTest::qWaitFor([&] { return said().find(text) != std::string::npos; }, 10'000);
+    };
+    open(Page::claudeCode);
+    const struct {
+        const char* script;
+        const char* text;
+    } cases[] = {{"echo '2.1.330 (Claude Code)'; echo more", "~/my/claude Chosen by you · 2.1.330"},
+                 {"echo broken >&2; exit 3", "claude --version failed: broken"},
+                 {"true", "claude --version printed nothing."}};
+    for (const auto& [script, text] : cases) {
+        m_world.state.preferences->setClaudePathOverride("/nowhere/claude");
+        EXPECT_TRUE(shows("There is no program that can be run. Choose another one.")) << said();
+        m_world.state.preferences->setClaudePathOverride(m_world.makeClaude(script));
+        EXPECT_TRUE(shows(text)) << said();
+    }
+    const QSignalSpy choose(&m_window, &SettingsWindow::chooseClaudeRequested);
+    click("Choose…");
+    EXPECT_EQ(choose.size(), 1);
+    click("Automatic");
+    EXPECT_EQ(m_world.stored()->claudePathOverride(), "");
+
+    m_world.state.answer = std::string("claude /usage didn't answer in time.");
+    click("Check now");
+    EXPECT_TRUE(shows("Asked 12:00: claude /usage didn't answer in time.")) << said();
+    m_world.state.answer =
+        UsageCommandParser::Result{.windows = {test::reading(WindowKind::session(), 38, std::chrono::hours(2))}};
+    click("Check now");
+    EXPECT_TRUE(shows("Answered 12:00: Session 38%.")) << said();
+}
+
+TEST_F(SettingsWindowTest, RemembersItsPageAndPlaceAndLetsGoOfTheEngine) {
+    open(Page::general);
+    EXPECT_EQ(focused(), "General");
+    press(Qt::Key_Down);
+    press(Qt::Key_Down);
+    EXPECT_EQ(focused(), "Notifications");
+    EXPECT_TRUE(find("Send test"));
+    m_shown->setGeometry(31, 42, 600, 500);
+    const QSignalSpy closed(&m_window, &SettingsWindow::closed);
+    press(Qt::Key_Escape);
+    EXPECT_EQ(closed.size(), 1);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !m_engine.isLoaded(); }));
+    EXPECT_EQ(m_world.place, QRect(31, 42, 600, 500));
+
+    m_world.place.moveTo(5000, -5000);
+    m_window.open();
+    open(Page::notifications);
+    EXPECT_TRUE(find("Send test"));
+    EXPECT_EQ(m_shown->size(), QSize(660, 540)) << "that screen is gone";
+    m_shown->close();
+    EXPECT_FALSE(m_window.isOpen());
 }
 
 }  // namespace

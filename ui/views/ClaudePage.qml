@@ -20,12 +20,13 @@ SettingsPage {
 
             TextButton {
                 text: qsTr("Choose…")
+                visible: page.claude.canChoose
                 onTriggered: page.chooseRequested()
             }
 
             TextButton {
-                visible: page.claude.isChosen
-                text: qsTr("Find it")
+                visible: page.claude.canChoose && page.claude.isChosen
+                text: qsTr("Automatic")
                 onTriggered: page.claude.clearChoice()
             }
 
@@ -60,7 +61,7 @@ SettingsPage {
                 anchors.left: parent.left
                 anchors.leftMargin: Theme.sizes.between
                 anchors.verticalCenter: parent.verticalCenter
-                visible: !page.claude.isChecking && !page.isDemonstration
+                visible: !page.claude.isChecking
                 width: Theme.sizes.icon
                 height: width
                 symbol: PageIcon.Tick

@@ -39,10 +39,13 @@ SettingsPage {
         visible: page.settings.hasCells
 
         RadioRow {
+            id: perItem
+
             label: qsTr("One cell per item")
             detail: qsTr("Everything ticked under Menu bar stays readable.")
             checked: !page.settings.isSingleRing
             onChosen: page.settings.isSingleRing = false
+            Keys.onDownPressed: single.choose()
 
             GlyphPanel {
                 visible: width < 240 * Theme.sizes.scale
@@ -51,10 +54,13 @@ SettingsPage {
         }
 
         RadioRow {
+            id: single
+
             label: qsTr("A single ring")
             detail: qsTr("The first ring only; the rest is in the tooltip.")
             checked: page.settings.isSingleRing
             onChosen: page.settings.isSingleRing = true
+            Keys.onUpPressed: perItem.choose()
 
             GlyphPanel {
                 glyph: page.glyph

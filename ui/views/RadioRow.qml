@@ -8,6 +8,12 @@ SettingsRow {
     required property bool checked
     signal chosen
 
+    /// As the arrow keys do: with the focus.
+    function choose() {
+        chosen();
+        forceActiveFocus();
+    }
+
     indent: mark.width + Theme.sizes.between
     activeFocusOnTab: true
     isSpoken: true
@@ -19,8 +25,6 @@ SettingsRow {
     Accessible.onPressAction: chosen()
     Keys.onSpacePressed: chosen()
     Keys.onReturnPressed: chosen()
-    Keys.onDownPressed: nextItemInFocusChain(true).forceActiveFocus()
-    Keys.onUpPressed: nextItemInFocusChain(false).forceActiveFocus()
 
     PressArea {
         parent: row

@@ -13,7 +13,7 @@ Item {
 
     implicitWidth: label.x + label.implicitWidth + Theme.sizes.gap
     implicitHeight: Theme.sizes.iconButton
-    activeFocusOnTab: isCurrent
+    activeFocusOnTab: isCurrent || activeFocus
     Accessible.role: Accessible.PageTab
     Accessible.name: text
     Accessible.checkable: true

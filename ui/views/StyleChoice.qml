@@ -13,7 +13,7 @@ Item {
     signal stepped(int by)
 
     implicitHeight: Math.max(sample.height, name.height) + 2 * Theme.sizes.gap
-    activeFocusOnTab: isCurrent
+    activeFocusOnTab: isCurrent || activeFocus
     Accessible.role: Accessible.RadioButton
     Accessible.name: title
     Accessible.description: description

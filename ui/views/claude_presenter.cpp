@@ -39,6 +39,11 @@ QString counted(std::size_t count, const char* one, const char* many) {
 }
 
 void showExecutable(const Sources& sources, Content& content) {
+    if (sources.model.isDemo()) {
+        content.executable = QStringLiteral("claude");
+        content.origin = QStringLiteral("This is a demonstration: it is neither looked for nor asked.");
+        return;
+    }
     const ClaudeFinder::Finding& finding = sources.finder.finding();
     const QString& chosen = sources.model.preferences().claudePathOverride();
     content.isChosen = !chosen.isEmpty();
@@ -80,12 +85,13 @@ QString failureText(const UsageModel& model) {
                               : QString();
     // What stands below the first line is the client's own output.
     const QString text = asked + QString::fromStdString(error).trimmed().section('\n', 0, 0);
-    return advice.isEmpty() ? text : text + ' ' + advice;
+    return advice.isEmpty() ? text : text + '\n' + advice;
 }
 
 void showCheck(const Sources& sources, Content& content) {
     const UsageModel& model = sources.model;
     content.isChecking = model.isProbing();
+    content.canChoose = !model.isDemo();
     content.canCheck = !model.isProbing() && !model.isDemo();
     if (model.isProbing()) {
         content.checkResult = QStringLiteral("Asking claude /usage…");
@@ -94,8 +100,6 @@ void showCheck(const Sources& sources, Content& content) {
         content.checkResult = failureText(model);
     } else if (model.lastProbeAt()) {
         content.checkResult = answerText(model);
-    } else if (model.isDemo()) {
-        content.checkResult = QStringLiteral("This is a demonstration: claude is not asked.");
     }
 }
 
@@ -187,6 +191,7 @@ ClaudePresenter::ClaudePresenter(const Sources& sources, QObject* parent) : QObj
     connect(&model.preferences(), &Preferences::claudePathOverrideChanged, this, &ClaudePresenter::find);
     connect(&model.preferences(), &Preferences::useLocalActivityChanged, this, &ClaudePresenter::update);
     count();
+    find();
 }
 
 QString ClaudePresenter::fixedFamily() {
@@ -194,6 +199,9 @@ QString ClaudePresenter::fixedFamily() {
 }
 
 void ClaudePresenter::find() {
+    if (m_sources.model.isDemo()) {
+        return;
+    }
     m_sources.finder.find(m_sources.model.preferences().claudePathOverride());
 }
 

@@ -29,6 +29,7 @@ class ClaudePresenter : public QObject {
     Q_PROPERTY(QString origin READ origin NOTIFY changed FINAL)
     Q_PROPERTY(QString executableProblem READ executableProblem NOTIFY changed FINAL)
     Q_PROPERTY(bool isChosen READ isChosen NOTIFY changed FINAL)
+    Q_PROPERTY(bool canChoose READ canChoose NOTIFY changed FINAL)
     Q_PROPERTY(bool canCheck READ canCheck NOTIFY changed FINAL)
     Q_PROPERTY(bool isChecking READ isChecking NOTIFY changed FINAL)
     Q_PROPERTY(QString checkResult READ checkResult NOTIFY changed FINAL)
@@ -52,6 +53,7 @@ public:
         QString origin;             ///< How it was found, and its version.
         QString executableProblem;  ///< The problems are empty where there is none.
         bool isChosen = false;      ///< By the user rather than found.
+        bool canChoose = false;
         bool canCheck = false;
         bool isChecking = false;
         QString checkResult;  ///< Empty before the first one.
@@ -79,6 +81,7 @@ public:
     [[nodiscard]] const QString& origin() const { return m_content.origin; }
     [[nodiscard]] const QString& executableProblem() const { return m_content.executableProblem; }
     [[nodiscard]] bool isChosen() const { return m_content.isChosen; }
+    [[nodiscard]] bool canChoose() const { return m_content.canChoose; }
     [[nodiscard]] bool canCheck() const { return m_content.canCheck; }
     [[nodiscard]] bool isChecking() const { return m_content.isChecking; }
     [[nodiscard]] const QString& checkResult() const { return m_content.checkResult; }

@@ -77,7 +77,8 @@ void GlyphPreview::paint(QPainter* painter) {
     if (!m_glyph) {
         return;
     }
-    const double ratio = painter->device()->devicePixelRatioF();
+    // Device pixels a point, however the painter comes by them.
+    const double ratio = painter->deviceTransform().m11();
     const int side = static_cast<int>(std::lround(m_side * ratio));
     if (isStrip()) {
         painter->drawImage(QPointF(), inPoints(MenuBarGlyph::image(parts(), look(), side), ratio));

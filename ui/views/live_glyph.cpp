@@ -29,9 +29,9 @@ MenuBarGlyph::Palette palette(const DesktopAppearance& appearance, bool isDark) 
     return isDark ? MenuBarGlyph::Palette::onDark() : MenuBarGlyph::Palette::onLight();
 }
 
-std::unique_ptr<UsageModel> makeExample(Preferences& preferences, Instant now) {
+std::unique_ptr<UsageModel> makeExample(Preferences& preferences) {
     auto model = std::make_unique<UsageModel>(preferences, makeModelParts());
-    model->startDemo(demo::makeDemo(demo::Scenario::atRisk, now));
+    model->startDemo(demo::makeDemo(demo::Scenario::atRisk, systemNow()));
     return model;
 }
 
@@ -70,7 +70,7 @@ const UsageModel& LiveGlyph::figures() {
         return m_sources.model;
     }
     if (!m_example) {
-        m_example = makeExample(m_sources.preferences, m_sources.model.now());
+        m_example = makeExample(m_sources.preferences);
     }
     return *m_example;
 }

@@ -71,9 +71,9 @@ QImage pictureOf(QQmlEngine& engine, const SettingsPicture& picture) {
                          .appearance = picture.appearance,
                          .panel = panel},
                         finder);
-    return pictureOf(engine, {.view = QUrl("qrc:/qt/qml/Vorn/SettingsView.qml"),
-                              .properties = pages.properties(picture.page),
-                              .pixelRatio = picture.pixelRatio});
+    return pictureOf(engine, ViewPicture{.view = QUrl("qrc:/qt/qml/Vorn/SettingsView.qml"),
+                                         .properties = pages.properties(picture.page),
+                                         .pixelRatio = picture.pixelRatio});
 }
 
 }  // namespace vorn

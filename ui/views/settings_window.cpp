@@ -10,7 +10,6 @@
 #include <utility>
 
 #include "app/model/integrations.hpp"
-#include "app/model/preferences.hpp"
 #include "ui/views/settings_pages.hpp"
 
 namespace vorn {
@@ -72,7 +71,6 @@ void SettingsWindow::open() {
         if (!createView()) {
             return;
         }
-        m_finder->find(m_deps.preferences.claudePathOverride());
         m_view->show();
         emit opened();
     }

@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QRect>
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -28,6 +29,7 @@ class SettingsWindow : public QObject {
 public:
     /// In the order in which they are listed.
     enum class Page : std::uint8_t { general, menuBar, notifications, claudeCode };
+    static constexpr std::array kPages{Page::general, Page::menuBar, Page::notifications, Page::claudeCode};
 
     /// Where the window's place on the screen is kept between runs. Both may be empty: then it is not.
     struct Place {

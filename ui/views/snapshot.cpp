@@ -12,6 +12,7 @@
 #include "platform/desktop_appearance.hpp"
 #include "ui/views/dashboard_content.hpp"
 #include "ui/views/freshness_presenter.hpp"
+#include "ui/views/settings_picture.hpp"
 #include "ui/views/steer_presenter.hpp"
 #include "ui/views/view_engine.hpp"
 #include "ui/views/view_picture.hpp"
@@ -36,13 +37,13 @@ QImage popoverPicture(QQmlEngine& engine, const SnapshotRequest& request, int pi
     SteerPresenter steer(request.model);
     WindowListModel windows(request.model);
     FreshnessPresenter freshness(request.model);
-    return pictureOf(engine, {.view = QUrl("qrc:/qt/qml/Vorn/PopoverView.qml"),
-                              .properties = {{"steer", QVariant::fromValue(&steer)},
-                                             {"windows", QVariant::fromValue(&windows)},
-                                             {"freshness", QVariant::fromValue(&freshness)},
-                                             {"hasDashboard", request.hasDashboard},
-                                             {"hasSettings", request.hasSettings}},
-                              .pixelRatio = static_cast<double>(pixelRatio)});
+    return pictureOf(engine, ViewPicture{.view = QUrl("qrc:/qt/qml/Vorn/PopoverView.qml"),
+                                         .properties = {{"steer", QVariant::fromValue(&steer)},
+                                                        {"windows", QVariant::fromValue(&windows)},
+                                                        {"freshness", QVariant::fromValue(&freshness)},
+                                                        {"hasDashboard", request.hasDashboard},
+                                                        {"hasSettings", request.hasSettings}},
+                                         .pixelRatio = static_cast<double>(pixelRatio)});
 }
 
 QImage dashboardPicture(QQmlEngine& engine, const SnapshotRequest& request, int pixelRatio) {
@@ -72,6 +73,21 @@ std::string save(const QImage& image, const std::filesystem::path& path) {
     return {};
 }
 
+std::string saveSettings(QQmlEngine& engine, const SnapshotRequest& request, DesktopAppearance& appearance,
+                         int pixelRatio) {
+    for (const auto page : SettingsWindow::kPages) {
+        const QImage image = pictureOf(engine, SettingsPicture{.model = request.model,
+                                                               .appearance = appearance,
+                                                               .page = page,
+                                                               .pixelRatio = static_cast<double>(pixelRatio)});
+        const auto file = fileName(pictureName(page), appearance.isDark(), pixelRatio);
+        if (auto problem = save(image, request.directory / file); !problem.empty()) {
+            return problem;
+        }
+    }
+    return {};
+}
+
 }  // namespace
 
 int renderSnapshots(const SnapshotRequest& request) {
@@ -91,6 +107,9 @@ int renderSnapshots(const SnapshotRequest& request) {
                 if (const auto problem = save(picture(*hold, request, pixelRatio), path); !problem.empty()) {
                     return fail(problem);
                 }
+            }
+            if (const auto problem = saveSettings(*hold, request, appearance, pixelRatio); !problem.empty()) {
+                return fail(problem);
             }
         }
     }

@@ -410,22 +410,23 @@ TEST_F(SettingsWindowTest, OrdersTheItemsByKeyboardArrowsAndMouse) {
     click("Move Week % up");
     EXPECT_EQ(storedLayout(6), "tightestRing -sessionRing -sessionPercent -sessionReset -weekPercent -weekRing");
     // Rows glide to their places.
-    const auto settled = [this] {
-        return middle("Sessions left this week (≈3.2s)").y() - middle("Ring · tightest limit").y() >
-               8 * find("Ring · tightest limit")->height() - 1;
+    const int height = qRound(find("Week %")->height());
+    const auto settles = [this](const char* upper, const char* lower, int distance) {
+        return QTest::qWaitFor([&] { return middle(lower).y() - middle(upper).y() == distance; });
     };
-    ASSERT_TRUE(QTest::qWaitFor(settled));
+    ASSERT_TRUE(settles("Week %", "Ring · week (7d)", height));
     click("Ring · week (7d)");
     EXPECT_EQ(storedLayout(6), "tightestRing -sessionRing -sessionPercent -sessionReset -weekPercent weekRing");
 
     const QPoint from = middle("Ring · tightest limit");
-    const QPoint step(0, qRound(find("Ring · tightest limit")->height() * 0.75));
+    const QPoint step(0, height * 3 / 4);
     QTest::mousePress(m_shown, Qt::LeftButton, {}, from);
     for (int i = 1; i <= 4; ++i) {
         QTest::mouseMove(m_shown, from + step * i);
     }
     QTest::mouseRelease(m_shown, Qt::LeftButton, {}, from + step * 4);
     EXPECT_EQ(storedLayout(5), "-sessionRing -sessionPercent -sessionReset tightestRing -weekPercent");
+    ASSERT_TRUE(settles("Ring · tightest limit", "Week %", height));
     QTest::mousePress(m_shown, Qt::LeftButton, {}, from + step * 4);
     QTest::mouseMove(m_shown, from + QPoint(0, -20));
     QTest::mouseMove(m_shown, from + QPoint(0, -200));

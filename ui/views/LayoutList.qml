@@ -21,7 +21,6 @@ Rectangle {
         anchors.fill: parent
         anchors.margins: Theme.sizes.hair
         interactive: false
-        keyNavigationEnabled: true
         activeFocusOnTab: true
         highlightFollowsCurrentItem: false
         model: box.items
@@ -48,10 +47,6 @@ Rectangle {
             onTickRequested: on => box.items.setOn(index, on)
             onStepRequested: by => box.items.step(index, by)
             onMoveRequested: to => box.items.move(index, to)
-            onFocusRequested: {
-                list.currentIndex = index;
-                forceActiveFocus();
-            }
         }
     }
 }

@@ -12,9 +12,13 @@ Item {
     signal tickRequested(bool on)
     signal stepRequested(int by)
     signal moveRequested(int to)
-    signal focusRequested
 
     z: area.isDragging ? 1 : 0
+    onActiveFocusChanged: {
+        if (activeFocus) {
+            ListView.view.currentIndex = index;
+        }
+    }
     Accessible.role: Accessible.CheckBox
     Accessible.name: label
     Accessible.description: qsTr("Place %1 of %2").arg(index + 1).arg(count)
@@ -26,9 +30,12 @@ Item {
     Keys.onReturnPressed: tickRequested(!isOn)
     Keys.onPressed: event => {
         const by = event.key === Qt.Key_Up ? -1 : event.key === Qt.Key_Down ? 1 : 0;
-        event.accepted = by !== 0 && (event.modifiers & Qt.AltModifier) !== 0;
-        if (event.accepted) {
+        const to = index + by;
+        event.accepted = by !== 0 && to >= 0 && to < count;
+        if (event.accepted && (event.modifiers & Qt.AltModifier)) {
             stepRequested(by);
+        } else if (event.accepted) {
+            ListView.view.currentIndex = to;
         }
     }
 
@@ -36,7 +43,7 @@ Item {
         id: body
 
         // While it is dragged it stays under the mouse, wherever its place is.
-        y: area.isDragging ? area.pointer - area.grip - row.y : 0
+        y: area.isDragging ? area.pointer - area.grab - row.y : 0
         width: parent.width
         height: parent.height
         radius: area.isDragging || row.activeFocus ? Theme.sizes.controlRadius : 0
@@ -48,7 +55,7 @@ Item {
             id: area
 
             property bool isDragging: false
-            property real grip: 0
+            property real grab: 0
             property real pointer: 0
 
             anchors.fill: parent
@@ -56,16 +63,16 @@ Item {
             preventStealing: true
             cursorShape: isDragging ? Qt.ClosedHandCursor : Qt.ArrowCursor
             onPressed: mouse => {
-                grip = mouse.y;
-                row.focusRequested();
+                grab = mouse.y;
+                row.forceActiveFocus();
             }
             onPositionChanged: mouse => {
                 if (!pressed) {
                     return;
                 }
                 const at = mapToItem(row.parent, mouse.x, mouse.y).y;
-                if (isDragging || Math.abs(mouse.y - grip) >= Theme.sizes.near) {
-                    pointer = Math.max(grip, Math.min(at, (row.count - 1) * row.height + grip));
+                if (isDragging || Math.abs(mouse.y - grab) >= Theme.sizes.near) {
+                    pointer = Math.max(grab, Math.min(at, (row.count - 1) * row.height + grab));
                     isDragging = true;
                     const to = Math.max(0, Math.min(Math.floor(at / row.height), row.count - 1));
                     if (to !== row.index) {

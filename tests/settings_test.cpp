@@ -9,6 +9,8 @@
 #include <QSettings>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTranslator>
+#include <algorithm>
 #include <cstdlib>
 #include <tuple>
 
@@ -152,6 +154,32 @@ void expectPictures(World& world, const std::string& name, double pixelRatio = 2
     keepPictures(pictures, name);
     EXPECT_THAT(warnings, testing::IsEmpty()) << name;
     warnings.clear();
+}
+
+/// Texts as long as they become in other languages.
+class LongWords : public QTranslator {
+public:
+    [[nodiscard]] bool isEmpty() const override { return false; }
+    [[nodiscard]] QString translate(const char*, const char* text, const char*, int) const override {
+        const QString source = QString::fromUtf8(text);
+        return source + QString("nslation").repeated(1 + static_cast<int>(source.size()) / 20);
+    }
+};
+
+TEST(SettingsView, HoldsLongWords) {
+    LongWords words;
+    QCoreApplication::installTranslator(&words);
+    World world;
+    world.state.preferences->setClaudePathOverride(world.makeClaude("echo 2.1.330-a.very.long.version+of.somebody"));
+    world.writeClaudeSettings(R"({"statusLine": {"type": "command", "command": "/a/path/that/is/old/vorn-bridge"}})");
+    world.integrations.refresh();
+    for (const MenuBarItem item : kAllMenuBarItems) {
+        MenuBarLayout layout = world.state.preferences->menuBarLayout();
+        std::ranges::find(layout, item, &MenuBarEntry::item)->isOn = true;
+        world.state.preferences->setMenuBarLayout(layout);
+    }
+    expectPictures(world, "many-words");
+    QCoreApplication::removeTranslator(&words);
 }
 
 TEST(SettingsView, MirrorsAndGrowsWithTheFont) {

@@ -12,8 +12,12 @@ Item {
     property int indent: 0
     default property alias control: slot.data
 
+    readonly property int inset: Theme.sizes.gap + Theme.sizes.tight
+    /// What it is chosen with takes too much of the line, and stands below.
+    readonly property bool isStacked: slot.width > width / 2
+
     width: parent ? parent.width : 0
-    implicitHeight: Math.max(texts.height, slot.height) + 2 * (Theme.sizes.gap + Theme.sizes.tight)
+    implicitHeight: 2 * inset + (isStacked ? texts.height + inset + slot.height : Math.max(texts.height, slot.height))
     Accessible.ignored: !isSpoken
     Accessible.role: Accessible.StaticText
     Accessible.name: label + " " + detail
@@ -26,13 +30,10 @@ Item {
     Column {
         id: texts
 
-        anchors {
-            left: parent.left
-            leftMargin: Theme.sizes.between + row.indent
-            right: slot.left
-            rightMargin: slot.width > 0 ? Theme.sizes.between : 0
-            verticalCenter: parent.verticalCenter
-        }
+        anchors.left: parent.left
+        anchors.leftMargin: Theme.sizes.between + row.indent
+        y: row.isStacked ? row.inset : Math.round((row.height - height) / 2)
+        width: row.width - row.indent - 2 * Theme.sizes.between - (slot.width > 0 && !row.isStacked ? slot.width + Theme.sizes.between : 0)
         spacing: Theme.sizes.tight
 
         Label {
@@ -59,7 +60,7 @@ Item {
 
         anchors.right: parent.right
         anchors.rightMargin: Theme.sizes.between
-        anchors.verticalCenter: parent.verticalCenter
+        y: row.isStacked ? row.height - row.inset - height : Math.round((row.height - height) / 2)
         spacing: Theme.sizes.gap
     }
 }

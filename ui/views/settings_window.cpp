@@ -122,6 +122,12 @@ bool SettingsWindow::createView() {
         m_view->setGeometry(place);
     }
     m_view->installEventFilter(this);
+    // Who comes back to the window may have changed things elsewhere.
+    connect(m_view.get(), &QWindow::activeChanged, this, [this] {
+        if (m_view && m_view->isActive()) {
+            m_deps.integrations.refresh();
+        }
+    });
     connect(root, SIGNAL(closeRequested()), this, SLOT(close()));
     connect(root, SIGNAL(chooseClaudeRequested()), this, SIGNAL(chooseClaudeRequested()));
     return true;

@@ -264,6 +264,19 @@ TEST(SettingsView, ShowsEveryStateWithoutAWarning) {
     }
 }
 
+TEST(SettingsView, IsAmongTheSnapshots) {
+    World world;
+    world.state.preferences->setClaudePathOverride(world.makeClaude("echo 2.1.330"));
+    ASSERT_EQ(renderSnapshots({.model = *world.state.model, .directory = world.home / "pictures"}), 0);
+    for (const Page page : SettingsWindow::kPages) {
+        for (const char* const look : {"-light.png", "-dark.png", "-light@2x.png", "-dark@2x.png"}) {
+            const std::string file = std::string("pictures/") + pictureName(page) + look;
+            EXPECT_FALSE(QImage(QString::fromStdString(world.home / file)).isNull()) << file;
+        }
+    }
+    EXPECT_THAT(warnings, testing::IsEmpty());
+}
+
 /// The window on a screen, driven as people do.
 class SettingsWindowTest : public testing::Test {
 protected:

@@ -102,7 +102,7 @@ void ClaudeFinder::find(const QString& overridePath) {
     }
 }
 
-void ClaudeFinder::publish(Finding finding) {
+void ClaudeFinder::publish(const Finding& finding) {
     if (std::exchange(m_finding, finding) != finding) {
         emit changed();
     }

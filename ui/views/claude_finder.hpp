@@ -53,7 +53,7 @@ private:
         Known known{};
     };
     static Answer look(const QString& overridePath, Known known, const Cancellation& cancellation);
-    void publish(Finding finding);
+    void publish(const Finding& finding);
     void cancel();
 
     Finding m_finding;

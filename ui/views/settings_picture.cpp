@@ -1,5 +1,8 @@
 #include "ui/views/settings_picture.hpp"
 
+#include <QCoreApplication>
+#include <QEventLoop>
+
 #include "app/model/integrations.hpp"
 #include "app/model/usage_model.hpp"
 #include "core/sources/status_line_connection.hpp"
@@ -71,6 +74,9 @@ QImage pictureOf(QQmlEngine& engine, const SettingsPicture& picture) {
                          .appearance = picture.appearance,
                          .panel = panel},
                         finder);
+    while (picture.page == SettingsWindow::Page::claudeCode && finder.finding().isSearching) {
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
     return pictureOf(engine, ViewPicture{.view = QUrl("qrc:/qt/qml/Vorn/SettingsView.qml"),
                                          .properties = pages.properties(picture.page),
                                          .pixelRatio = picture.pixelRatio});

@@ -17,7 +17,8 @@ struct SettingsPicture {
 const char* pictureName(SettingsWindow::Page page);
 
 /// The settings as they stand, on a desktop where everything works. Reads Claude Code's settings unless the model is a
-/// demonstration; changes nothing. Null when the view cannot be loaded.
+/// demonstration; changes nothing. Waits for `claude` to tell
+/// its version where that is shown. Null when the view cannot be loaded.
 QImage pictureOf(QQmlEngine& engine, const SettingsPicture& picture);
 
 }  // namespace vorn

@@ -570,6 +570,7 @@ TEST_F(SettingsWindowTest, RemembersItsPageAndPlaceAndLetsGoOfTheEngine) {
     press(Qt::Key_Down);
     EXPECT_EQ(focused(), "Notifications");
     EXPECT_TRUE(find("Send test"));
+    const QSize usual = m_shown->size();
     m_shown->setGeometry(31, 42, 600, 500);
     const QSignalSpy closed(&m_window, &SettingsWindow::closed);
     press(Qt::Key_Escape);
@@ -581,7 +582,7 @@ TEST_F(SettingsWindowTest, RemembersItsPageAndPlaceAndLetsGoOfTheEngine) {
     m_window.open();
     open(Page::notifications);
     EXPECT_TRUE(find("Send test"));
-    EXPECT_EQ(m_shown->size(), QSize(660, 540)) << "that screen is gone";
+    EXPECT_EQ(m_shown->size(), usual) << "that screen is gone";
     m_shown->close();
     EXPECT_FALSE(m_window.isOpen());
 }

@@ -14,12 +14,13 @@ constexpr double kSixtieths = 60;
 
 using WeightByName = std::unordered_map<std::string_view, double>;
 
-/// Sums sixtieths of weight over the texts that `textOf` takes from the events.
+/// Sums sixtieths of weight over the texts that `textOf` takes from the events. `upTo`: what `m_sixtiethsUpTo` holds
+/// from the first of them on; it is exact, and weighing each anew would take most of the time.
 template <typename TextOf>
-WeightByName weighBy(std::span<const ActivityEvent> events, TextOf textOf) {
+WeightByName weighBy(std::span<const ActivityEvent> events, std::span<const double> upTo, TextOf textOf) {
     WeightByName weights;
-    for (const ActivityEvent& event : events) {
-        weights[textOf(event)] += event.tokens.weightSixtieths(event.model);
+    for (std::size_t i = 0; i < events.size(); ++i) {
+        weights[textOf(events[i])] += upTo[i + 1] - upTo[i];
     }
     return weights;
 }
@@ -100,11 +101,13 @@ std::vector<ActivitySummary::Bucket> ActivitySummary::timeline(Instant from, Ins
     for (std::size_t i = 0; i < buckets.size(); ++i) {
         buckets[i].start = from + width * static_cast<double>(i);
     }
+    std::size_t at = indexOf(from);
     for (const ActivityEvent& event : events(from, to)) {
         const auto index = static_cast<std::size_t>((event.timestamp - from) / width);
         if (index < buckets.size()) {
-            buckets[index].weight += event.tokens.weightSixtieths(event.model);
+            buckets[index].weight += m_sixtiethsUpTo[at + 1] - m_sixtiethsUpTo[at];
         }
+        ++at;
     }
     for (Bucket& bucket : buckets) {
         bucket.weight /= kSixtieths;
@@ -113,18 +116,24 @@ std::vector<ActivitySummary::Bucket> ActivitySummary::timeline(Instant from, Ins
 }
 
 std::vector<ActivitySummary::Slice> ActivitySummary::projects(Instant since, std::size_t limit) const {
-    const auto considered = std::span(m_events).subspan(indexOf(since));
+    const std::size_t first = indexOf(since);
+    const auto considered = std::span(m_events).subspan(first);
+    const auto upTo = std::span(m_sixtiethsUpTo).subspan(std::min(first, m_sixtiethsUpTo.size()));
     std::unordered_map<std::string, double> byProject;
-    for (const auto& [cwd, weight] : weighBy(considered, [](const auto& e) -> std::string_view { return e.cwd; })) {
+    for (const auto& [cwd, weight] :
+         weighBy(considered, upTo, [](const auto& e) -> std::string_view { return e.cwd; })) {
         byProject[std::string(projectName(cwd))] += weight;
     }
     return rank(byProject, limit);
 }
 
 std::vector<ActivitySummary::Slice> ActivitySummary::models(Instant since, std::size_t limit) const {
-    const auto considered = std::span(m_events).subspan(indexOf(since));
+    const std::size_t first = indexOf(since);
+    const auto considered = std::span(m_events).subspan(first);
+    const auto upTo = std::span(m_sixtiethsUpTo).subspan(std::min(first, m_sixtiethsUpTo.size()));
     std::unordered_map<std::string, double> byFamily;
-    for (const auto& [model, weight] : weighBy(considered, [](const auto& e) -> std::string_view { return e.model; })) {
+    for (const auto& [model, weight] :
+         weighBy(considered, upTo, [](const auto& e) -> std::string_view { return e.model; })) {
         byFamily[modelFamily(model)] += weight;
     }
     return rank(byFamily, limit);

@@ -29,6 +29,26 @@ MenuBarGlyph::Palette palette(const DesktopAppearance& appearance, bool onDarkPa
     return onDarkPanel ? MenuBarGlyph::Palette::onDark() : MenuBarGlyph::Palette::onLight();
 }
 
+WindowPlaceStore placeOfDashboard(Preferences& preferences) {
+    const QString name = QStringLiteral("dashboard");
+    return {.load = [&preferences, name]() -> WindowPlace {
+                return {.rect = preferences.windowPlace(name), .isMaximized = preferences.isWindowMaximized(name)};
+            },
+            .save =
+                [&preferences, name](const WindowPlace& place) {
+                    preferences.setWindowPlace(name, place.rect, place.isMaximized);
+                }};
+}
+
+SettingsWindow::Place placeOfSettings(Preferences& preferences) {
+    const QString name = QStringLiteral("settings");
+    return {.load = [&preferences, name] { return preferences.windowPlace(name); },
+            .save =
+                [&preferences, name](const QRect& place) {
+                    preferences.setWindowPlace(name, place);
+                }};
+}
+
 bool isRing(MenuBarItem item) {
     return item == MenuBarItem::tightestRing || item == MenuBarItem::sessionRing || item == MenuBarItem::weekRing;
 }
@@ -57,9 +77,20 @@ AppDelegate::AppDelegate(std::optional<demo::Scenario> demo)
       m_appearance(DesktopAppearance::system()),
       m_panelBrightness(PanelBrightness::system(*m_appearance)),
       m_statusItem(StatusItem::system(m_menu)),
+      m_hotKey(HotKey::system()),
       m_viewEngine(*m_appearance),
       m_popover(*m_model, m_viewEngine),
-      m_hotKey(HotKey::system()) {
+      m_dashboard(*m_model, m_viewEngine, placeOfDashboard(m_preferences)),
+      m_settings({.preferences = m_preferences,
+                  .integrations = m_integrations,
+                  .model = *m_model,
+                  .notifications = m_notificationCenter.get(),
+                  .hotKey = *m_hotKey,
+                  .appearance = *m_appearance,
+                  .panel = *m_panelBrightness,
+                  .hasCells = StatusItem::hasCells(),
+                  .place = placeOfSettings(m_preferences)},
+                 m_viewEngine) {
     if (demo) {
         m_preferences.detachFromStore();
         m_integrations.setReadOnly(tr("This is a demonstration: nothing is connected or changed."));
@@ -72,6 +103,7 @@ void AppDelegate::finishLaunching() {
     fillMenu();
     connectModel();
     connectPopover();
+    connectWindows();
     connectDesktop();
     updateStatusItem();
     m_notifier.requestAuthorization([this] { evaluateNotices(); });
@@ -89,8 +121,10 @@ void AppDelegate::finishLaunching() {
 
 void AppDelegate::fillMenu() {
     m_menu.addAction(tr("Show usage"), this, [this] { togglePopover(anchorOfClick()); });
+    m_menu.addAction(tr("Dashboard"), this, &AppDelegate::openDashboard);
     m_menu.addAction(tr("Refresh"), m_model.get(), &UsageModel::probe);
     m_menu.addSeparator();
+    m_menu.addAction(tr("Settings"), this, &AppDelegate::openSettings);
     m_menu.addAction(tr("Quit Vorn"), qApp, &QCoreApplication::quit);
 }
 
@@ -110,6 +144,19 @@ void AppDelegate::connectPopover() {
     connect(&m_popover, &PopoverWindow::refreshRequested, m_model.get(), &UsageModel::probe);
     connect(&m_popover, &PopoverWindow::chooseClaudeRequested, this, &AppDelegate::chooseClaude);
     connect(&m_popover, &PopoverWindow::quitRequested, qApp, &QCoreApplication::quit);
+}
+
+void AppDelegate::connectWindows() {
+    m_popover.setHasDashboard(true);
+    m_popover.setHasSettings(true);
+    m_dashboard.setHasSettings(true);
+    connect(&m_popover, &PopoverWindow::dashboardRequested, this, &AppDelegate::openDashboard);
+    connect(&m_popover, &PopoverWindow::settingsRequested, this, &AppDelegate::openSettings);
+    connect(&m_dashboard, &DashboardWindow::settingsRequested, this, &AppDelegate::openSettings);
+    connect(&m_dashboard, &DashboardWindow::refreshRequested, m_model.get(), &UsageModel::probe);
+    connect(&m_dashboard, &DashboardWindow::chooseClaudeRequested, this, &AppDelegate::chooseClaude);
+    connect(&m_settings, &SettingsWindow::chooseClaudeRequested, this, &AppDelegate::chooseClaude);
+    connect(&m_settings, &SettingsWindow::opened, &m_integrations, &Integrations::refresh);
 }
 
 void AppDelegate::connectDesktop() {
@@ -148,6 +195,17 @@ void AppDelegate::startData() {
 
 void AppDelegate::showPopover() {
     m_popover.open(PopoverAnchor::inCorner(QCursor::pos()));
+}
+
+void AppDelegate::openDashboard() {
+    m_popover.close();
+    m_model->refreshIfStale();
+    m_dashboard.open();
+}
+
+void AppDelegate::openSettings() {
+    m_popover.close();
+    m_settings.open();
 }
 
 void AppDelegate::togglePopover(const PopoverAnchor& anchor) {

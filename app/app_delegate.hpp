@@ -21,7 +21,9 @@
 #include "platform/status_item.hpp"
 #include "platform/wake_signal.hpp"
 #include "ui/glyph/menu_bar_glyph.hpp"
+#include "ui/views/dashboard_window.hpp"
 #include "ui/views/popover_window.hpp"
+#include "ui/views/settings_window.hpp"
 
 namespace vorn {
 
@@ -39,11 +41,14 @@ public:
     void finishLaunching();
 
     void showPopover();
+    void openDashboard();
+    void openSettings();
     [[nodiscard]] UsageModel& model() { return *m_model; }
 
 private:
     void connectModel();
     void connectPopover();
+    void connectWindows();
     void connectDesktop();
     void fillMenu();
     void observePreferences();
@@ -79,9 +84,11 @@ private:
     QMenu m_menu;
     std::unique_ptr<StatusItem> m_statusItem;
     std::optional<Shown> m_shown;
+    std::unique_ptr<HotKey> m_hotKey;
     ViewEngine m_viewEngine;
     PopoverWindow m_popover;
-    std::unique_ptr<HotKey> m_hotKey;
+    DashboardWindow m_dashboard;
+    SettingsWindow m_settings;
     QTimer m_hostPatience;
 };
 

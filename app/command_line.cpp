@@ -40,6 +40,7 @@ std::variant<LaunchRequest, CommandLineAnswer> parseCommandLine(int argc, const 
     LaunchRequest request;
     std::string scenario;
     std::string directory;
+    app.add_flag("--show-dashboard", request.showDashboard, "Open the dashboard once running");
     app.add_flag("--show-popover", request.showPopover, "Open the popover once running");
     const auto* demoOption = app.add_option("--demo", scenario, "Invented figures: " + scenarioNames())
                                  ->option_text("SCENARIO")

@@ -11,6 +11,7 @@ namespace vorn {
 
 /// What somebody who starts `vorn` wants.
 struct LaunchRequest {
+    bool showDashboard = false;
     bool showPopover = false;
     std::optional<demo::Scenario> demo;
     std::optional<std::filesystem::path> snapshot;  ///< A directory for pictures of the views, instead of running.

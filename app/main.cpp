@@ -36,13 +36,17 @@ void nameProgram() {
 }
 
 QJsonObject handOver(const LaunchRequest& request) {
-    return {{"request", request.showPopover ? "show-popover" : "activate"}};
+    return {{"request", request.showDashboard ? "show-dashboard" : request.showPopover ? "show-popover" : "activate"}};
 }
 
 /// What another start, or the terminal tool, asks of this one. Returns why it cannot be done.
 QString serve(AppDelegate& delegate, const QString& name, const QJsonObject& request) {
     if (name == "activate" || name == "show-popover") {
         delegate.showPopover();
+        return {};
+    }
+    if (name == "show-dashboard") {
+        delegate.openDashboard();
         return {};
     }
     if (name == "redeemed") {
@@ -81,6 +85,9 @@ int run(QApplication& application, const LaunchRequest& request) {
     delegate.finishLaunching();
     if (request.showPopover) {
         QMetaObject::invokeMethod(&delegate, &AppDelegate::showPopover, Qt::QueuedConnection);
+    }
+    if (request.showDashboard) {
+        QMetaObject::invokeMethod(&delegate, &AppDelegate::openDashboard, Qt::QueuedConnection);
     }
     const int status = QApplication::exec();
     delegate.model().shutDown();

@@ -68,7 +68,8 @@ int renderLive(const std::filesystem::path& directory) {
     UsageModel model(preferences, makeModelParts());
     model.start();
     waitForReading(model);
-    const int status = renderSnapshots({.model = model, .directory = directory});
+    const int status =
+        renderSnapshots({.model = model, .directory = directory, .hasDashboard = true, .hasSettings = true});
     model.shutDown();
     return status;
 }
@@ -78,7 +79,7 @@ int renderDemo(const std::filesystem::path& directory, demo::Scenario scenario) 
     preferences.detachFromStore();
     UsageModel model(preferences, makeModelParts());
     model.startDemo(demo::makeDemo(scenario, systemNow()));
-    return renderSnapshots({.model = model, .directory = directory});
+    return renderSnapshots({.model = model, .directory = directory, .hasDashboard = true, .hasSettings = true});
 }
 
 }  // namespace

@@ -18,6 +18,7 @@ Parsed parse(std::vector<const char*> arguments) {
 
 TEST(CommandLine, TellsWhatIsWanted) {
     EXPECT_EQ(parse({}), Parsed(LaunchRequest{}));
+    EXPECT_EQ(parse({"--show-dashboard"}), Parsed(LaunchRequest{.showDashboard = true}));
     EXPECT_EQ(parse({"--show-popover"}), Parsed(LaunchRequest{.showPopover = true}));
     EXPECT_EQ(parse({"--demo", "planned-reset", "--snapshot", "some dir"}),
               Parsed(LaunchRequest{.demo = demo::Scenario::plannedReset, .snapshot = "some dir"}));

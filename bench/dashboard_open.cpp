@@ -15,6 +15,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <filesystem>
 
 #include <fmt/format.h>
 #include <unistd.h>
@@ -106,7 +107,11 @@ int run(std::size_t samples, std::size_t replies) {
     Preferences preferences(std::make_unique<QSettings>(directory.filePath("settings.ini"), QSettings::IniFormat));
     auto clock = std::make_unique<BenchClock>();
     BenchClock& time = *clock;
-    UsageModel model(preferences, {.clock = std::move(clock)});
+    const std::filesystem::path root = directory.path().toStdString();
+    UsageModel model(preferences, UsageModel::Parts{.clock = std::move(clock),
+                                                    .history = std::make_unique<HistoryStore>(root / "history.jsonl"),
+                                                    .resetPlan = ResetPlanStore(root / "plan.json"),
+                                                    .probeRecord = ProbeRecordStore(root / "probe.json")});
     model.startDemo(busyDemo(time.at, samples, replies));
     DesktopAppearance appearance;
     appearance.setLook({.reducedMotion = true});

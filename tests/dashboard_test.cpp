@@ -317,8 +317,12 @@ TEST_F(DashboardWindowTest, ReadsOutTheChartByMouseAndKeyboard) {
     QTest::keyClick(shown(), Qt::Key_Right);
     EXPECT_THAT(name(), testing::HasSubstr("12:05 · 74%")) << "what is projected";
     const QPointF middle = chart->mapToScene({chart->width() / 3, chart->height() / 2});
-    QTest::mouseMove(shown(), middle.toPoint());
-    EXPECT_TRUE(QTest::qWaitFor([&] { return name().find("10:") != std::string::npos; })) << name();
+    // A hand moves more than once; the platform may still tell of where its own pointer is in between.
+    int moves = 0;
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+        QTest::mouseMove(shown(), middle.toPoint() + QPoint(0, ++moves % 3));
+        return name().find("10:") != std::string::npos;
+    })) << name();
 }
 
 TEST_F(DashboardWindowTest, AsksForWhatItsMenuAndButtonsSay) {

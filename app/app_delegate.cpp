@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QCursor>
 #include <QFileDialog>
+#include <QMessageBox>
 #include <QSettings>
 #include <algorithm>
 #include <chrono>
@@ -12,6 +13,7 @@
 #include "app/tool_tip.hpp"
 #include "core/data/vorn_paths.hpp"
 #include "core/sources/status_line_connection.hpp"
+#include "core/support/file.hpp"
 #include "platform/memory.hpp"
 
 namespace vorn {
@@ -47,6 +49,13 @@ SettingsWindow::Place placeOfSettings(Preferences& preferences) {
                 [&preferences, name](const QRect& place) {
                     preferences.setWindowPlace(name, place);
                 }};
+}
+
+/// Without waiting for the answer.
+void tell(const QString& text) {
+    auto* box = new QMessageBox(QMessageBox::Information, "Vorn", text, QMessageBox::Ok);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->open();
 }
 
 bool isRing(MenuBarItem item) {
@@ -155,6 +164,7 @@ void AppDelegate::connectWindows() {
     connect(&m_dashboard, &DashboardWindow::settingsRequested, this, &AppDelegate::openSettings);
     connect(&m_dashboard, &DashboardWindow::refreshRequested, m_model.get(), &UsageModel::probe);
     connect(&m_dashboard, &DashboardWindow::chooseClaudeRequested, this, &AppDelegate::chooseClaude);
+    connect(&m_dashboard, &DashboardWindow::exportRequested, this, &AppDelegate::chooseExport);
     connect(&m_settings, &SettingsWindow::chooseClaudeRequested, this, &AppDelegate::chooseClaude);
     connect(&m_settings, &SettingsWindow::opened, &m_integrations, &Integrations::refresh);
 }
@@ -259,6 +269,32 @@ void AppDelegate::chooseClaude() {
     connect(dialog, &QFileDialog::fileSelected, this,
             [this](const QString& file) { m_preferences.setClaudePathOverride(file); });
     dialog->open();
+}
+
+void AppDelegate::chooseExport(const QString& content, const QString& format) {
+    if (m_demo) {
+        tell(tr("This is a demonstration with invented figures: nothing is written."));
+        return;
+    }
+    auto* dialog = new QFileDialog(nullptr, tr("Export as a table"), {}, "*." + format);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setDefaultSuffix(format);
+    dialog->selectFile("vorn-" + content + "." + format);
+    connect(dialog, &QFileDialog::fileSelected, this, [this, content, format](const QString& file) {
+        exportTable(file, content, format == "json" ? ExportFormat::json : ExportFormat::csv);
+    });
+    dialog->open();
+}
+
+void AppDelegate::exportTable(const QString& file, const QString& content, ExportFormat format) {
+    const std::string table = content == "history" ? exportHistory(m_model->history(), format)
+                                                   : exportActivity(m_model->activity().events(), format);
+    try {
+        replaceFile(file.toStdString(), table);
+    } catch (const std::filesystem::filesystem_error& error) {
+        tell(tr("The table could not be written to %1: %2.").arg(file, QString::fromStdString(error.code().message())));
+    }
 }
 
 void AppDelegate::tellMissingHost() {

@@ -13,6 +13,7 @@
 #include "app/model/notifier.hpp"
 #include "app/model/preferences.hpp"
 #include "app/model/usage_model.hpp"
+#include "core/sources/export_text.hpp"
 #include "platform/desktop_appearance.hpp"
 #include "platform/hot_key.hpp"
 #include "platform/login_item.hpp"
@@ -58,6 +59,9 @@ private:
     void evaluateNotices();
     void updateStatusItem();
     void chooseClaude();
+    /// Asks for a file to write the table to. `content`: "history" or "activity"; `format`: "csv" or "json".
+    void chooseExport(const QString& content, const QString& format);
+    void exportTable(const QString& file, const QString& content, ExportFormat format);
     /// Says once that nothing is to be seen of Vorn on this desktop, and what to do.
     void tellMissingHost();
 

@@ -576,14 +576,17 @@ Item {
         }
     }
 
-    HoverHandler {
-        id: hover
+    // On top, since the chart library's own item takes the pointer for itself.
+    Item {
+        anchors.fill: parent
 
-        onPointChanged: if (hovered) {
-            chart.readAt(chart.timeAt(point.position.x));
-        }
-        onHoveredChanged: if (!hovered) {
-            chart.cursor = -1;
+        HoverHandler {
+            onPointChanged: if (hovered) {
+                chart.readAt(chart.timeAt(point.position.x));
+            }
+            onHoveredChanged: if (!hovered) {
+                chart.cursor = -1;
+            }
         }
     }
 

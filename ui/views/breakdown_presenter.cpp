@@ -34,6 +34,7 @@ QVariantList variants(const std::vector<Row>& rows) {
 /// The rest is recognised by its place: a project may be called "Other", too.
 std::vector<RankedShare> ranked(const std::vector<ActivitySummary::Slice>& slices, std::size_t limit) {
     std::vector<RankedShare> shares;
+    shares.reserve(slices.size());
     for (const auto& slice : slices) {
         shares.push_back({.name = QString::fromStdString(slice.name),
                           .share = slice.share,

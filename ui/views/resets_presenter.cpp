@@ -152,7 +152,7 @@ void ResetsPresenter::update() {
     }
 }
 
-void ResetsPresenter::setProblem(ResetProblem problem) {
+void ResetsPresenter::setProblem(const ResetProblem& problem) {
     if (std::exchange(m_problem, problem) != problem) {
         emit problemChanged();
     }

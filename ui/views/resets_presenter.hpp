@@ -88,7 +88,7 @@ signals:
 
 private:
     void update();
-    void setProblem(ResetProblem problem);
+    void setProblem(const ResetProblem& problem);
 
     UsageModel& m_model;
     Content m_content;

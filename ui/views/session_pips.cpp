@@ -38,8 +38,8 @@ void SessionPips::paint(QPainter* painter) {
     const int columns = std::min(count, kColumns);
     const double each = (width() - gap * (columns - 1)) / columns;
     for (int i = 0; i < count; ++i) {
-        const QRectF place(i % kColumns * (each + gap), static_cast<double>(i / kColumns) * (m_pipHeight + gap), each,
-                           m_pipHeight);
+        const int row = i / kColumns;
+        const QRectF place(i % kColumns * (each + gap), row * (m_pipHeight + gap), each, m_pipHeight);
         QPainterPath pip;
         pip.addRoundedRect(place, m_pipHeight * kRadius, m_pipHeight * kRadius);
         const double end = std::clamp(m_sessions - i, 0.0, 1.0);

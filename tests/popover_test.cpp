@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/desktop_appearance.hpp"
+#include "tests/support/qt_warnings.hpp"
 #include "tests/support/view_states.hpp"
 #include "ui/views/freshness_presenter.hpp"
 #include "ui/views/popover_window.hpp"
@@ -27,26 +28,7 @@ namespace vorn {
 namespace {
 
 using test::ViewState;
-
-/// Everything that Qt or QML complained about while it lives.
-class Warnings {
-public:
-    Warnings() : m_previous(qInstallMessageHandler(&Warnings::take)) { s_texts.clear(); }
-    ~Warnings() { qInstallMessageHandler(m_previous); }
-    Warnings(const Warnings&) = delete;
-    Warnings& operator=(const Warnings&) = delete;
-    [[nodiscard]] static const std::vector<std::string>& texts() { return s_texts; }
-
-private:
-    static void take(QtMsgType type, const QMessageLogContext&, const QString& text) {
-        const bool isOfThePlatform = text.startsWith("This plugin does not support");
-        if (type != QtDebugMsg && type != QtInfoMsg && !isOfThePlatform) {
-            s_texts.push_back(text.toStdString());
-        }
-    }
-    static inline std::vector<std::string> s_texts;
-    QtMessageHandler m_previous;
-};
+using test::Warnings;
 
 struct PictureLook {
     DesktopAppearance::Look look;

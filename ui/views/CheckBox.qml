@@ -14,11 +14,11 @@ Rectangle {
     border.color: checked ? Theme.colors.accent : Theme.colors.fieldLine
     border.width: Theme.sizes.hair
 
-    PageIcon {
+    Icon {
         anchors.fill: parent
         anchors.margins: Theme.sizes.hair
         visible: box.checked
-        symbol: PageIcon.Tick
+        symbol: Icon.Tick
         color: Theme.colors.textOnAccent
     }
 }

@@ -54,7 +54,7 @@ SettingsPage {
             indent: answered.visible ? answered.width + Theme.sizes.gap : 0
             isSpoken: true
 
-            PageIcon {
+            Icon {
                 id: answered
 
                 parent: result
@@ -64,7 +64,7 @@ SettingsPage {
                 visible: !page.claude.isChecking
                 width: Theme.sizes.icon
                 height: width
-                symbol: PageIcon.Tick
+                symbol: Icon.Tick
                 color: Theme.colors.accent
             }
         }

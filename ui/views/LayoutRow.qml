@@ -100,7 +100,7 @@ Item {
             visible: row.index > 0 && !area.isDragging
         }
 
-        PageIcon {
+        Icon {
             id: grip
 
             anchors.left: parent.left
@@ -108,7 +108,7 @@ Item {
             anchors.verticalCenter: parent.verticalCenter
             width: Theme.sizes.icon
             height: width
-            symbol: PageIcon.Grip
+            symbol: Icon.Grip
             color: Theme.colors.thirdText
         }
 

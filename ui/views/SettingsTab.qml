@@ -37,7 +37,7 @@ Item {
         onTriggered: tab.chosen()
     }
 
-    PageIcon {
+    Icon {
         id: icon
 
         anchors.left: parent.left

@@ -81,7 +81,7 @@ FocusScope {
 
                     width: tabs.width
                     text: modelData
-                    symbol: [PageIcon.General, PageIcon.MenuBar, PageIcon.Bell, PageIcon.Terminal][index]
+                    symbol: [Icon.General, Icon.MenuBar, Icon.Bell, Icon.Terminal][index]
                     isCurrent: index === view.page
                     onChosen: view.choose(index)
                     onStepped: by => view.choose(index + by)

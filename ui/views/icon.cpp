@@ -1,5 +1,6 @@
 #include "ui/views/icon.hpp"
 
+#include <QLineF>
 #include <QPainter>
 #include <QPainterPath>
 #include <initializer_list>
@@ -22,6 +23,28 @@ void addArc(QPainterPath& path, const QRectF& box, double fromDegrees, double by
 
 void addDot(QPainterPath& path, QPointF center, double radius) {
     path.addEllipse(center, radius, radius);
+}
+
+/// A wheel with eight short teeth.
+void addWheel(QPainterPath& path) {
+    constexpr int kTeeth = 8;
+    constexpr QPointF kCenter{8, 8};
+    path.addEllipse(kCenter, 3.2, 3.2);
+    for (int i = 0; i < kTeeth; ++i) {
+        QLineF tooth = QLineF::fromPolar(6.4, i * 360.0 / kTeeth).translated(kCenter);
+        path.moveTo(tooth.pointAt(0.74));
+        path.lineTo(tooth.p2());
+    }
+}
+
+void addBell(QPainterPath& path) {
+    path.moveTo(2.8, 11.6);
+    path.cubicTo(4.4, 10, 4.2, 8.4, 4.2, 6.6);
+    path.cubicTo(4.2, 1.2, 11.8, 1.2, 11.8, 6.6);
+    path.cubicTo(11.8, 8.4, 11.6, 10, 13.2, 11.6);
+    path.closeSubpath();
+    path.moveTo(6.6, 14);
+    path.cubicTo(7.2, 14.8, 8.8, 14.8, 9.4, 14);
 }
 
 /// Strokes in a box of 16 by 16, one and a half wide; angles count from three o'clock anticlockwise.
@@ -78,6 +101,36 @@ QPainterPath strokes(Icon::Symbol symbol) {
             break;
         case Icon::Minus:
             addLine(path, {{3, 8}, {13, 8}});
+            break;
+        case Icon::General:
+            addWheel(path);
+            break;
+        case Icon::MenuBar:
+            path.addRoundedRect(QRectF(2, 3, 12, 10), 2, 2);
+            path.moveTo(2, 6.4);
+            path.lineTo(14, 6.4);
+            break;
+        case Icon::Bell:
+            addBell(path);
+            break;
+        case Icon::Terminal:
+            path.addRoundedRect(QRectF(1.8, 2.6, 12.4, 10.8), 2, 2);
+            path.moveTo(4.8, 6);
+            path.lineTo(7, 8);
+            path.lineTo(4.8, 10);
+            path.moveTo(8.6, 10.2);
+            path.lineTo(11.2, 10.2);
+            break;
+        case Icon::Tick:
+            path.moveTo(3.4, 8.4);
+            path.lineTo(6.6, 11.6);
+            path.lineTo(12.6, 4.8);
+            break;
+        case Icon::Grip:
+            for (const double y : {4.0, 8.0, 12.0}) {
+                path.addEllipse(QPointF(6, y), 0.15, 0.15);
+                path.addEllipse(QPointF(10, y), 0.15, 0.15);
+            }
             break;
     }
     return path;

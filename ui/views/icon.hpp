@@ -25,7 +25,14 @@ public:
         ChevronUp,
         Cross,
         Plus,
-        Minus
+        Minus,
+        // Pages of the settings, and their controls.
+        General,
+        MenuBar,
+        Bell,
+        Terminal,
+        Tick,
+        Grip
     };
     Q_ENUM(Symbol)
 

@@ -57,7 +57,11 @@ public:
         EXPECT_TRUE(m_bus.registerVirtualObject(portal::kPath, this, QDBusConnection::SubPath));
         EXPECT_TRUE(m_bus.registerService(portal::kService));
     }
-    ~FakePortal() override { QDBusConnection::disconnectFromBus(m_bus.name()); }
+    /// Unregistered first: a call that finds the object while the connection ends crashes in Qt's thread for the bus.
+    ~FakePortal() override {
+        m_bus.unregisterObject(portal::kPath, QDBusConnection::UnregisterTree);
+        QDBusConnection::disconnectFromBus(m_bus.name());
+    }
 
     QString introspect(const QString&) const override { return {}; }
 

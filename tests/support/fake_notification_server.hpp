@@ -19,6 +19,7 @@ public:
     }
     ~FakeNotificationServer() override {
         m_bus.unregisterService(kName);
+        m_bus.unregisterObject("/org/freedesktop/Notifications");
         QDBusConnection::disconnectFromBus(m_bus.name());
     }
 

@@ -50,6 +50,7 @@ public:
     }
     ~FakePanel() override {
         const QString name = bus.name();
+        bus.unregisterObject(QStringLiteral("/StatusNotifierWatcher"));
         bus = QDBusConnection(QString());
         QDBusConnection::disconnectFromBus(name);
     }

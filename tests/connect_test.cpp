@@ -224,6 +224,14 @@ TEST(Disconnect, purgesOnlyWhatIsVorns) {
     EXPECT_EQ(home.document(), JSONValue::parse(kSettings));
     EXPECT_THAT(home.run("disconnect --purge").standardOutput, HasSubstr("nothing of Vorn to remove"));
 
+    // The settings go with the usual directory, and stay with one of several.
+    home.write(".config/Vorn/Vorn.conf", "[General]");
+    home.write(".config/Vorn/Vorn.conf.damaged", "[Gen");
+    ASSERT_EQ(home.run("disconnect --purge").status, 0);
+    EXPECT_TRUE(fs::exists(home / ".config/Vorn/Vorn.conf"));
+    ASSERT_EQ(home.run("disconnect --purge", "exec env -u VORN_HOME").status, 0);
+    EXPECT_FALSE(fs::exists(home / ".config/Vorn"));
+
     // Without a record the relay stays in use, and is not taken away.
     ASSERT_EQ(home.run("connect").status, 0);
     fs::remove(home.record);

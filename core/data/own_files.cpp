@@ -48,18 +48,20 @@ void add(OwnFiles& result, const Folder& folder) {
     }
 }
 
-}  // namespace
+/// Also when it is a link to one.
+bool isThere(const fs::path& directory) {
+    std::error_code ignored;
+    return fs::is_directory(directory, ignored);
+}
 
-OwnFiles listOwnFiles() {
-    OwnFiles result;
+void addRoot(OwnFiles& result) {
     const fs::path root = VornPaths::root();
+    if (!isThere(root)) {
+        return;
+    }
     const fs::path bridge = VornPaths::bridgeExecutable();
     const std::vector<Folder> inner = {{.path = bridge.parent_path(), .files = {bridge}},
                                        {.path = root / "probe", .files = {}}};
-    std::error_code ignored;
-    if (!fs::is_directory(root, ignored)) {
-        return result;
-    }
     for (const Folder& folder : inner) {
         if (isDirectory(folder.path)) {
             add(result, folder);
@@ -74,6 +76,16 @@ OwnFiles listOwnFiles() {
         return std::ranges::any_of(inner, [&](const Folder& folder) { return folder.path == path; }) &&
                isDirectory(path);
     });
+}
+
+}  // namespace
+
+OwnFiles listOwnFiles() {
+    OwnFiles result;
+    addRoot(result);
+    if (const auto settings = VornPaths::settings(); settings && isThere(settings->parent_path())) {
+        add(result, {.path = settings->parent_path(), .files = {*settings}});
+    }
     std::ranges::sort(result.others);
     return result;
 }

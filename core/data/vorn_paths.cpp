@@ -18,17 +18,24 @@ Override& sharedOverride() {
     return instance;
 }
 
-fs::path userDataDirectory() {
 #ifdef __APPLE__
+fs::path userDataDirectory() {
     return homeDirectory() / "Library/Application Support";
-#else
-    // The XDG rules have relative values ignored.
-    if (const auto data = environmentValue("XDG_DATA_HOME"); data && fs::path(*data).is_absolute()) {
-        return *data;
-    }
-    return homeDirectory() / ".local/share";
-#endif
 }
+#else
+/// What the variable says, else that below the home directory.
+fs::path xdgDirectory(const char* variable, const char* usual) {
+    // The XDG rules have relative values ignored.
+    if (const auto value = environmentValue(variable); value && fs::path(*value).is_absolute()) {
+        return *value;
+    }
+    return homeDirectory() / usual;
+}
+
+fs::path userDataDirectory() {
+    return xdgDirectory("XDG_DATA_HOME", ".local/share");
+}
+#endif
 
 }  // namespace
 
@@ -92,6 +99,17 @@ fs::path breakdown() {
 
 fs::path bridgeExecutable() {
     return root() / "bin/vorn-bridge";
+}
+
+std::optional<fs::path> settings() {
+#ifdef __APPLE__
+    return std::nullopt;
+#else
+    if (rootOverride() || environmentValue("VORN_HOME")) {
+        return std::nullopt;
+    }
+    return xdgDirectory("XDG_CONFIG_HOME", ".config") / "Vorn/Vorn.conf";
+#endif
 }
 
 fs::path probeWorkingDirectory() {

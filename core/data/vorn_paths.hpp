@@ -25,6 +25,9 @@ std::filesystem::path probingLock();         ///< probing.lock: held by the prog
 std::filesystem::path sharedChoices();       ///< choices.json: what was chosen in the application and holds for vornctl
 std::filesystem::path breakdown();           ///< insights.json: what the client printed last below its limits
 std::filesystem::path bridgeExecutable();    ///< bin/vorn-bridge: the copy of the relay that Claude Code runs
+/// The application's settings, Vorn/Vorn.conf. Absent where the platform keeps them elsewhere, and where another
+/// directory was chosen: it shares them with the usual one.
+std::optional<std::filesystem::path> settings();
 /// The empty directory in which `claude` runs, so that it reads no project. Created on every call; a failure shows
 /// when the process is started.
 std::filesystem::path probeWorkingDirectory();

@@ -1,4 +1,5 @@
 #include <QApplication>
+#include <QIcon>
 #include <QJsonObject>
 #include <QSocketNotifier>
 #include <csignal>
@@ -32,6 +33,8 @@ void nameProgram() {
     QApplication::setApplicationDisplayName("Vorn");
     QApplication::setApplicationVersion(VORN_VERSION);
     QApplication::setDesktopFileName("vorn");
+    // For X11: elsewhere the desktop entry tells the icon.
+    QApplication::setWindowIcon(QIcon::fromTheme("vorn"));
     QApplication::setQuitOnLastWindowClosed(false);
 }
 

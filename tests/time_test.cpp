@@ -32,6 +32,9 @@ TEST(Iso8601, readsInternetDateTimes) {
         {"2026-02-29T20:45:00Z", optional, {}},
         {"2026-11-22T24:00:00Z", optional, {}},
         {"2026-11-22T20:45:00+25:00", optional, {}},
+        {"9999-12-31T23:59:60Z", optional, {}},
+        {"9999-12-31T23:59:59-00:01", optional, {}},
+        {"0000-01-01T00:00:00+00:01", optional, {}},
         {"", optional, {}},
     };
     for (const auto& [text, fraction, expected] : cases) {
@@ -50,6 +53,8 @@ TEST(Iso8601, writesUtcRoundedDown) {
     EXPECT_EQ(formatIso8601(instantSince1970(1795380300.999)), "2026-11-22T20:45:00Z");
     EXPECT_EQ(formatIso8601(instantSince1970(-0.5)), "1969-12-31T23:59:59Z");
     EXPECT_EQ(formatIso8601Milliseconds(instantSince1970(1795380300.25)), "2026-11-22T20:45:00.250Z");
+    EXPECT_EQ(formatIso8601(instantSince1970(1e300)), "32767-12-31T00:00:00Z");
+    EXPECT_EQ(formatIso8601Milliseconds(instantSince1970(-1e300)), "-32767-01-01T00:00:00.000Z");
 }
 
 }  // namespace

@@ -88,8 +88,17 @@ struct Parts {
     std::chrono::hh_mm_ss<std::chrono::milliseconds> time;
 };
 
+/// A file may hold any number, and those beyond the calendar's years are none that an integer could count.
+Instant withinCalendar(Instant instant) {
+    using std::chrono::sys_days;
+    using std::chrono::year;
+    constexpr double kFirst = secondsSince1970(sys_days{year::min() / 1 / 1});
+    constexpr double kLast = secondsSince1970(sys_days{year::max() / 12 / 31});
+    return instantSince1970(std::fmin(std::fmax(secondsSince1970(instant), kFirst), kLast));
+}
+
 Parts split(Instant instant) {
-    const auto ms = std::chrono::floor<std::chrono::milliseconds>(instant);
+    const auto ms = std::chrono::floor<std::chrono::milliseconds>(withinCalendar(instant));
     const auto day = std::chrono::floor<std::chrono::days>(ms);
     return {.date = day, .time = std::chrono::hh_mm_ss{ms - day}};
 }
@@ -133,6 +142,11 @@ std::optional<Instant> parseIso8601(std::string_view text, Fraction fraction) {
     }
     const auto whole = std::chrono::sys_days{date} + std::chrono::hours{hour} + std::chrono::minutes{minute - offset} +
                        std::chrono::seconds{second};
+    // A zone can carry the first and the last day into years that have no four digits and could not be written again.
+    const auto utcYear = std::chrono::year_month_day{std::chrono::floor<std::chrono::days>(whole)}.year();
+    if (utcYear < std::chrono::year{0} || utcYear > std::chrono::year{9999}) {
+        return std::nullopt;
+    }
     return Instant{whole} + Seconds{share};
 }
 

@@ -28,12 +28,14 @@ constexpr Instant instantSince1970(double seconds) {
 enum class Fraction : std::uint8_t { forbidden, optional, required };
 
 /// Reads an internet date-time ("2026-11-22T20:45:00.123Z", "…+01:00"): 'T', seconds and a zone (Z or an offset) are
-/// required, a fraction is a full stop and one or more digits. Empty for anything else, impossible dates included.
+/// required, a fraction is a full stop and one or more digits. Empty for anything else, impossible dates and those before
+/// the year 0 or after 9999 in UTC included.
 std::optional<Instant> parseIso8601(std::string_view text, Fraction fraction);
 
-/// "2026-11-22T20:45:00Z": whole seconds (rounded down), UTC.
+/// "2026-11-22T20:45:00Z": whole seconds (rounded down), UTC. What lies beyond the years that the calendar can count
+/// (-32767 to 32767) reads like the first or last of their days.
 std::string formatIso8601(Instant instant);
-/// "2026-11-22T20:45:00.123Z": milliseconds (rounded down), UTC.
+/// "2026-11-22T20:45:00.123Z": the same with milliseconds.
 std::string formatIso8601Milliseconds(Instant instant);
 
 }  // namespace vorn

@@ -187,6 +187,13 @@ TEST(StatusLineIntegration, changesNothingItCannotRead) {
         EXPECT_FALSE(fs::exists(places.record) || fs::exists(integration.backup()));
     }
     const Places places;
+    constexpr const char* kBeyondTheRelay = R"({"statusLine": {"command": "mine", "padding": 1e999}})";
+    places.put(kBeyondTheRelay);
+    EXPECT_EQ(failureOf([&] { places.integration.install(kNow); }),
+              "Couldn't read Claude Code settings: the status line holds what Vorn's relay cannot pass on");
+    EXPECT_EQ(readAll(places.settings), kBeyondTheRelay);
+    EXPECT_FALSE(fs::exists(places.record));
+    fs::remove(places.settings);
     fs::create_directories(places.settings);
     EXPECT_EQ(failureOf([&] { places.integration.install(kNow); }),
               "Couldn't read Claude Code settings: Is a directory");

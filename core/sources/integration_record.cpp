@@ -27,12 +27,16 @@ std::optional<std::string> commandOf(const nlohmann::json& record) {
 
 }  // namespace
 
-std::optional<std::string> downstreamCommand(const std::filesystem::path& recordFile) try {
-    const auto content = readFile(recordFile, kLargestRecord);
-    const auto record = content ? parseJson(*content) : std::nullopt;
-    return record ? commandOf(*record) : std::nullopt;
+std::optional<std::string> downstreamCommandIn(std::string_view record) try {
+    const auto document = record.size() <= kLargestRecord ? parseJson(record) : std::nullopt;
+    return document ? commandOf(*document) : std::nullopt;
 } catch (const DecodingError&) {
     return std::nullopt;
+}
+
+std::optional<std::string> downstreamCommand(const std::filesystem::path& recordFile) {
+    const auto content = readFile(recordFile, kLargestRecord);
+    return content ? downstreamCommandIn(*content) : std::nullopt;
 }
 
 }  // namespace vorn

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace vorn {
 
@@ -10,5 +11,7 @@ namespace vorn {
 /// there is none, when the record is missing or damaged in any way, and when the command names a relay itself, which
 /// would call itself for ever.
 std::optional<std::string> downstreamCommand(const std::filesystem::path& recordFile);
+/// The same for a record's text.
+std::optional<std::string> downstreamCommandIn(std::string_view record);
 
 }  // namespace vorn

@@ -69,6 +69,26 @@ std::optional<std::string> downstreamOf(const JSONValue* statusLine) {
     return command == nullptr || runsBridge(command) ? std::nullopt : std::optional(*command);
 }
 
+std::string recordText(const StatusLineIntegration::Record& record) {
+    JSONValue::Object members = {{kInstalledAt, formatIso8601(record.installedAt)}};
+    if (record.originalStatusLine) {
+        members[kOriginal] = *record.originalStatusLine;
+    }
+    return fileText(members);
+}
+
+StatusLineIntegration::Record recordOf(const JSONValue* statusLine, Instant now) {
+    return {.originalStatusLine = statusLine == nullptr ? std::nullopt : std::optional(*statusLine),
+            .installedAt = now};
+}
+
+/// Whether the relay, whose smaller reader knows neither numbers beyond all measure nor megabytes, would find the
+/// user's command in the record.
+bool canBePassedOn(const JSONValue* statusLine) {
+    return runsBridge(commandOf(statusLine)) ||
+           downstreamCommandIn(recordText(recordOf(statusLine, Instant{}))) == downstreamOf(statusLine);
+}
+
 }  // namespace
 
 /// The settings file as it was read.
@@ -180,6 +200,10 @@ JSONValue::Object StatusLineIntegration::connected(JSONValue::Object members) co
         throw notWritten(m_locations.settings, "the path of Vorn's relay is not valid UTF-8");
     }
     const JSONValue* existing = statusLineOf(members);
+    if (!canBePassedOn(existing)) {
+        // Better not connected than a status line that has gone quiet.
+        throw IntegrationError::unreadableSettings("the status line holds what Vorn's relay cannot pass on");
+    }
     JSONValue::Object statusLine;
     if (existing != nullptr && existing->object() != nullptr) {
         statusLine = *existing->object();
@@ -193,8 +217,7 @@ JSONValue::Object StatusLineIntegration::connected(JSONValue::Object members) co
 void StatusLineIntegration::keepOriginal(const JSONValue::Object& members, Instant now) const {
     const JSONValue* existing = statusLineOf(members);
     if (!runsBridge(commandOf(existing))) {
-        writeRecord(
-            {.originalStatusLine = existing == nullptr ? std::nullopt : std::optional(*existing), .installedAt = now});
+        writeRecord(recordOf(existing, now));
     } else if (!readRecord()) {
         writeRecord({.originalStatusLine = std::nullopt, .installedAt = now});
     }
@@ -284,13 +307,9 @@ std::optional<StatusLineIntegration::Record> StatusLineIntegration::readRecord()
 }
 
 void StatusLineIntegration::writeRecord(const Record& record) const {
-    JSONValue::Object members = {{kInstalledAt, formatIso8601(record.installedAt)}};
-    if (record.originalStatusLine) {
-        members[kOriginal] = *record.originalStatusLine;
-    }
     writing(m_locations.record, [&] {
         createPrivateDirectories(fs::absolute(m_locations.record).parent_path());
-        replaceFile(m_locations.record, fileText(members));
+        replaceFile(m_locations.record, recordText(record));
     });
 }
 

@@ -286,6 +286,12 @@ TEST_F(LocalActivityScannerTest, readsLinesOfAnyLengthUpToALimit) {
         EXPECT_EQ(outputs(LocalActivityScanner(directory.path(), kWeek).scan(kNow)),
                   length > kLimit ? Outputs({1, 2, 3}) : Outputs({1, 77, 2, 3}));
     }
+    // The file ends shortly behind a bufferful, in the middle of a line.
+    const std::string text = std::string(kBuffer - 60, 'u') + "\n" + Reply{}.line();
+    const fs::path path = write("grown.jsonl", text.substr(0, kBuffer + 5));
+    EXPECT_TRUE(scan().empty());
+    append(path, text.substr(kBuffer + 5));
+    EXPECT_EQ(scan().size(), 1U);
 }
 
 TEST_F(LocalActivityScannerTest, readsTheSameInOneGoAndInManySteps) {

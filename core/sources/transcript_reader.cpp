@@ -65,7 +65,7 @@ public:
             kept = 0;
             if (next == m_offset + m_text.size() && !m_position.isMarkerSeen) {
                 kept = static_cast<std::size_t>(std::min<std::uint64_t>(kOverlap, next - m_position.lineStart));
-                std::memcpy(m_buffer + kOverlap - kept, m_text.data() + m_text.size() - kept, kept);
+                std::memmove(m_buffer + kOverlap - kept, m_text.data() + m_text.size() - kept, kept);
             }
         }
     }

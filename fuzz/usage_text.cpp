@@ -1,0 +1,64 @@
+#include <cmath>
+
+#include <nlohmann/json.hpp>
+
+#include "core/sources/usage_command_parser.hpp"
+#include "core/support/text.hpp"
+#include "fuzz/fuzz_target.hpp"
+#include "fuzz/reading_checks.hpp"
+
+/// The text that the usage command prints.
+namespace vorn::fuzz {
+namespace {
+
+void requireResetInRange(const UsageWindow& window) {
+    using std::chrono::sys_days;
+    using std::chrono::year;
+    require(!window.resetsAt ||
+                (*window.resetsAt > sys_days{year{-1} / 1 / 1} && *window.resetsAt < sys_days{year{10001} / 1 / 1}),
+            "a printed reset time has a year of four digits");
+}
+
+void requireSound(const std::vector<UsageInsights::Share>& shares) {
+    for (const auto& share : shares) {
+        require(std::isfinite(share.percent) && share.percent >= 0, "a share is a percentage");
+        require(!share.name.empty(), "a share has a name");
+        requireUtf8(share.name);
+    }
+}
+
+void requireSound(const UsageInsights& insights) {
+    for (const auto& period : insights.periods) {
+        requireUtf8(period.label);
+        require(period.requests.value_or(0) >= 0 && period.sessions.value_or(0) >= 0, "counts are counts");
+        requireSound(period.topSkills);
+        requireSound(period.topSubagents);
+        for (const auto& finding : period.findings) {
+            require(std::isfinite(finding.percent) && finding.percent >= 0, "a finding has a percentage");
+            requireUtf8(finding.text);
+        }
+    }
+    constexpr auto kDates = DateCoding::secondsSince1970;
+    require(decodeUsageInsights(encode(insights, kDates), kDates) == insights,
+            "a breakdown is the same after a way through JSON");
+}
+
+}  // namespace
+
+void checkInput(std::string_view input) {
+    const auto result = UsageCommandParser::parse(input, kNow);
+    for (const UsageWindow& window : result.windows) {
+        require(window.usedPercent >= 0, "a printed percentage has no sign");
+        require(window.observedAt == kNow, "a reading was taken now");
+        requireSound(window);
+        requireResetInRange(window);
+    }
+    requireAssessable(result.windows, HistoryIndex());
+    if (result.insights) {
+        requireSound(*result.insights);
+    }
+    require(result.isSubscription || result.windows.empty(), "a window tells of a subscription");
+    require(UsageCommandParser::parse(repairUtf8(input), kNow) == result, "repairing the text beforehand is no matter");
+}
+
+}  // namespace vorn::fuzz

@@ -31,7 +31,7 @@ TEST(CommandLine, AnswersWithoutStartingAnything) {
         const char* output;
         const char* error;
     } cases[] = {
-        {{"--version"}, 0, "vorn 0.", ""},
+        {{"--version"}, 0, "vorn ", ""},
         {{"--help"}, 0, "comfortable, watch, at-risk, limited, planned-reset", ""},
         {{"--bogus"}, 2, "", "--bogus\nRun vorn --help for more.\n"},
         {{"--demo", "lucky"}, 2, "", "lucky"},

@@ -1,11 +1,14 @@
 // How long the dashboard takes to open and to show news, with 50,000 readings and 200,000 replies:
 //
-//     QT_QPA_PLATFORM=offscreen build/bench/bench/dashboard_open [samples] [replies]
+//     QT_QPA_PLATFORM=offscreen build/bench/bin/dashboard_open [samples] [replies]
 //
-// Prints milliseconds to the first complete frame (the charts included), for the first and for a second opening, and
-// the main thread's time for a recomputation with its repaint, and resident memory before, with and after the window.
+// Prints milliseconds to the first complete frame (the charts included), for the first and for a second opening; the
+// main thread's time for a recomputation and the repaint that follows, when only the time moved and when there is a
+// new reading or there are new replies as well, beside the same window resized; and resident memory
+// before, with and after the window.
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QEventLoop>
 #include <QQuickWindow>
 #include <QSettings>
 #include <QTemporaryDir>
@@ -16,6 +19,9 @@
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
+#include <functional>
+#include <random>
+#include <vector>
 
 #include <fmt/format.h>
 #include <unistd.h>
@@ -32,8 +38,8 @@ namespace {
 using namespace std::chrono_literals;
 
 /// No frame for so long: everything is drawn.
-constexpr std::chrono::milliseconds kStill = 150ms;
-constexpr int kRecomputations = 50;
+constexpr std::chrono::milliseconds kStill = 100ms;
+constexpr int kRepetitions = 31;
 
 class BenchClock : public ModelClock {
 public:
@@ -41,27 +47,84 @@ public:
     Instant at = systemNow();
 };
 
-/// The demonstration's windows with as much history and activity as a very busy user has.
-demo::Demo busyDemo(Instant now, std::size_t samples, std::size_t replies) {
-    demo::Demo demo = demo::makeDemo(demo::Scenario::atRisk, now);
-    demo.history.clear();
-    for (std::size_t i = 0; i < samples; ++i) {
-        UsageWindow window = demo.windows[i % demo.windows.size()];
-        const double share = static_cast<double>(i) / static_cast<double>(samples);
-        const Instant start = *window.resetsAt - window.kind.length();
-        window.observedAt = start + share * (now - start);
-        window.usedPercent *= share;
-        demo.history.push_back(HistorySample::of(window));
+class ManualTicker : public Ticker {
+public:
+    void start(Seconds, std::function<void()> onTick) override { tick = std::move(onTick); }
+    void stop() override {}
+    std::function<void()> tick;
+};
+
+class NoSnapshot : public SnapshotSource {
+public:
+    [[nodiscard]] std::optional<FileStamp> stamp() const override { return std::nullopt; }
+    [[nodiscard]] std::optional<StatusLineSnapshot> read() const override { return std::nullopt; }
+};
+
+/// What the model's sources say next.
+struct Busy {
+    BenchClock* clock = nullptr;
+    UsageCommandParser::Result reading;
+    std::vector<ActivityEvent> replies;
+};
+
+class BusyProbe : public ProbeSource {
+public:
+    explicit BusyProbe(Busy& busy) : m_busy(busy) {}
+    void run(const std::string&, std::function<void(Answer)> done) override {
+        for (UsageWindow& window : m_busy.reading.windows) {
+            window.observedAt = m_busy.clock->at;
+        }
+        done(m_busy.reading);
     }
-    std::ranges::stable_sort(demo.history, {}, &HistorySample::observedAt);
-    const std::vector<ActivityEvent> events = demo.activity;
-    demo.activity.clear();
-    for (std::size_t i = 0; i < replies; ++i) {
-        ActivityEvent event = events[i * events.size() / replies];
-        event.timestamp = now - 168h * (1 - static_cast<double>(i) / static_cast<double>(replies));
-        demo.activity.push_back(std::move(event));
+
+private:
+    Busy& m_busy;
+};
+
+class BusyActivity : public ActivitySource {
+public:
+    explicit BusyActivity(Busy& busy) : m_busy(busy) {}
+    void scan(Instant, std::function<void(Answer)> done) override { m_done = std::move(done); }
+    /// Sorted and summed as the background thread does it; only the rest is the main thread's.
+    [[nodiscard]] ActivitySummary summary() const { return ActivitySummary(m_busy.replies); }
+    void answer(ActivitySummary summary) { std::exchange(m_done, nullptr)(std::move(summary)); }
+
+private:
+    Busy& m_busy;
+    std::function<void(Answer)> m_done;
+};
+
+/// Readings that rise in bursts, as work does.
+void writeHistory(const std::filesystem::path& file, const demo::Demo& demo, Instant now, std::size_t samples) {
+    std::mt19937 random(7);
+    std::exponential_distribution<double> burst(1);
+    std::vector<UsageWindow> readings;
+    const std::size_t each = samples / demo.windows.size();
+    for (const UsageWindow& current : demo.windows) {
+        std::vector<double> values(each);
+        double sum = 0;
+        for (double& value : values) {
+            value = sum += random() % 50 == 0 ? 50 * burst(random) : 1e-3;
+        }
+        const Instant start = *current.resetsAt - current.kind.length();
+        for (std::size_t i = 0; i < each; ++i) {
+            UsageWindow& reading = readings.emplace_back(current);
+            reading.observedAt = start + static_cast<double>(i + 1) / static_cast<double>(each + 1) * (now - start);
+            reading.usedPercent = current.usedPercent * values[i] / sum;
+        }
     }
-    return demo;
+    HistoryStore store(file);
+    static_cast<void>(store.add(readings, now));
+    static_cast<void>(store.flush(now));
+}
+
+std::vector<ActivityEvent> busyReplies(const demo::Demo& demo, Instant now, std::size_t count) {
+    std::vector<ActivityEvent> replies;
+    for (std::size_t i = 0; i < count; ++i) {
+        ActivityEvent& event = replies.emplace_back(demo.activity[i * demo.activity.size() / count]);
+        event.timestamp = now - 168h * (1 - static_cast<double>(i) / static_cast<double>(count));
+    }
+    return replies;
 }
 
 /// Resident, in megabytes.
@@ -82,37 +145,118 @@ double threadMilliseconds() {
     return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
 }
 
-/// Runs until no more frames come; milliseconds of `since` at the last one.
-double settle(const QElapsedTimer& since) {
-    double last = 0;
-    for (QElapsedTimer still = since; !still.hasExpired(kStill.count());) {
-        for (QWindow* const window : QGuiApplication::topLevelWindows()) {
-            if (auto* const view = qobject_cast<QQuickWindow*>(window)) {
-                QObject::connect(
-                    view, &QQuickWindow::frameSwapped, qApp,
-                    [&] {
-                        last = static_cast<double>(since.nsecsElapsed()) / 1e6;
-                        still.restart();
-                    },
-                    Qt::SingleShotConnection);
-            }
+QQuickWindow* shownWindow() {
+    for (QWindow* const window : QGuiApplication::topLevelWindows()) {
+        if (auto* const view = qobject_cast<QQuickWindow*>(window); view && view->isVisible()) {
+            return view;
         }
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
     }
+    return nullptr;
+}
+
+/// Waits, without using the processor, until no more frames come; milliseconds until the last one.
+double letDraw(QQuickWindow& window) {
+    double last = 0;
+    QElapsedTimer since;
+    since.start();
+    QEventLoop loop;
+    QTimer still;
+    still.setSingleShot(true);
+    QObject::connect(&still, &QTimer::timeout, &loop, &QEventLoop::quit);
+    QObject::connect(&window, &QQuickWindow::frameSwapped, &still, [&] {
+        last = static_cast<double>(since.nsecsElapsed()) / 1e6;
+        still.start(kStill);
+    });
+    still.start(kStill);
+    loop.exec();
     return last;
+}
+
+/// Median, least and longest time of the main thread that `happen` and what is then drawn take.
+void measure(const char* what, QQuickWindow& window, const std::function<void()>& prepare,
+             const std::function<void()>& happen) {
+    std::vector<double> whole;
+    std::vector<double> computing;
+    for (int i = 0; i < kRepetitions; ++i) {
+        prepare();
+        const double before = threadMilliseconds();
+        happen();
+        computing.push_back(threadMilliseconds() - before);
+        letDraw(window);
+        whole.push_back(threadMilliseconds() - before);
+    }
+    std::ranges::sort(whole);
+    std::ranges::sort(computing);
+    fmt::print("{:<38} {:6.1f} ms, {:.1f} to {:.1f}; {:.1f} of it before drawing\n", what, whole[whole.size() / 2],
+               whole.front(), whole.back(), computing[computing.size() / 2]);
+}
+
+/// What the benchmark does to a model.
+struct Strings {
+    Busy& busy;
+    ManualTicker& ticker;
+    BusyActivity& activity;
+};
+
+void measureRepaints(UsageModel& model, Strings pull, QQuickWindow& window) {
+    Busy& busy = pull.busy;
+    const auto pass = [&] {
+        busy.clock->at += 31s;
+    };
+    measure("recomputation, only the time moved:", window, pass, [&] { model.recompute(); });
+    measure(
+        "with a new reading:", window,
+        [&] {
+            pass();
+            for (UsageWindow& each : busy.reading.windows) {
+                each.usedPercent += 0.3;
+            }
+        },
+        [&] { model.probe(); });
+    ActivitySummary summary;
+    measure(
+        "with new replies:", window,
+        [&] {
+            pass();
+            pull.ticker.tick();
+            busy.replies.push_back(busy.replies.back());
+            busy.replies.back().timestamp = busy.clock->at;
+            summary = pull.activity.summary();
+            letDraw(window);
+        },
+        [&] { pull.activity.answer(std::move(summary)); });
+    measure(
+        "beside it, a resize by one pixel:", window, [] {},
+        [&] { window.resize(window.width(), window.height() % 2 == 0 ? window.height() + 1 : window.height() - 1); });
 }
 
 int run(std::size_t samples, std::size_t replies) {
     const QTemporaryDir directory;
     Preferences preferences(std::make_unique<QSettings>(directory.filePath("settings.ini"), QSettings::IniFormat));
     auto clock = std::make_unique<BenchClock>();
-    BenchClock& time = *clock;
+    const Instant now = clock->at;
+    const demo::Demo demo = demo::makeDemo(demo::Scenario::atRisk, now);
+    Busy busy{.clock = clock.get(),
+              .reading = {.windows = demo.windows, .insights = demo.insights},
+              .replies = busyReplies(demo, now, replies)};
+    auto source = std::make_unique<BusyActivity>(busy);
+    auto ticker = std::make_unique<ManualTicker>();
+    const Strings pull{.busy = busy, .ticker = *ticker, .activity = *source};
     const std::filesystem::path root = directory.path().toStdString();
+    writeHistory(root / "history.jsonl", demo, now, samples);
     UsageModel model(preferences, UsageModel::Parts{.clock = std::move(clock),
+                                                    .ticker = std::move(ticker),
+                                                    .probe = std::make_unique<BusyProbe>(busy),
+                                                    .activity = std::move(source),
+                                                    .snapshot = std::make_unique<NoSnapshot>(),
                                                     .history = std::make_unique<HistoryStore>(root / "history.jsonl"),
                                                     .resetPlan = ResetPlanStore(root / "plan.json"),
                                                     .probeRecord = ProbeRecordStore(root / "probe.json")});
-    model.startDemo(busyDemo(time.at, samples, replies));
+    model.start();
+    pull.activity.answer(pull.activity.summary());
+    while (!model.isHistoryLoaded()) {
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
     DesktopAppearance appearance;
     appearance.setLook({.reducedMotion = true});
     ViewEngine engine(appearance, 0ms);
@@ -122,28 +266,14 @@ int run(std::size_t samples, std::size_t replies) {
         QElapsedTimer timer;
         timer.start();
         window.open();
-        fmt::print("{} opening: {:.0f} ms\n", which, settle(timer));
+        const double opened = static_cast<double>(timer.nsecsElapsed()) / 1e6;
+        fmt::print("{} opening: {:.0f} ms\n", which, opened + letDraw(*shownWindow()));
         if (which == std::string_view("first")) {
             window.close();
             QCoreApplication::processEvents();
         }
     }
-    double total = 0;
-    double longest = 0;
-    for (int i = 0; i < kRecomputations; ++i) {
-        time.at += 5s;
-        const double before = threadMilliseconds();
-        model.recompute();
-        const double computed = threadMilliseconds() - before;
-        QElapsedTimer timer;
-        timer.start();
-        while (!timer.hasExpired(60)) {
-            QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
-        }
-        total += computed;
-        longest = std::max(longest, threadMilliseconds() - before);
-    }
-    fmt::print("recomputation: {:.1f} ms; with its repaint at most {:.1f} ms\n", total / kRecomputations, longest);
+    measureRepaints(model, pull, *shownWindow());
     const double open = memory();
     window.close();
     QElapsedTimer timer;

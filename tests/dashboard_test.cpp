@@ -101,23 +101,33 @@ TEST(DashboardView, MirrorsAndGrowsWithoutAWarning) {
     QGuiApplication::setFont(font);
 }
 
-TEST(ThinnedPoints, KeepPeaksFallsAndBothEnds) {
+TEST(ThinnedPoints, KeepPeaksAndBendsAndNothingElse) {
+    const PlotFrame plot{.from = 0, .to = 50'000, .top = 100, .pixels = {300, 100}};
     std::vector<QPointF> points;
     for (int i = 0; i < 50'000; ++i) {
-        points.emplace_back(i, 20 + i % 7);
+        points.emplace_back(i, i < 30'000 ? 20 : 20 + (i - 30'000) / 1000.0);
     }
+    const QList<QPointF> bent = thinnedPoints(points, plot);
+    EXPECT_EQ(bent, (QList<QPointF>{{0, 20}, {30'000, 20}, {50'000, 40}}));
     points[12'345].setY(99);
     points[33'333].setY(1);
-    const QList<QPointF> thinned = thinnedPoints(points, 0, 50'000, 300);
-    EXPECT_LE(thinned.size(), 300 * 4);
+    const QList<QPointF> thinned = thinnedPoints(points, plot);
+    EXPECT_LE(thinned.size(), 12);
     EXPECT_TRUE(std::ranges::is_sorted(thinned, {}, &QPointF::x));
-    for (const std::size_t kept : {0UL, 12'345UL, 33'333UL, 49'999UL}) {
-        EXPECT_TRUE(thinned.contains(points[kept])) << kept;
+    for (const std::size_t peak : {12'345UL, 33'333UL}) {
+        EXPECT_TRUE(std::ranges::any_of(thinned, [&](const QPointF& point) {
+            return std::abs(point.x() - points[peak].x()) < 50'000 / 300.0 / 2 && point.y() == points[peak].y();
+        })) << peak;
     }
-    const std::span few(points.begin(), 5);
-    EXPECT_EQ(thinnedPoints(few, 0, 5, 300), QList<QPointF>(few.begin(), few.end()));
-    EXPECT_EQ(thinnedPoints(few, 0, 5, 0).size(), 2) << "no room: the lowest and the highest";
-    EXPECT_THAT(thinnedPoints({}, 0, 0, 10), testing::IsEmpty());
+    points.back().rx() += 10;
+    EXPECT_EQ(thinnedPoints(points, plot), thinned) << "less than can be seen";
+    for (int i = 0; i < 50'000; ++i) {
+        points[static_cast<std::size_t>(i)].setY(i % 2 == 0 ? 0 : 100);
+    }
+    EXPECT_LE(thinnedPoints(points, plot).size(), 300 * 4);
+    EXPECT_THAT(thinnedPoints(points, {.to = 0, .pixels = {300, 100}}), testing::IsEmpty());
+    EXPECT_THAT(thinnedPoints(points, {.to = 10}), testing::IsEmpty()) << "no room";
+    EXPECT_THAT(thinnedPoints({}, plot), testing::IsEmpty());
 }
 
 LimitChartContent chartOf(const UsageWindow& window, const test::Course& course, const ResetPlan& plan = {}) {
@@ -145,7 +155,7 @@ TEST(LimitChart, LeadsFromTheWindowsBeginningToTheProjection) {
     EXPECT_NEAR(chartValue(chart, chart.crossing).value_or(0), 100, 1e-6);
     EXPECT_EQ(chartValue(chart, chart.now), 72);
     EXPECT_EQ(chartValue(chart, chart.span + 1), std::nullopt);
-    EXPECT_EQ(chart.ticks.size(), chart.tickTexts.size());
+    EXPECT_EQ(chart.marks.ticks.size(), chart.marks.tickTexts.size());
     EXPECT_THAT(chart.summary.toStdString(), testing::HasSubstr("72% used, "));
 }
 
@@ -159,12 +169,12 @@ TEST(LimitChart, BreaksAtAnEarlyResetAndEndsAtAPlannedOne) {
     ASSERT_EQ(chart.runs.size(), 2U);
     EXPECT_EQ(chart.runs[0].last().y(), 80);
     EXPECT_EQ(chart.runs[1].first(), QPointF(61 * kHour, 3));
-    EXPECT_THAT(chart.epochs, testing::ElementsAre(61 * kHour));
+    EXPECT_THAT(chart.marks.epochs, testing::ElementsAre(61 * kHour));
     EXPECT_EQ(chartValue(chart, 60.5 * kHour), 80) << "nothing is drawn between the two";
     EXPECT_EQ(chartValue(chart, 1), std::nullopt);
     EXPECT_TRUE(chart.isCutShort);
     EXPECT_DOUBLE_EQ(chart.evenPaceEnd, 144 * kHour);
-    EXPECT_THAT(chart.flags, testing::ElementsAre(144 * kHour, 150 * kHour));
+    EXPECT_THAT(chart.marks.flags, testing::ElementsAre(144 * kHour, 150 * kHour));
     EXPECT_DOUBLE_EQ(chart.projectionEnd.x(), chart.evenPaceEnd);
 }
 
@@ -242,12 +252,48 @@ protected:
     static std::vector<QQuickItem*> itemsNamed(QQuickItem* under, const char* type) {
         std::vector<QQuickItem*> found;
         for (QQuickItem* const child : under->childItems()) {
-            if (QString(child->metaObject()->className()).startsWith(QString(type) + "_QML")) {
+            const QString name = child->metaObject()->className();
+            if (name.startsWith(QString(type) + "_QML") || name == QString("vorn::") + type) {
                 found.push_back(child);
             }
             std::ranges::copy(itemsNamed(child, type), std::back_inserter(found));
         }
         return found;
+    }
+
+    /// Of a type, by what stands on it or what it is called.
+    static QQuickItem* item(const char* type, const QString& text) {
+        for (QQuickItem* const each : itemsNamed(shown()->contentItem(), type)) {
+            const auto says = [&](const char* property) {
+                return each->property(property).toString().startsWith(text);
+            };
+            if (each->isVisible() && (says("text") || says("name") || says("title"))) {
+                return each;
+            }
+        }
+        ADD_FAILURE() << "there is no " << type << " " << text.toStdString();
+        return shown()->contentItem();
+    }
+    /// Presses it, scrolled into sight, where a share of its width lies.
+    static void click(QQuickItem* on, double share = 0.5) {
+        on->forceActiveFocus();
+        QTest::mouseClick(shown(), Qt::LeftButton, {},
+                          on->mapToScene({share * on->width(), on->height() / 2}).toPoint());
+    }
+    static void retype(const QString& name, const char* text) {
+        click(item("TextBox", name));
+        QTest::keySequence(shown(), QKeySequence::SelectAll);
+        QTest::keyClick(shown(), Qt::Key_Delete);
+        for (; *text != 0; ++text) {
+            QTest::keyClick(shown(), *text);
+        }
+    }
+    /// Where the line of even pace of a chart reaches 100 %, in seconds since the chart begins.
+    static double evenPaceEnd(const QQuickItem* chart) {
+        QPointF end(-1, 0);
+        QObject* const line = qmlContext(chart->childItems().front())->objectForName("evenPace");
+        QMetaObject::invokeMethod(line, "at", Q_RETURN_ARG(QPointF, end), Q_ARG(int, 1));
+        return end.x();
     }
 
     ViewState m_state;
@@ -298,11 +344,73 @@ TEST_F(DashboardWindowTest, ReadsOutTheChart) {
     EXPECT_THAT(name(), testing::HasSubstr("12:00 · 72%"));
     QTest::keyClick(shown(), Qt::Key_Right);
     EXPECT_THAT(name(), testing::HasSubstr("12:05 · 74%")) << "what is projected";
-    qreal time = 0;
-    ASSERT_TRUE(
-        QMetaObject::invokeMethod(chart, "timeAt", Q_RETURN_ARG(qreal, time), Q_ARG(qreal, chart->width() / 3)));
-    ASSERT_TRUE(QMetaObject::invokeMethod(chart, "readAt", Q_ARG(qreal, time)));
-    EXPECT_THAT(name(), testing::HasSubstr("10:")) << "what the pointer is over";
+    QTest::keyClick(shown(), Qt::Key_Tab);
+    EXPECT_EQ(name(), "Session, chart");
+    const auto hover = [&](double share) {
+        QTest::mouseMove(shown(), chart->mapToScene({share * chart->width(), chart->height() / 2}).toPoint());
+    };
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+        hover(0.3);
+        hover(0.33);
+        return name().find("10:") != std::string::npos;
+    })) << name();
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+        QTest::mouseMove(shown(), {2, 2});
+        return name() == "Session, chart";
+    })) << name();
+}
+
+TEST_F(DashboardWindowTest, MovesTheEvenPaceToAResetThatIsPlannedAndBack) {
+    const auto charts = itemsNamed(shown()->contentItem(), "LimitChart");
+    const double begins = evenPaceEnd(charts[0]);
+    EXPECT_DOUBLE_EQ(begins, 5 * kHour);
+    click(item("TextButton", "Add"));
+    const struct {
+        const char *date, *time, *problem;
+    } cases[] = {{"soon", "12:30", "Write the date like 2026-11-23"},
+                 {"2026-11-22", "noon", "Write the time like 13:00"},
+                 {"2026-11-22", "11:59", "This has passed; a planned reset lies ahead"},
+                 {"2026-11-21", "12:30", "This has passed; a planned reset lies ahead"}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.problem);
+        retype("Date", c.date);
+        retype("Time", c.time);
+        click(item("TextButton", "Add reset"));
+        EXPECT_TRUE(item("DetailLabel", c.problem)->isVisible());
+        EXPECT_DOUBLE_EQ(evenPaceEnd(charts[0]), begins);
+    }
+    retype("Date", "2026-11-22");
+    retype("Time", "12:30");
+    click(item("TextButton", "Add reset"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return std::abs(evenPaceEnd(charts[0]) - 3.5 * kHour) < 1; }))
+        << evenPaceEnd(charts[0]);
+    click(item("IconButton", "Remove"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return std::abs(evenPaceEnd(charts[0]) - begins) < 1; }));
+}
+
+TEST_F(DashboardWindowTest, SwitchesWhatTheStripAndTheBreakdownSpan) {
+    const QQuickItem* const bars = itemsNamed(shown()->contentItem(), "ActivityBars").front();
+    const auto columns = [&] {
+        return bars->property("bars").value<QList<double>>().size();
+    };
+    EXPECT_EQ(columns(), 144);
+    click(item("Segments", "Time shown"), 0.75);
+    EXPECT_EQ(columns(), 84);
+    const auto projects = [&] {
+        return item("RankedBars", "Projects")->property("shares");
+    };
+    const QVariant hours = projects();
+    click(item("Segments", "Local activity"), 0.85);
+    EXPECT_NE(projects(), hours);
+    QTest::keyClick(shown(), Qt::Key_Left);
+    QTest::keyClick(shown(), Qt::Key_Left);
+    EXPECT_EQ(projects(), hours);
+    const auto finding = [&] {
+        return itemsNamed(shown()->contentItem(), "FindingRow").front()->property("finding");
+    };
+    const QVariant day = finding();
+    click(item("Segments", "Breakdown of Claude Code"), 0.75);
+    EXPECT_NE(finding(), day);
 }
 
 TEST_F(DashboardWindowTest, AsksForWhatItsMenuAndButtonsSay) {

@@ -11,43 +11,50 @@ Item {
     property bool namesEvenPace: false
 
     readonly property limitChart content: panel.chart
-    readonly property bool isEmpty: content.span <= 0
+    readonly property limitChartMarks marks: panel.marks
+    // Apart from the content, of which something changes with every moment.
+    readonly property real span: content.span
+    readonly property real highest: content.top
+    readonly property real evenPaceTo: content.evenPaceEnd
+    readonly property bool isEmpty: span <= 0
     readonly property color statusColor: Theme.colors.status(panel.status)
-    readonly property int columns: Math.max(1, Math.ceil(plot.width))
+    readonly property size pixels: Qt.size(plot.width, plot.height)
+    readonly property point now: placeOf(Qt.point(content.now, content.used))
+    readonly property point horizon: placeOf(content.projectionEnd)
     /// Where the reader is; negative while nobody reads.
     property real cursor: -1
-    property real evenPaceEnd: content.evenPaceEnd
+    property real evenPaceEnd: evenPaceTo
     /// What series may reach beyond the plot, so that lines on its edges keep their whole width.
     readonly property int margin: Theme.sizes.near
 
     function xOf(time: real): real {
-        return plot.x + time / Math.max(content.span, 1) * plot.width;
+        return plot.x + time / Math.max(span, 1) * plot.width;
     }
     function yOf(percent: real): real {
-        return plot.y + plot.height - percent / content.top * plot.height;
+        return plot.y + plot.height - percent / highest * plot.height;
+    }
+    /// To a quarter of a pixel: what moves by less is not drawn anew.
+    function placeOf(point: point): point {
+        return Qt.point(Math.round(4 * xOf(point.x)) / 4, Math.round(4 * yOf(point.y)) / 4);
     }
     function timeAt(x: real): real {
-        return Math.min(1, Math.max(0, (x - plot.x) / plot.width)) * content.span;
+        return Math.min(1, Math.max(0, (x - plot.x) / plot.width)) * span;
     }
     function readAt(time: real) {
         cursor = isEmpty || panel.valueAt(time) < 0 ? -1 : time;
     }
     function step(by: real) {
         const from = cursor < 0 ? content.now : cursor;
-        const to = Math.min(content.span, Math.max(0, from + by * content.span));
+        const to = Math.min(span, Math.max(0, from + by * span));
         if (panel.valueAt(to) >= 0) {
             cursor = to;
         }
     }
     function fill() {
         lines.show(isEmpty ? 0 : panel.runCount());
-        SeriesPoints.put(areaTop, panel.area(columns));
-        SeriesPoints.join(areaBase, Qt.point(0, 0), Qt.point(content.span, 0));
-        if (content.isProjected) {
-            SeriesPoints.join(projection, Qt.point(content.now, content.used), content.projectionEnd);
-        } else {
-            SeriesPoints.clear(projection);
-        }
+        SeriesPoints.put(areaTop, panel.area(pixels));
+        SeriesPoints.join(areaBase, Qt.point(0, 0), Qt.point(span, 0));
+        SeriesPoints.put(projection, panel.projection(pixels));
     }
 
     LayoutMirroring.enabled: false
@@ -60,7 +67,7 @@ Item {
     Keys.onRightPressed: step(1 / 60)
     Keys.onPressed: event => {
         if (event.key === Qt.Key_Home || event.key === Qt.Key_End) {
-            readAt(event.key === Qt.Key_Home ? content.span / 60 : content.now);
+            readAt(event.key === Qt.Key_Home ? span / 60 : content.now);
             event.accepted = true;
         }
     }
@@ -68,7 +75,7 @@ Item {
         cursor = -1;
     }
     onContentChanged: refill.start()
-    onColumnsChanged: refill.start()
+    onPixelsChanged: refill.start()
     onEvenPaceEndChanged: evenPace.update()
     Component.onCompleted: {
         fill();
@@ -119,7 +126,7 @@ Item {
     }
 
     Repeater {
-        model: chart.content.ticks
+        model: chart.marks.ticks
 
         Rectangle {
             required property real modelData
@@ -197,21 +204,21 @@ Item {
         ValueAxis {
             id: timeAxis
 
-            readonly property real overhang: chart.margin / Math.max(plot.width, 1) * Math.max(chart.content.span, 1)
+            readonly property real overhang: chart.margin / Math.max(plot.width, 1) * Math.max(chart.span, 1)
 
             visible: false
             min: -overhang
-            max: Math.max(chart.content.span, 1) + overhang
+            max: Math.max(chart.span, 1) + overhang
         }
 
         ValueAxis {
             id: percentAxis
 
-            readonly property real overhang: chart.margin / Math.max(plot.height, 1) * chart.content.top
+            readonly property real overhang: chart.margin / Math.max(plot.height, 1) * chart.highest
 
             visible: false
             min: -overhang
-            max: chart.content.top + overhang
+            max: chart.highest + overhang
         }
 
         AreaSeries {
@@ -264,12 +271,13 @@ Item {
 
         function show(count: int) {
             while (series.length < count) {
-                series.push(view.createSeries(ChartView.SeriesTypeLine, "", timeAxis, percentAxis));
+                const line = view.createSeries(ChartView.SeriesTypeLine, "", timeAxis, percentAxis);
+                line.color = Qt.binding(() => Theme.colors.accent);
+                line.width = 2;
+                series.push(line);
             }
             for (let run = 0; run < series.length; ++run) {
-                series[run].color = Qt.binding(() => Theme.colors.accent);
-                series[run].width = 2;
-                SeriesPoints.put(series[run], chart.panel.line(run, chart.columns));
+                SeriesPoints.put(series[run], chart.panel.line(run, chart.pixels));
             }
         }
     }
@@ -285,7 +293,7 @@ Item {
 
     // Early resets that happened.
     Repeater {
-        model: chart.content.epochs
+        model: chart.marks.epochs
 
         Rectangle {
             required property real modelData
@@ -300,7 +308,7 @@ Item {
 
     // What comes after a planned reset is another window's.
     Rectangle {
-        readonly property real from: chart.xOf(Math.max(0, chart.content.evenPaceEnd)) + 1
+        readonly property real from: chart.xOf(Math.max(0, chart.evenPaceTo)) + 1
 
         visible: chart.content.isCutShort
         x: from
@@ -314,7 +322,7 @@ Item {
     // Now.
     Rectangle {
         visible: !chart.isEmpty
-        x: Math.round(chart.xOf(chart.content.now))
+        x: Math.round(chart.now.x)
         y: plot.y
         width: Theme.sizes.hair
         height: plot.height
@@ -325,7 +333,7 @@ Item {
         id: nowLabel
 
         visible: !chart.isEmpty
-        x: Math.max(plot.x, Math.min(chart.xOf(chart.content.now) - width / 2, plot.x + plot.width - width))
+        x: Math.max(plot.x, Math.min(chart.now.x - width / 2, plot.x + plot.width - width))
         font.pixelSize: Theme.sizes.caption
         color: Theme.colors.secondText
         text: qsTr("now")
@@ -333,7 +341,7 @@ Item {
     }
 
     Repeater {
-        model: chart.content.flags
+        model: chart.marks.flags
 
         Item {
             id: flag
@@ -366,12 +374,12 @@ Item {
     Label {
         id: evenPaceName
 
-        readonly property var place: chart.namesEvenPace && chart.content.evenPaceEnd > 0 ? freePlace() : null
+        readonly property var place: chart.namesEvenPace && chart.evenPaceTo > 0 ? freePlace() : null
 
         /// Beside the diagonal, where neither the readings nor the moment cross it; null where there is no such place.
         function freePlace(): var {
             for (const share of [0.3, 0.45, 0.6, 0.75, 0.9]) {
-                const at = share * chart.content.evenPaceEnd;
+                const at = share * chart.evenPaceTo;
                 for (const isAbove of [true, false]) {
                     const x = isAbove ? chart.xOf(at) - implicitWidth - Theme.sizes.near : chart.xOf(at) + Theme.sizes.near;
                     const y = chart.yOf(share * 100) + (isAbove ? -implicitHeight : 0);
@@ -383,7 +391,7 @@ Item {
             return null;
         }
         function isFree(x: real, y: real): bool {
-            const now = chart.xOf(chart.content.now);
+            const now = chart.now.x;
             if (x < plot.x || x + implicitWidth > plot.x + plot.width || (now > x - Theme.sizes.near && now < x + implicitWidth + Theme.sizes.near)) {
                 return false;
             }
@@ -408,14 +416,14 @@ Item {
 
     ChartDot {
         visible: chart.content.isProjected && !chart.content.isBeyondTop
-        centre: Qt.point(chart.xOf(chart.content.projectionEnd.x), chart.yOf(chart.content.projectionEnd.y))
+        centre: chart.horizon
         diameter: 6
         color: chart.statusColor
     }
 
     ChartDot {
         visible: chart.content.crossing >= 0
-        centre: Qt.point(chart.xOf(chart.content.crossing), chart.yOf(100))
+        centre: chart.placeOf(Qt.point(chart.content.crossing, 100))
         diameter: 10
         color: Theme.colors.surface
         border.color: chart.statusColor
@@ -425,12 +433,12 @@ Item {
     Label {
         id: crossingLabel
 
-        readonly property real ring: chart.xOf(chart.content.crossing)
+        readonly property real ring: chart.placeOf(Qt.point(chart.content.crossing, 100)).x
 
         visible: chart.content.crossing >= 0
         readonly property real before: ring - implicitWidth - Theme.sizes.gap
         /// Between the moment and the crossing; else beyond it, under the line that goes on.
-        readonly property bool fitsBefore: before > chart.xOf(chart.content.now) + Theme.sizes.near
+        readonly property bool fitsBefore: before > chart.now.x + Theme.sizes.near
         readonly property bool fitsAfter: ring + Theme.sizes.gap + implicitWidth <= plot.x + plot.width
 
         x: fitsBefore || !fitsAfter ? Math.max(plot.x + Theme.sizes.tight, before) : ring + Theme.sizes.gap
@@ -443,12 +451,12 @@ Item {
     }
 
     Label {
-        readonly property real end: chart.xOf(chart.content.projectionEnd.x)
+        readonly property real end: chart.horizon.x
         readonly property bool isInside: plot.x + plot.width - end > implicitWidth + 2 * Theme.sizes.gap
 
         visible: chart.content.isProjected
         x: isInside ? end + Theme.sizes.gap : plot.x + plot.width + Theme.sizes.gap
-        y: Math.max(plot.y - height / 4, Math.min(chart.yOf(chart.content.projectionEnd.y) - height / 2, plot.y + plot.height - height))
+        y: Math.max(plot.y - height / 4, Math.min(chart.horizon.y - height / 2, plot.y + plot.height - height))
         semibold: true
         color: chart.statusColor
         text: chart.content.projectionText
@@ -457,7 +465,7 @@ Item {
 
     ChartDot {
         visible: !chart.isEmpty
-        centre: Qt.point(chart.xOf(chart.content.now), chart.yOf(chart.content.used))
+        centre: chart.now
         diameter: 9
         color: Theme.colors.accent
         border.color: Theme.colors.surface
@@ -471,12 +479,12 @@ Item {
 
         /// Labels at the first and last mark stay within the plot.
         function leftOf(index: int, width: real): real {
-            const centred = chart.xOf(chart.content.ticks[index]) - width / 2;
+            const centred = chart.xOf(chart.marks.ticks[index]) - width / 2;
             return Math.max(plot.x - Theme.sizes.tight, Math.min(centred, plot.x + plot.width - width));
         }
         /// Each how manyth label is shown, so that none touch.
         function every(room: real): int {
-            const texts = chart.content.tickTexts;
+            const texts = chart.marks.tickTexts;
             for (let step = 1; step < texts.length; step *= 2) {
                 let end = -Infinity;
                 let fits = true;
@@ -502,7 +510,7 @@ Item {
         }
 
         Repeater {
-            model: chart.content.tickTexts
+            model: chart.marks.tickTexts
 
             Label {
                 required property int index

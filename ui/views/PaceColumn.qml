@@ -74,24 +74,25 @@ Item {
         width: parent.width
 
         Repeater {
-            model: column.pace.rows
+            model: column.pace.rows.length
 
             Item {
                 id: row
 
-                required property paceRow modelData
+                required property int index
+                readonly property paceRow reading: column.pace.rows[index]
 
                 width: rows.width
                 height: column.rowHeight
                 Accessible.role: Accessible.StaticText
-                Accessible.name: modelData.label + ", " + (modelData.rate === "" ? modelData.reason : modelData.rate + ", " + modelData.factor)
+                Accessible.name: reading.label + ", " + (reading.rate === "" ? reading.reason : reading.rate + ", " + reading.factor)
 
                 Label {
                     anchors.left: parent.left
                     anchors.verticalCenter: parent.verticalCenter
                     font.pixelSize: Theme.sizes.caption
                     color: Theme.colors.secondText
-                    text: row.modelData.label
+                    text: row.reading.label
                     Accessible.ignored: true
                 }
 
@@ -100,7 +101,7 @@ Item {
                     anchors.leftMargin: column.barStart
                     anchors.verticalCenter: parent.verticalCenter
                     width: column.barWidth
-                    value: row.modelData.bar
+                    value: row.reading.bar
                 }
 
                 Label {
@@ -108,7 +109,7 @@ Item {
                     anchors.rightMargin: Theme.sizes.gap
                     anchors.verticalCenter: parent.verticalCenter
                     font.pixelSize: Theme.sizes.caption
-                    text: row.modelData.rate
+                    text: row.reading.rate
                     Accessible.ignored: true
                 }
 
@@ -121,8 +122,8 @@ Item {
                     horizontalAlignment: Text.AlignRight
                     font.pixelSize: Theme.sizes.caption
                     medium: true
-                    color: row.modelData.isTooFast ? Theme.colors.status(Status.AtRisk) : row.modelData.rate === "" ? Theme.colors.secondText : Theme.colors.text
-                    text: row.modelData.factor
+                    color: row.reading.isTooFast ? Theme.colors.status(Status.AtRisk) : row.reading.rate === "" ? Theme.colors.secondText : Theme.colors.text
+                    text: row.reading.factor
                     Accessible.ignored: true
                 }
 
@@ -131,7 +132,7 @@ Item {
                 }
 
                 Hint {
-                    text: row.modelData.reason
+                    text: row.reading.reason
                     wanted: hover.hovered
                 }
             }

@@ -81,17 +81,18 @@ QString nothingText(const UsageModel& model) {
 }  // namespace
 
 ActivityPresenter::Content activityContent(const UsageModel& model, ActivityPresenter::Span span) {
-    ActivityPresenter::Content content{.nothing = nothingText(model), .now = model.now()};
+    ActivityPresenter::Content content{.nothing = nothingText(model)};
     if (!content.nothing.isEmpty()) {
         return content;
     }
     const ActivitySummary& activity = model.activity();
     if (const auto last = activity.lastEventAt()) {
-        content.lastReply = "last reply " + leftToRight(Format::clock(*last, content.now));
+        content.lastReply = "last reply " + leftToRight(Format::clock(*last, model.now()));
     }
     const Grid grid = gridOf(span);
     Calendar calendar(currentTimeZone());
-    const Instant to = endOfBucket(content.now, grid.bucket, calendar);
+    const Instant to = endOfBucket(model.now(), grid.bucket, calendar);
+    content.latest = to - grid.bucket;
     const double total = activity.weight(to - grid.span, to);
     const QString spanName = span == ActivityPresenter::Day ? "24 hours" : "7 days";
     if (!(total > 0)) {
@@ -103,12 +104,12 @@ ActivityPresenter::Content activityContent(const UsageModel& model, ActivityPres
     content.marks = marksFor(content, grid, calendar);
     const auto busiest = std::ranges::max_element(content.buckets, {}, &ActivitySummary::Bucket::weight);
     content.summary = "Activity in the last " + spanName + ", most at " +
-                      QString::fromStdString(Format::clock(busiest->start, content.now));
+                      QString::fromStdString(Format::clock(busiest->start, content.latest));
     return content;
 }
 
 ActivityPresenter::ActivityPresenter(UsageModel& model, QObject* parent) : QObject(parent), m_model(model) {
-    connect(&model, &UsageModel::changed, this, &ActivityPresenter::update);
+    connect(&model, &UsageModel::changed, this, &ActivityPresenter::passTime);
     connect(&model, &UsageModel::activityChanged, this, &ActivityPresenter::update);
     update();
 }
@@ -155,7 +156,16 @@ QString ActivityPresenter::describe(int bar) const {
     const auto& bucket = m_content.buckets[static_cast<std::size_t>(bar)];
     const std::string until = shortTime(bucket.start + m_content.width, currentTimeZone());
     const std::string used = bucket.weight > 0 ? amount(bucket.weight) + " weighted tokens" : "nothing";
-    return leftToRight(Format::clock(bucket.start, m_content.now) + " – " + until) + " · " + leftToRight(used);
+    return leftToRight(Format::clock(bucket.start, m_content.latest) + " – " + until) + " · " + leftToRight(used);
+}
+
+/// Without news the strip is the same until its next bucket begins.
+void ActivityPresenter::passTime() {
+    const Seconds passed = m_model.now() - m_content.latest;
+    const bool isCurrent = !m_content.buckets.empty() && passed >= Seconds{0} && passed < m_content.width;
+    if (!isCurrent || nothingText(m_model) != m_content.nothing) {
+        update();
+    }
 }
 
 void ActivityPresenter::update() {

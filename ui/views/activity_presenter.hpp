@@ -49,7 +49,7 @@ public:
         std::vector<ActivitySummary::Bucket> buckets;  ///< Aligned with the wall clock.
         Seconds width{};                               ///< Of a bucket.
         std::vector<ActivityMark> marks;
-        Instant now;
+        Instant latest;  ///< When the current bucket began; today, as long as it lasts.
         bool operator==(const Content&) const = default;
     };
 
@@ -76,6 +76,7 @@ signals:
     void isShownChanged();
 
 private:
+    void passTime();
     void update();
 
     UsageModel& m_model;

@@ -16,7 +16,8 @@ using VornEngine::RatePoint;
 
 /// Room over the limit for projections that pass it.
 constexpr double kRaisedTop = 125;
-/// A first reading this early, as a share of the window, is joined to the window's beginning at 0 %.
+/// A first reading this early, as a share of the window, is joined to the
+/// window's beginning at 0 %.
 constexpr double kEarly = 0.1;
 
 QString text(const std::string& utf8) {
@@ -30,7 +31,8 @@ struct Frame {
     [[nodiscard]] double x(Instant at) const { return (at - begin).count(); }
 };
 
-/// Of a window whose end is not known, what was read in its last length; nothing while it has not begun.
+/// Of a window whose end is not known, what was read in its last length;
+/// nothing while it has not begun.
 std::optional<Frame> frameOf(const LimitChartInput& input) {
     const UsageWindow& window = input.assessment.window;
     const Seconds length = window.kind.length();
@@ -48,7 +50,8 @@ double drawn(double percent) {
     return std::clamp(percent, 0.0, kRaisedTop);
 }
 
-/// The readings within the frame, apart at early resets, with the latest one held up to now.
+/// The readings within the frame, apart at early resets, with the latest one
+/// held up to now.
 void addRuns(const LimitChartInput& input, const Frame& frame, LimitChartContent& chart) {
     const RatePoint* previous = nullptr;
     for (const RatePoint& point : input.readings) {
@@ -57,13 +60,13 @@ void addRuns(const LimitChartInput& input, const Frame& frame, LimitChartContent
         }
         const double x = frame.x(point.time);
         if (previous == nullptr) {
-            chart.runs.emplace_back();
+            chart.runs.emplace_back().reserve(static_cast<qsizetype>(input.readings.size()));
             if (x > 0 && x < kEarly * chart.span && input.assessment.window.resetsAt) {
                 chart.runs.back().append({0, 0});
             }
         } else if (fell(*previous, point)) {
             chart.runs.emplace_back();
-            chart.epochs.append(x);
+            chart.marks.epochs.append(x);
         }
         chart.runs.back().append({x, drawn(point.value)});
         previous = &point;
@@ -105,7 +108,7 @@ void addFlags(const LimitChartInput& input, const Frame& frame, LimitChartConten
     }
     for (const PlannedReset& planned : input.plan.planned) {
         if (planned.covers(input.assessment.window.kind) && planned.date > input.now && planned.date < frame.end) {
-            chart.flags.append(frame.x(planned.date));
+            chart.marks.flags.append(frame.x(planned.date));
         }
     }
 }
@@ -149,8 +152,8 @@ LimitChartContent limitChartContent(const LimitChartInput& input) {
     addProjection(assessment, *frame, input.now, chart);
     addFlags(input, *frame, chart);
     TimeAxis axis = timeAxis(frame->begin, frame->end);
-    chart.ticks = std::move(axis.ticks);
-    chart.tickTexts = std::move(axis.texts);
+    chart.marks.ticks = std::move(axis.ticks);
+    chart.marks.tickTexts = std::move(axis.texts);
     chart.summary = summaryOf(assessment, chart, input.now);
     return chart;
 }

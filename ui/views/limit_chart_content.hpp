@@ -15,7 +15,25 @@
 
 namespace vorn {
 
-/// What the chart of one window draws. x is in seconds since the chart begins, y in percent used.
+/// What stands still while time passes. x is in seconds since the chart begins.
+struct LimitChartMarks {
+    Q_GADGET
+    QML_VALUE_TYPE(limitChartMarks)
+    Q_PROPERTY(QList<double> ticks MEMBER ticks)
+    Q_PROPERTY(QStringList tickTexts MEMBER tickTexts)
+    Q_PROPERTY(QList<double> epochs MEMBER epochs)
+    Q_PROPERTY(QList<double> flags MEMBER flags)
+
+public:
+    QList<double> ticks;
+    QStringList tickTexts;  ///< One a tick.
+    QList<double> epochs;   ///< Where the window began anew after an early reset.
+    QList<double> flags;    ///< Planned resets.
+    bool operator==(const LimitChartMarks&) const = default;
+};
+
+/// What the chart of one window draws. x is in seconds since the chart begins,
+/// y in percent used.
 struct LimitChartContent {
     Q_GADGET
     QML_VALUE_TYPE(limitChart)
@@ -31,30 +49,25 @@ struct LimitChartContent {
     Q_PROPERTY(QString projectionText MEMBER projectionText)
     Q_PROPERTY(double crossing MEMBER crossing)
     Q_PROPERTY(QString crossingText MEMBER crossingText)
-    Q_PROPERTY(QList<double> epochs MEMBER epochs)
-    Q_PROPERTY(QList<double> flags MEMBER flags)
-    Q_PROPERTY(QList<double> ticks MEMBER ticks)
-    Q_PROPERTY(QStringList tickTexts MEMBER tickTexts)
     Q_PROPERTY(QString emptyText MEMBER emptyText)
     Q_PROPERTY(QString summary MEMBER summary)
 
 public:
-    double span = 0;   ///< How long the chart is; 0 while there is nothing to draw, which `emptyText` explains.
+    double span = 0;   ///< How long the chart is; 0 while there is nothing to draw,
+                       ///< which `emptyText` explains.
     double top = 100;  ///< The highest percent drawn.
     double now = 0;
     double used = 0;          ///< Now.
     double evenPaceEnd = -1;  ///< Where even use reaches 100 %; negative while that is not known.
     bool isCutShort = false;  ///< A planned reset ends the window there.
     bool isProjected = false;
-    QPointF projectionEnd;     ///< Where its line ends: at the horizon or where it leaves the chart.
+    QPointF projectionEnd;     ///< Where its line ends: at the horizon or where it
+                               ///< leaves the chart.
     bool isBeyondTop = false;  ///< It leaves the chart.
     QString projectionText;    ///< What it comes to at the horizon: "116%".
     double crossing = -1;      ///< Where it reaches the limit; negative when it does not.
     QString crossingText;      ///< The time of day.
-    QList<double> epochs;      ///< Where the window began anew after an early reset.
-    QList<double> flags;       ///< Planned resets.
-    QList<double> ticks;
-    QStringList tickTexts;
+    LimitChartMarks marks;
     QString emptyText;
     QString summary;                   ///< The chart in a sentence, for those who listen.
     std::vector<QList<QPointF>> runs;  ///< The readings up to now, apart at each epoch.
@@ -71,7 +84,8 @@ struct LimitChartInput {
 
 LimitChartContent limitChartContent(const LimitChartInput& input);
 
-/// What the chart shows at `x`: the readings up to now, the projection after it. Empty where it shows nothing.
+/// What the chart shows at `x`: the readings up to now, the projection after
+/// it. Empty where it shows nothing.
 std::optional<double> chartValue(const LimitChartContent& chart, double x);
 
 }  // namespace vorn

@@ -1,11 +1,11 @@
 #include "ui/views/limit_panel.hpp"
 
+#include <array>
 #include <utility>
 
 #include "app/model/usage_model.hpp"
 #include "ui/format/format.hpp"
 #include "ui/views/head_window.hpp"
-#include "ui/views/thinned_points.hpp"
 
 namespace vorn {
 
@@ -28,8 +28,19 @@ LimitPanelPresenter::LimitPanelPresenter(LimitPanelContent content, QObject* par
     : QObject(parent), m_content(std::move(content)) {}
 
 void LimitPanelPresenter::setContent(LimitPanelContent content) {
-    if (std::exchange(m_content, std::move(content)) != m_content) {
+    const LimitPanelContent before = std::exchange(m_content, std::move(content));
+    // Time alone moves the chart at each recomputation, and little else.
+    if (before.card != m_content.card || before.isTight != m_content.isTight) {
         emit changed();
+    }
+    if (before.chart.marks != marks()) {
+        emit marksChanged();
+    }
+    if (before.chart != chart()) {
+        emit chartChanged();
+    }
+    if (before.pace != pace()) {
+        emit paceChanged();
     }
 }
 
@@ -37,17 +48,17 @@ int LimitPanelPresenter::runCount() const {
     return static_cast<int>(m_content.chart.runs.size());
 }
 
-QList<QPointF> LimitPanelPresenter::line(int run, int columns) const {
+QList<QPointF> LimitPanelPresenter::line(int run, QSizeF plot) const {
     if (run < 0 || run >= runCount()) {
         return {};
     }
-    return thinnedPoints(m_content.chart.runs[static_cast<std::size_t>(run)], 0, m_content.chart.span, columns);
+    return thinnedPoints(m_content.chart.runs[static_cast<std::size_t>(run)], frame(plot));
 }
 
-QList<QPointF> LimitPanelPresenter::area(int columns) const {
+QList<QPointF> LimitPanelPresenter::area(QSizeF plot) const {
     QList<QPointF> outline;
     for (int run = 0; run < runCount(); ++run) {
-        const QList<QPointF> points = line(run, columns);
+        const QList<QPointF> points = line(run, plot);
         if (points.isEmpty()) {
             continue;
         }
@@ -56,6 +67,17 @@ QList<QPointF> LimitPanelPresenter::area(int columns) const {
         outline.append({points.last().x(), 0});
     }
     return outline;
+}
+
+QList<QPointF> LimitPanelPresenter::projection(QSizeF plot) const {
+    if (!chart().isProjected) {
+        return {};
+    }
+    return thinnedPoints(std::array{QPointF(chart().now, chart().used), chart().projectionEnd}, frame(plot));
+}
+
+PlotFrame LimitPanelPresenter::frame(QSizeF plot) const {
+    return {.from = 0, .to = chart().span, .top = chart().top, .pixels = plot};
 }
 
 double LimitPanelPresenter::valueAt(double x) const {

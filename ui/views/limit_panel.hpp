@@ -1,12 +1,14 @@
 #pragma once
 
 #include <QObject>
+#include <QSizeF>
 #include <QString>
 
 #include <QtQml/qqmlregistration.h>
 
 #include "ui/views/limit_chart_content.hpp"
 #include "ui/views/pace_content.hpp"
+#include "ui/views/thinned_points.hpp"
 #include "ui/views/window_card_content.hpp"
 
 namespace vorn {
@@ -39,8 +41,9 @@ class LimitPanelPresenter : public QObject {
     Q_PROPERTY(QString verdict READ verdict NOTIFY changed FINAL)
     Q_PROPERTY(QString spoken READ spoken NOTIFY changed FINAL)
     Q_PROPERTY(bool isTight READ isTight NOTIFY changed FINAL)
-    Q_PROPERTY(vorn::LimitChartContent chart READ chart NOTIFY changed FINAL)
-    Q_PROPERTY(vorn::PaceContent pace READ pace NOTIFY changed FINAL)
+    Q_PROPERTY(vorn::LimitChartContent chart READ chart NOTIFY chartChanged FINAL)
+    Q_PROPERTY(vorn::LimitChartMarks marks READ marks NOTIFY marksChanged FINAL)
+    Q_PROPERTY(vorn::PaceContent pace READ pace NOTIFY paceChanged FINAL)
 
 public:
     explicit LimitPanelPresenter(LimitPanelContent content, QObject* parent = nullptr);
@@ -54,16 +57,19 @@ public:
     [[nodiscard]] const QString& spoken() const { return m_content.card.spoken; }
     [[nodiscard]] bool isTight() const { return m_content.isTight; }
     [[nodiscard]] const LimitChartContent& chart() const { return m_content.chart; }
+    [[nodiscard]] const LimitChartMarks& marks() const { return m_content.chart.marks; }
     [[nodiscard]] const PaceContent& pace() const { return m_content.pace; }
     /// Of the same window.
     void setContent(LimitPanelContent content);
 
     /// How many lines the readings make: one more than there were early resets.
     Q_INVOKABLE int runCount() const;
-    /// One of them, for a plot of so many pixels.
-    Q_INVOKABLE QList<QPointF> line(int run, int columns) const;
+    /// One of them, as a plot of so many pixels can show it.
+    Q_INVOKABLE QList<QPointF> line(int run, QSizeF plot) const;
     /// The outline of what lies under all of them.
-    Q_INVOKABLE QList<QPointF> area(int columns) const;
+    Q_INVOKABLE QList<QPointF> area(QSizeF plot) const;
+    /// From now to where the projection ends; empty without one.
+    Q_INVOKABLE QList<QPointF> projection(QSizeF plot) const;
     /// What the chart shows at `x`; negative where it shows nothing.
     Q_INVOKABLE double valueAt(double x) const;
     /// The same in words: "Sat 16:46 · 46%".
@@ -71,8 +77,13 @@ public:
 
 signals:
     void changed();
+    void chartChanged();
+    void marksChanged();
+    void paceChanged();
 
 private:
+    [[nodiscard]] PlotFrame frame(QSizeF plot) const;
+
     LimitPanelContent m_content;
 };
 

@@ -1,11 +1,20 @@
 #include "ui/views/series_points.hpp"
 
+#include <QVariant>
+
 namespace vorn {
+namespace {
+
+/// Under which the series itself keeps what it was handed.
+constexpr const char* kHanded = "_vorn_points";
+
+}  // namespace
 
 void SeriesPoints::put(QObject* series, const QList<QPointF>& points) {
-    if (!series) {
+    if (!series || series->property(kHanded).value<QList<QPointF>>() == points) {
         return;
     }
+    series->setProperty(kHanded, QVariant::fromValue(points));
     const bool wasBlocked = series->blockSignals(true);
     QMetaObject::invokeMethod(series, "clear");
     for (const QPointF& point : points) {

@@ -5,9 +5,11 @@
 #include "core/support/json.hpp"
 
 namespace vorn::cli {
+namespace fs = std::filesystem;
 namespace {
 
 constexpr Seconds kLifetime{86400};
+constexpr std::chrono::milliseconds kPatience{50};
 constexpr std::size_t kLargestFile = std::size_t{1} << 20U;
 
 }  // namespace
@@ -32,8 +34,14 @@ void saveBreakdown(const std::optional<UsageInsights>& breakdown) {
     }
     try {
         createPrivateDirectories(VornPaths::root());
-        replaceFile(VornPaths::breakdown(), dumpJson(encode(*breakdown, DateCoding::secondsSince1970), true) + "\n");
-    } catch (const std::filesystem::filesystem_error&) {
+        const fs::path file = VornPaths::breakdown();
+        const auto lock = FileLock::acquire(file.string() + ".lock", kPatience);
+        if (!lock) {
+            return;  // another one is writing what it has just been told
+        }
+        removeAbandonedTemporaries(file);
+        replaceFile(file, dumpJson(encode(*breakdown, DateCoding::secondsSince1970), true) + "\n");
+    } catch (const fs::filesystem_error&) {
         // It will be printed again.
     }
 }

@@ -91,11 +91,12 @@ std::optional<std::string> commandToRun() noexcept try {
 
 int relay() noexcept {
     chooseDirectory();
+    // Before anything else takes a descriptor: there may be few.
+    const auto command = commandToRun();
     StandardInput input;
     if (const auto bytes = input.whole()) {
         keepSnapshot(*bytes);
     }
-    const auto command = commandToRun();
     if (!command) {
         input.drain();
         return 0;

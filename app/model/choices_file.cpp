@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "app/model/preferences.hpp"
+#include "core/support/file.hpp"
 
 namespace vorn {
 namespace fs = std::filesystem;
@@ -21,6 +22,7 @@ void ChoicesFile::write() const try {
         .useLocalActivity = m_preferences.useLocalActivity(),
         .refresh = std::chrono::duration<double, std::ratio<60>>(m_preferences.refreshMinutes())};
     if (choices != loadSharedChoices(m_file)) {
+        removeAbandonedTemporaries(m_file);  // there is one application, and nobody else writes it
         saveSharedChoices(m_file, choices);
     }
 } catch (const fs::filesystem_error&) {

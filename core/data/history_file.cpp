@@ -44,19 +44,18 @@ class LineScan {
 public:
     explicit LineScan(std::vector<HistorySample>& samples) : m_samples(samples), m_buffer(kBlock + m_decoder.padding) {}
 
-    void run(int file, off_t size) {
+    /// False when the file could not be read to its end.
+    bool run(int file, off_t size) {
         off_t offset = std::max<off_t>(0, size - kLargestRead);
         m_isMidLine = offset > 0;
-        for (;;) {
-            const ssize_t got = readAt(file, m_buffer.data() + m_held, kBlock - m_held, offset);
-            if (got <= 0) {
-                break;
-            }
+        ssize_t got = 0;
+        while ((got = readAt(file, m_buffer.data() + m_held, kBlock - m_held, offset)) > 0) {
             offset += got;
             m_held += static_cast<std::size_t>(got);
             takeLines();
         }
         take({m_buffer.data(), m_held});
+        return got == 0;
     }
 
 private:
@@ -92,11 +91,16 @@ private:
     bool m_isMidLine = false;  ///< The beginning of the current line was not kept.
 };
 
-std::vector<HistorySample> readSamples(int file, off_t size) {
+struct Content {
     std::vector<HistorySample> samples;
-    samples.reserve(static_cast<std::size_t>(std::min(size, kLargestRead)) / kTypicalLine);
-    LineScan(samples).run(file, size);
-    return samples;
+    bool isWhole = true;  ///< Else a part of the file could not be read.
+};
+
+Content readSamples(int file, off_t size) {
+    Content content;
+    content.samples.reserve(static_cast<std::size_t>(std::min(size, kLargestRead)) / kTypicalLine);
+    content.isWhole = LineScan(content.samples).run(file, size);
+    return content;
 }
 
 std::string encodeLines(std::span<const HistorySample> samples) {
@@ -177,13 +181,13 @@ HistoryFile::HistoryFile(fs::path path, std::chrono::milliseconds patience)
 std::vector<HistorySample> HistoryFile::read() const {
     const Descriptor file(::open(m_path.c_str(), O_RDONLY | kOpenFlags));
     const off_t size = regularSize(file);
-    return size < 0 ? std::vector<HistorySample>{} : readSamples(file.get(), size);
+    return size < 0 ? std::vector<HistorySample>{} : readSamples(file.get(), size).samples;
 }
 
 bool HistoryFile::append(std::span<const HistorySample> samples) const {
     makeDirectoryFor(m_path);
     const auto lock = FileLock::acquire(m_lockPath, m_patience);
-    if (!lock) {
+    if (!lock || isPlantedLink(m_path)) {
         return false;
     }
     const Descriptor file(::open(m_path.c_str(), O_RDWR | O_APPEND | kOpenFlags));
@@ -205,10 +209,11 @@ bool HistoryFile::rewrite(std::vector<HistorySample>& samples, Instant cutoff) c
     const Descriptor file(::open(m_path.c_str(), O_RDWR | kOpenFlags));
     if (file.isOpen() || errno != ENOENT) {
         const off_t size = regularSize(file);
-        if (size < 0) {
+        Content stored = size < 0 ? Content{.samples = {}, .isWhole = false} : readSamples(file.get(), size);
+        if (!stored.isWhole) {
             return false;
         }
-        mergeStored(samples, readSamples(file.get(), size), cutoff);
+        mergeStored(samples, std::move(stored.samples), cutoff);
     }
     removeAbandonedTemporaries(m_path);
     return replaceQuietly(m_path, encodeLines(samples));

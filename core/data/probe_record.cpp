@@ -54,6 +54,19 @@ nlohmann::json encode(const ProbeRecord& record) {
     return value;
 }
 
+/// A missing or damaged one is an empty one.
+ProbeRecord decodeLeniently(const std::optional<std::string>& content) {
+    const auto document = content ? parseJson(*content) : std::nullopt;
+    if (!document) {
+        return {};
+    }
+    try {
+        return decode(*document);
+    } catch (const DecodingError&) {
+        return {};
+    }
+}
+
 }  // namespace
 
 ProbeRecord ProbeRecord::afterFailure(Instant now, std::string error) const {
@@ -76,16 +89,7 @@ bool mayRetryProbe(const ProbeRecord& record, Seconds refresh, Instant now) {
 }
 
 ProbeRecord ProbeRecordStore::load() const {
-    const auto content = readFile(m_file, kLargestFile);
-    const auto document = content ? parseJson(*content) : std::nullopt;
-    if (!document) {
-        return {};
-    }
-    try {
-        return decode(*document);
-    } catch (const DecodingError&) {
-        return {};
-    }
+    return decodeLeniently(readFile(m_file, kLargestFile));
 }
 
 void ProbeRecordStore::write(const ProbeRecord& record) const {
@@ -110,10 +114,11 @@ ProbeRecord ProbeRecordStore::edit(const std::function<void(ProbeRecord&)>& chan
     if (!lock) {
         throw fs::filesystem_error("cannot lock", lockPath, error);
     }
-    const ProbeRecord before = load();
+    const ProbeRecord before = decodeLeniently(readToReplace(m_file, kLargestFile));
     ProbeRecord after = before;
     change(after);
     if (after != before) {
+        removeAbandonedTemporaries(m_file);
         write(after);
     }
     return after;

@@ -20,15 +20,19 @@ ResetPlan decode(std::string_view text) {
     return decodeResetPlan(*document, DateCoding::iso8601);
 }
 
+/// A missing or damaged one is an empty one.
+ResetPlan decodeLeniently(const std::optional<std::string>& text) try {
+    return text ? decode(*text) : ResetPlan{};
+} catch (const DecodingError&) {
+    return {};
+}
+
 }  // namespace
 
 ResetPlanStore::ResetPlanStore(fs::path file) : m_file(std::move(file)) {}
 
-ResetPlan ResetPlanStore::load() const try {
-    const auto text = readFile(m_file, kLargestFile);
-    return text ? decode(*text) : ResetPlan{};
-} catch (const DecodingError&) {
-    return {};
+ResetPlan ResetPlanStore::load() const {
+    return decodeLeniently(readFile(m_file, kLargestFile));
 }
 
 void ResetPlanStore::save(const ResetPlan& plan) const {
@@ -63,10 +67,11 @@ ResetPlan ResetPlanStore::edit(const std::function<void(ResetPlan&)>& change,
     if (!lock) {
         throw fs::filesystem_error("cannot lock", lockPath, std::make_error_code(std::errc::device_or_resource_busy));
     }
-    const ResetPlan before = load();
+    const ResetPlan before = decodeLeniently(readToReplace(m_file, kLargestFile));
     ResetPlan after = before;
     change(after);
     if (after != before) {
+        removeAbandonedTemporaries(m_file);
         keepIfDamaged();
         save(after);
     }

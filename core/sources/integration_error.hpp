@@ -12,6 +12,7 @@ class IntegrationError : public std::runtime_error {
 public:
     enum class Kind : std::uint8_t {
         unreadableSettings,
+        unreadableRecord,
         noRecord,       ///< The user's own status line is not known, so it cannot be put back.
         bridgeMissing,  ///< No relay to be found near the running program.
         notWritten,     ///< The disk, the rights or somebody else got in the way.

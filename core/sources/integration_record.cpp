@@ -11,6 +11,19 @@ namespace {
 constexpr std::size_t kLargestRecord = std::size_t{1} << 20U;
 constexpr const char* kRelayName = "vorn-bridge";
 
+/// What fails once may succeed the next time, and without the record there is no status line.
+std::optional<std::string> readPersistently(const std::filesystem::path& file) {
+    constexpr int kAttempts = 3;
+    for (int i = 0; i < kAttempts; ++i) {
+        try {
+            return readToReplace(file, kLargestRecord);
+        } catch (const std::filesystem::filesystem_error&) {
+            // Again.
+        }
+    }
+    return std::nullopt;
+}
+
 /// Throws DecodingError.
 std::optional<std::string> commandOf(const nlohmann::json& record) {
     decodeDate(requireMember(record, "installedAt"), DateCoding::iso8601);
@@ -35,7 +48,7 @@ std::optional<std::string> downstreamCommandIn(std::string_view record) try {
 }
 
 std::optional<std::string> downstreamCommand(const std::filesystem::path& recordFile) {
-    const auto content = readFile(recordFile, kLargestRecord);
+    const auto content = readPersistently(recordFile);
     return content ? downstreamCommandIn(*content) : std::nullopt;
 }
 

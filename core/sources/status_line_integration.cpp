@@ -286,11 +286,11 @@ std::optional<std::string> StatusLineIntegration::downstreamCommand() const {
 }
 
 std::optional<StatusLineIntegration::Record> StatusLineIntegration::readRecord() const {
-    const auto text = readFile(m_locations.record, kLargestSettings);
-    if (!text) {
-        return std::nullopt;
-    }
     try {
+        const auto text = readToReplace(m_locations.record, kLargestSettings);
+        if (!text) {
+            return std::nullopt;
+        }
         const JSONValue document = JSONValue::parse(*text);
         const JSONValue* installedAt = document.member(kInstalledAt);
         const std::string* date = installedAt == nullptr ? nullptr : installedAt->string();
@@ -303,6 +303,9 @@ std::optional<StatusLineIntegration::Record> StatusLineIntegration::readRecord()
                       .installedAt = *instant};
     } catch (const JSONValue::ParseError&) {
         return std::nullopt;
+    } catch (const fs::filesystem_error& error) {
+        throw IntegrationError(IntegrationError::Kind::unreadableRecord,
+                               "Couldn't read " + m_locations.record.string() + ": " + error.code().message());
     }
 }
 

@@ -74,7 +74,7 @@ public:
     /// The same once `install` has run.
     [[nodiscard]] std::optional<std::string> plannedDownstreamCommand() const;
 
-    /// Empty when it is missing or damaged.
+    /// Empty when it is missing or damaged. Throws IntegrationError when it cannot be read.
     [[nodiscard]] std::optional<Record> readRecord() const;
     void writeRecord(const Record& record) const;
 

@@ -24,6 +24,8 @@ namespace {
 /// removed.
 constexpr std::string_view kTemporarySuffix = ".vorn-new-";
 constexpr std::string_view kTemporaryPattern = "XXXXXX";
+constexpr mode_t kPrivateFile = 0600;
+constexpr mode_t kPrivateDirectory = 0700;
 
 [[noreturn]] void fail(const char* what, const fs::path& path) {
     throw fs::filesystem_error(what, path, std::error_code(errno, std::generic_category()));
@@ -42,6 +44,10 @@ void writeAll(int descriptor, std::string_view content, const fs::path& path) {
     }
 }
 
+fs::path directoryOf(const fs::path& file) {
+    return file.has_parent_path() ? file.parent_path() : fs::path(".");
+}
+
 /// Where a write to `path` lands: the end of a chain of links, which need not exist.
 fs::path writeTarget(fs::path path) {
     constexpr int kLongestChain = 40;  // as deep as the kernel itself follows
@@ -50,14 +56,14 @@ fs::path writeTarget(fs::path path) {
         if (!fs::is_symlink(fs::symlink_status(path, error))) {
             return path;
         }
+        if (isPlantedLink(path)) {
+            throw fs::filesystem_error("a link of somebody else", path,
+                                       std::make_error_code(std::errc::permission_denied));
+        }
         const fs::path next = fs::read_symlink(path);
         path = next.is_absolute() ? next : path.parent_path() / next;
     }
     throw fs::filesystem_error("too many links", path, std::make_error_code(std::errc::too_many_symbolic_link_levels));
-}
-
-fs::path directoryOf(const fs::path& file) {
-    return file.has_parent_path() ? file.parent_path() : fs::path(".");
 }
 
 void syncDirectory(const fs::path& directory) {
@@ -149,9 +155,8 @@ bool replaceThroughTemporary(const Replacement& replacement, const fs::path& tar
         if (hasModel) {
             keepOwner(descriptor.get(), old);
         }
-        if (hasModel || replacement.mode) {
-            setMode(descriptor.get(), replacement.mode.value_or(old.st_mode & 07777U), target);
-        }
+        // Set even where it is new: what the umask left of it may be too little to read it again.
+        setMode(descriptor.get(), replacement.mode.value_or(hasModel ? old.st_mode & 07777U : kPrivateFile), target);
         writeAll(descriptor.get(), replacement.content, target);
         if (replace(descriptor, temporary.c_str())) {
             return true;
@@ -162,6 +167,23 @@ bool replaceThroughTemporary(const Replacement& replacement, const fs::path& tar
     }
     ::unlink(temporary.c_str());
     return false;
+}
+
+/// Gives a directory that we have just made what the umask took from its owner.
+void repairMode(const fs::path& directory) {
+    struct stat status {};
+    if (::lstat(directory.c_str(), &status) == 0 && S_ISDIR(status.st_mode) &&
+        (status.st_mode & kPrivateDirectory) != kPrivateDirectory) {
+        [[maybe_unused]] const int ignored = ::chmod(directory.c_str(), kPrivateDirectory);  // shows in the next step
+    }
+}
+
+/// The same for a file of ours: the next one to open it would be refused.
+void repairMode(int descriptor) {
+    struct stat status {};
+    if (::fstat(descriptor, &status) == 0 && (status.st_mode & kPrivateFile) != kPrivateFile) {
+        [[maybe_unused]] const int ignored = ::fchmod(descriptor, kPrivateFile);
+    }
 }
 
 /// Whether `path` still leads to the file behind the descriptor.
@@ -206,6 +228,14 @@ fs::path expandTilde(std::string_view path) {
     return path;
 }
 
+bool isPlantedLink(const fs::path& path) {
+    struct stat link {};
+    struct stat directory {};
+    return ::lstat(path.c_str(), &link) == 0 && S_ISLNK(link.st_mode) && link.st_uid != ::geteuid() &&
+           ::stat(directoryOf(path).c_str(), &directory) == 0 && (directory.st_mode & S_IWOTH) != 0 &&
+           link.st_uid != directory.st_uid;
+}
+
 std::optional<std::string> readFile(const fs::path& path, std::size_t limit) {
     std::string content;
     return readInto(content, path, limit) ? std::nullopt : std::optional(std::move(content));
@@ -217,6 +247,15 @@ std::string requireFile(const fs::path& path, std::size_t limit) {
         throw fs::filesystem_error("cannot read", path, error);
     }
     return content;
+}
+
+std::optional<std::string> readToReplace(const fs::path& path, std::size_t limit) try {
+    return requireFile(path, limit);
+} catch (const fs::filesystem_error& error) {
+    if (error.code() != std::errc::no_such_file_or_directory) {
+        throw;
+    }
+    return std::nullopt;
 }
 
 std::optional<FileStamp> fileStamp(const fs::path& path) {
@@ -240,7 +279,9 @@ void createPrivateDirectories(const fs::path& directory) {
         return;
     }
     createPrivateDirectories(directory.parent_path() == directory ? fs::path() : directory.parent_path());
-    if (::mkdir(directory.c_str(), 0700) != 0 && errno != EEXIST) {
+    if (::mkdir(directory.c_str(), kPrivateDirectory) == 0) {
+        repairMode(directory);
+    } else if (errno != EEXIST) {
         fail("cannot create directory", directory);
     }
     if (!fs::is_directory(directory, error)) {
@@ -314,11 +355,12 @@ std::optional<FileLock> FileLock::acquire(const fs::path& path, std::chrono::mil
     for (;;) {
         // Opened anew for every try: whoever deletes the lock file must not leave us waiting at one that nobody else
         // will ever come to.
-        FileLock lock(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+        FileLock lock(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, kPrivateFile));
         if (lock.m_descriptor < 0) {
             error = lastError();
             return std::nullopt;
         }
+        repairMode(lock.m_descriptor);
         const bool granted = ::flock(lock.m_descriptor, LOCK_EX | LOCK_NB) == 0;
         const bool unsupported = !granted && errno != EWOULDBLOCK && errno != EINTR;
         if (unsupported || (granted && isNamed(path, lock.m_descriptor))) {

@@ -29,6 +29,10 @@ std::optional<std::string> readFile(const std::filesystem::path& path, std::size
 /// std::errc::no_such_file_or_directory for a missing file alone.
 std::string requireFile(const std::filesystem::path& path, std::size_t limit = 512U << 20U);
 
+/// The same for a caller who is going to replace what it has read: empty for a missing file alone, since whatever else
+/// cannot be read may hold something. Throws std::filesystem::filesystem_error for that.
+std::optional<std::string> readToReplace(const std::filesystem::path& path, std::size_t limit = 512U << 20U);
+
 /// Which content a path has, for who looks again and again: another one after the file was written to or replaced.
 struct FileStamp {
     std::uint64_t device = 0;
@@ -40,12 +44,16 @@ struct FileStamp {
 /// Follows links. Empty when there is nothing of that name, or nothing can be told about it.
 std::optional<FileStamp> fileStamp(const std::filesystem::path& path);
 
-/// Creates `directory` and its missing parents, the new ones with mode 0700. Throws std::filesystem::filesystem_error.
+/// Whether `path` is a link that a stranger left in a directory that everybody may write to. Nothing of ours is written
+/// through such a one, or somebody else would choose which of our files is overwritten.
+bool isPlantedLink(const std::filesystem::path& path);
+
+/// Creates `directory` and its missing parents, the new ones with mode 0700 whatever the umask. Throws std::filesystem::filesystem_error.
 void createPrivateDirectories(const std::filesystem::path& directory);
 
 /// Replaces the file's content as one step: temporary file in the same directory, flush, rename. A new file gets mode
 /// 0600, an existing one keeps its mode and, as far as we may set it, its owner; a symbolic link stays a link and its
-/// target is replaced. On failure throws std::filesystem::filesystem_error, and the old content stands.
+/// target is replaced, unless it is a planted one. On failure throws std::filesystem::filesystem_error, and the old content stands.
 void replaceFile(const std::filesystem::path& path, std::string_view content);
 
 struct Replacement {

@@ -101,6 +101,20 @@ void print(const std::vector<Variant>& variants, double share, const std::string
     }
 }
 
+/// For the table of bench/run: what each adds to the command, and what it takes of what comes after it.
+void printRows(const std::vector<Variant>& variants) {
+    const double alone = quantile(variants[1].milliseconds, 0.5);
+    for (std::size_t i = 2; i < variants.size() - 1; ++i) {
+        const double added = quantile(variants[i].milliseconds, 0.5) - alone;
+        fmt::print("= status line: {} | +{:.2f} ms | the command alone | {:.2f} ms | {:.2f}\n", variants[i].name, added,
+                   alone, added / alone);
+    }
+}
+
+fs::path ownDirectory() {
+    return fs::read_symlink("/proc/self/exe").parent_path();
+}
+
 void measure(const fs::path& relay, int runs, const std::string& command, const fs::path& home) {
     const nlohmann::json record = {{"installedAt", "2026-11-22T20:45:00Z"},
                                    {"originalStatusLine", {{"type", "command"}, {"command", command}}}};
@@ -112,6 +126,7 @@ void measure(const fs::path& relay, int runs, const std::string& command, const 
     std::vector<Variant> variants{
         {"sh -c 'cat >/dev/null'", {"/bin/sh", "-c", kCat}, limits},
         {"the command alone", {"/bin/sh", "-c", command}, limits},
+        {"behind an empty static program", {ownDirectory() / "start_shell", command}, limits},
         {"relay, nothing to store", {relay, "--chain"}, sampleInput(false)},
         {"relay, storing", {relay, "--chain"}, limits},
         {"relay, storing, started by a shell", {"/bin/sh", "-c", "'" + relay.string() + "' --chain"}, limits},
@@ -126,6 +141,7 @@ void measure(const fs::path& relay, int runs, const std::string& command, const 
         }
     }
     print(variants, 0.5, fmt::format("median of {}", runs));
+    printRows(variants);
     // Closer to what it costs where other work disturbs the runs.
     print(variants, 0.1, "fastest tenth");
     require(fs::file_size(home / "statusline.json") > 0, "nothing was stored");

@@ -21,9 +21,9 @@ TEST(WindowKindJson, hasOneKeyPerCase) {
         EXPECT_EQ(encode(kind).dump(), text);
         EXPECT_EQ(decodeWindowKind(json::parse(text)), kind);
     }
-    for (const char* text :
-         {R"({})", R"({"session":{},"week":{}})", R"({"session":{},"extra":1})", R"({"month":{}})", R"({"session":1})",
-          R"({"week":null})", R"({"weekModel":{}})", R"({"weekModel":{"_0":5}})", R"("session")", R"([])", R"(null)"}) {
+    for (const char* text : {R"({})", R"({"session":{},"week":{}})", R"({"session":{},"extra":1})", R"({"month":{}})",
+                             R"({"session":1})", R"({"week":null})", R"({"weekModel":{}})", R"({"weekModel":{"_0":5}})",
+                             R"({"weekModel":{"_0":""}})", R"("session")", R"([])", R"(null)"}) {
         EXPECT_THROW(decodeWindowKind(json::parse(text)), DecodingError) << text;
     }
 }

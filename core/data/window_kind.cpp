@@ -1,6 +1,7 @@
 #include "core/data/window_kind.hpp"
 
 #include <ostream>
+#include <utility>
 
 #include "core/support/json.hpp"
 
@@ -101,7 +102,11 @@ WindowKind decodeWindowKind(const nlohmann::json& value) {
         return WindowKind::week();
     }
     if (only.key() == "weekModel") {
-        return WindowKind::weekModel(decodeText(requireMember(only.value(), "_0")));
+        std::string model = decodeText(requireMember(only.value(), "_0"));
+        if (model.empty()) {
+            throw DecodingError("A model without a name has no key.");
+        }
+        return WindowKind::weekModel(std::move(model));
     }
     throw DecodingError("Invalid number of keys found, expected one.");
 }

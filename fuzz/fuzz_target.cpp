@@ -7,7 +7,6 @@
 #include <fstream>
 #include <stdexcept>
 
-#include "core/support/file.hpp"
 #include "core/support/text.hpp"
 
 namespace vorn::fuzz {
@@ -17,7 +16,7 @@ namespace {
 class ScratchDirectory {
 public:
     ScratchDirectory() {
-        std::string pattern = environmentValue("TMPDIR").value_or("/dev/shm") + "/vorn-fuzz.XXXXXX";
+        std::string pattern = (fs::temp_directory_path() / "vorn-fuzz.XXXXXX").string();
         if (::mkdtemp(pattern.data()) == nullptr) {
             throw std::runtime_error("cannot create a temporary directory");
         }

@@ -21,7 +21,8 @@ inline constexpr Instant kNow = std::chrono::sys_days{std::chrono::year{2026} / 
 void require(bool holds, const char* promise);
 void requireUtf8(std::string_view text);
 
-/// A place in this process's own directory, which is made in $TMPDIR or else in memory, and removed at the end.
+/// A place in this process's own directory, which is made where the system keeps temporary files (fuzz/run: in memory),
+/// and removed at the end.
 std::filesystem::path scratch(std::string_view name);
 /// Puts `content` in the file's place without ceremony.
 void writeFile(const std::filesystem::path& file, std::string_view content);

@@ -28,8 +28,8 @@ constexpr Instant instantSince1970(double seconds) {
 enum class Fraction : std::uint8_t { forbidden, optional, required };
 
 /// Reads an internet date-time ("2026-11-22T20:45:00.123Z", "…+01:00"): 'T', seconds and a zone (Z or an offset) are
-/// required, a fraction is a full stop and one or more digits. Empty for anything else, impossible dates and those before
-/// the year 0 or after 9999 in UTC included.
+/// required, a fraction is a full stop and one or more digits. Empty for anything else, impossible dates and those
+/// before the year 0 or after 9999 in UTC included.
 std::optional<Instant> parseIso8601(std::string_view text, Fraction fraction);
 
 /// "2026-11-22T20:45:00Z": whole seconds (rounded down), UTC. What lies beyond the years that the calendar can count

@@ -1,13 +1,17 @@
 # What `cmake --install` puts where: programs, manual pages, completions, and what a desktop shows of an application. On
 # macOS the application is a bundle with everything in it.
 include(GNUInstallDirs)
+if(VORN_APP AND APPLE)
+  set(CMAKE_INSTALL_DATADIR Vorn.app/Contents/Resources)
+  set(CMAKE_INSTALL_MANDIR Vorn.app/Contents/Resources/man)
+endif()
 
 # @NAMES@ in these files are filled in.
 function(vorn_configure input output)
   configure_file(${input} ${PROJECT_BINARY_DIR}/${output} @ONLY)
 endfunction()
 
-install(DIRECTORY packaging/licences/ DESTINATION ${CMAKE_INSTALL_DATADIR}/vorn/licences)
+install(DIRECTORY packaging/licences/ DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vorn/licences)
 install(FILES completions/vornctl.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME vornctl)
 install(FILES completions/_vornctl DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
 install(FILES completions/vornctl.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)

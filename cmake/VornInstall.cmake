@@ -39,8 +39,9 @@ if(VORN_APP AND APPLE)
   # Vorn.app: the application looks for the relay in Helpers, and so does vornctl beside it.
   set_target_properties(vorn PROPERTIES
     OUTPUT_NAME Vorn MACOSX_BUNDLE ON MACOSX_BUNDLE_INFO_PLIST ${PROJECT_BINARY_DIR}/macos/Info.plist)
-  target_sources(vorn PRIVATE packaging/macos/Vorn.icns)
-  set_source_files_properties(packaging/macos/Vorn.icns TARGET_DIRECTORY vorn PROPERTIES MACOSX_PACKAGE_LOCATION Resources)
+  set(icon ${PROJECT_SOURCE_DIR}/packaging/macos/Vorn.icns)
+  target_sources(vorn PRIVATE ${icon})
+  set_source_files_properties(${icon} TARGET_DIRECTORY vorn PROPERTIES MACOSX_PACKAGE_LOCATION Resources)
   install(TARGETS vorn BUNDLE DESTINATION .)
   install(TARGETS vornctl vorn-bridge DESTINATION Vorn.app/Contents/Helpers)
   return()

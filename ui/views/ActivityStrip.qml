@@ -144,6 +144,25 @@ Card {
                     return Math.max(1, Math.ceil(widest / Math.max(1, apart)));
                 }
 
+                function widthOf(index: int): real {
+                    return metrics.advanceWidth(strip.presenter.marks[index]?.text ?? "");
+                }
+                function centreOf(index: int): real {
+                    return Math.round((strip.presenter.marks[index]?.position ?? 0) * width);
+                }
+                /// Within the strip, at its ends too.
+                function leftOf(index: int): real {
+                    return Math.max(0, Math.min(centreOf(index) - widthOf(index) / 2, width - widthOf(index)));
+                }
+                /// Not where it is so near an end that it would be pushed against its neighbour.
+                function hasText(index: int): bool {
+                    const natural = centreOf(index) - widthOf(index) / 2;
+                    const left = leftOf(index);
+                    const before = index - step;
+                    const after = index + step;
+                    return !(left < natural && before >= 0 && leftOf(before) + widthOf(before) + Theme.sizes.gap > left) && !(left > natural && after < strip.presenter.marks.length && left + widthOf(index) + Theme.sizes.gap > leftOf(after));
+                }
+
                 y: bars.height + Theme.sizes.near
                 width: parent.width
                 height: Theme.sizes.caption + Theme.sizes.gap
@@ -163,7 +182,7 @@ Card {
                         required property int index
                         required property var modelData
 
-                        x: Math.round(modelData.position * marks.width)
+                        x: marks.centreOf(index)
                         visible: index % marks.step === 0
 
                         Rectangle {
@@ -174,7 +193,8 @@ Card {
                         }
 
                         Label {
-                            x: Math.max(-mark.x, Math.min(-implicitWidth / 2, marks.width - mark.x - implicitWidth))
+                            visible: marks.hasText(mark.index)
+                            x: marks.leftOf(mark.index) - mark.x
                             font.pixelSize: Theme.sizes.caption
                             color: Theme.colors.secondText
                             text: mark.modelData.text

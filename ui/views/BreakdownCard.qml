@@ -6,8 +6,9 @@ Card {
     id: card
 
     required property BreakdownPresenter presenter
-    readonly property bool isStacked: content.width < 600 * Theme.sizes.scale
+    readonly property bool isStacked: content.width < 840 * Theme.sizes.scale
     readonly property real half: isStacked ? content.width : (content.width - 2 * Theme.sizes.edge) / 2
+    readonly property int measuredColumns: isStacked && content.width >= 480 * Theme.sizes.scale ? 2 : 1
 
     implicitHeight: content.y + content.height + Theme.sizes.inset
     Accessible.role: Accessible.Grouping
@@ -71,16 +72,26 @@ Card {
                 Accessible.ignored: false
             }
 
-            RankedBars {
-                width: parent.width
-                title: qsTr("Projects")
-                shares: card.presenter.projects
-            }
+            Grid {
+                id: bars
 
-            RankedBars {
-                width: parent.width
-                title: qsTr("Model families")
-                shares: card.presenter.models
+                readonly property real each: (measured.width - (columns - 1) * columnSpacing) / columns
+
+                columns: card.measuredColumns
+                columnSpacing: Theme.sizes.edge
+                rowSpacing: measured.spacing
+
+                RankedBars {
+                    width: bars.each
+                    title: qsTr("Projects")
+                    shares: card.presenter.projects
+                }
+
+                RankedBars {
+                    width: bars.each
+                    title: qsTr("Model families")
+                    shares: card.presenter.models
+                }
             }
         }
 
@@ -142,6 +153,7 @@ Card {
                 Accessible.name: qsTr("Findings")
 
                 Label {
+                    width: parent.width
                     semibold: true
                     font.pixelSize: Theme.sizes.small
                     color: Theme.colors.secondText
@@ -170,7 +182,7 @@ Card {
                     id: skills
 
                     anchors.left: parent.left
-                    width: (parent.width - Theme.sizes.inset) / 2
+                    width: (parent.width - (card.isStacked ? Theme.sizes.edge : Theme.sizes.inset)) / 2
                     title: qsTr("Top skills")
                     shares: card.presenter.skills
                 }
@@ -179,7 +191,7 @@ Card {
                     id: subagents
 
                     anchors.right: parent.right
-                    width: (parent.width - Theme.sizes.inset) / 2
+                    width: (parent.width - (card.isStacked ? Theme.sizes.edge : Theme.sizes.inset)) / 2
                     title: qsTr("Top subagents")
                     shares: card.presenter.subagents
                 }

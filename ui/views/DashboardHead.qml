@@ -35,6 +35,20 @@ Item {
         ringSize: Math.round(64 * Theme.sizes.scale)
     }
 
+    Label {
+        anchors {
+            left: parent.left
+            leftMargin: Theme.sizes.edge
+            right: controls.left
+            verticalCenter: parent.verticalCenter
+        }
+        visible: !head.isReady
+        semibold: true
+        font.pixelSize: Theme.sizes.largeHead
+        elide: Text.ElideRight
+        text: qsTr("Dashboard")
+    }
+
     Column {
         id: left
 

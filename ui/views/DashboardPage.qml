@@ -64,13 +64,21 @@ Item {
         y: page.hasSide ? page.spacing : limits.y + limits.height + page.spacing
         columns: page.hasSide || page.isTiny ? 1 : 2
         spacing: page.spacing
+
+        // Two beside each other are equally high.
         SessionWeekCard {
+            id: sessionWeekCard
+
             width: side.cardWidth
+            height: side.columns === 2 ? Math.max(implicitHeight, resetsCard.implicitHeight) : implicitHeight
             presenter: page.sessionWeek
         }
 
         ResetsCard {
+            id: resetsCard
+
             width: side.cardWidth
+            height: side.columns === 2 ? Math.max(implicitHeight, sessionWeekCard.implicitHeight) : implicitHeight
             presenter: page.resets
         }
     }
@@ -84,6 +92,7 @@ Item {
         width: page.inner
         y: page.hasSide ? limits.y + page.under + page.spacing : side.y + side.height + page.spacing
         spacing: page.spacing
+
         ActivityStrip {
             width: parent.width
             presenter: page.activity

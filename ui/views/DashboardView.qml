@@ -25,7 +25,7 @@ FocusScope {
     readonly property bool isReady: freshness.phase === Phase.Ready
     readonly property real measure: width / Theme.sizes.scale
     readonly property bool isNarrow: measure < 920
-    readonly property bool isTiny: measure < 600
+    readonly property bool isTiny: measure < 640
     readonly property bool isWide: measure > 1400
     readonly property Item focused: Window.activeFocusItem
 
@@ -76,7 +76,9 @@ FocusScope {
         id: notice
 
         anchors.top: underHead.bottom
-        width: parent.width
+        // Its text begins where the cards do.
+        x: Theme.sizes.edge - Theme.sizes.inset
+        width: parent.width - 2 * x
         height: visible ? implicitHeight : 0
         visible: dashboard.isReady && dashboard.freshness.problem !== ""
         problem: dashboard.freshness.problem

@@ -17,7 +17,6 @@ Item {
 
         anchors.left: parent.left
         width: row.numberWidth
-        horizontalAlignment: Text.AlignRight
         medium: true
         text: row.finding.percent
         Accessible.ignored: true

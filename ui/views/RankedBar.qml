@@ -7,6 +7,8 @@ Item {
 
     required property rankedShare share
     required property real numberWidth
+    /// What a name of usual length takes; the bar gets the rest.
+    readonly property real nameWidth: 200 * Theme.sizes.scale
 
     implicitHeight: name.implicitHeight + Theme.sizes.tight
     Accessible.role: Accessible.ListItem
@@ -40,7 +42,7 @@ Item {
         anchors.rightMargin: row.numberWidth + Theme.sizes.gap
         anchors.verticalCenter: parent.verticalCenter
         visible: row.share.text !== ""
-        width: Math.round(parent.width * 0.28)
+        width: Math.round(Math.max(parent.width * 0.28, parent.width - row.nameWidth - row.numberWidth - 2 * Theme.sizes.gap))
         height: Theme.sizes.bar
         radius: Theme.sizes.near / 2
         color: Theme.colors.track

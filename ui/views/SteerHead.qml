@@ -61,7 +61,8 @@ Item {
             width: parent.width
             semibold: true
             font.pixelSize: head.headlineSize
-            text: head.steer.headline
+            // A dash does not begin a line.
+            text: head.steer.headline.replace(" —", "\u00a0—")
         }
 
         Item {

@@ -8,7 +8,7 @@ Item {
     required property string label
     required property string value
 
-    implicitHeight: name.implicitHeight
+    implicitHeight: name.height
     Accessible.role: Accessible.StaticText
     Accessible.name: label + " " + value
 
@@ -17,7 +17,7 @@ Item {
 
         anchors.left: parent.left
         width: parent.width - amount.implicitWidth - Theme.sizes.gap
-        elide: Text.ElideRight
+        wrapMode: Text.Wrap
         color: Theme.colors.secondText
         text: row.label
         Accessible.ignored: true

@@ -68,7 +68,9 @@ std::string amount(double weight) {
     return weight >= kThousand ? number(weight / kThousand, 0) + "k" : number(weight, 0);
 }
 
-QString nothingText(const UsageModel& model) {
+}  // namespace
+
+QString whyNoActivity(const UsageModel& model) {
     if (!model.isDemo() && !model.preferences().useLocalActivity()) {
         return "Local activity is switched off in the settings.";
     }
@@ -78,10 +80,8 @@ QString nothingText(const UsageModel& model) {
     return {};
 }
 
-}  // namespace
-
 ActivityPresenter::Content activityContent(const UsageModel& model, ActivityPresenter::Span span) {
-    ActivityPresenter::Content content{.nothing = nothingText(model)};
+    ActivityPresenter::Content content{.nothing = whyNoActivity(model)};
     if (!content.nothing.isEmpty()) {
         return content;
     }
@@ -163,7 +163,7 @@ QString ActivityPresenter::describe(int bar) const {
 void ActivityPresenter::passTime() {
     const Seconds passed = m_model.now() - m_content.latest;
     const bool isCurrent = !m_content.buckets.empty() && passed >= Seconds{0} && passed < m_content.width;
-    if (!isCurrent || nothingText(m_model) != m_content.nothing) {
+    if (!isCurrent || whyNoActivity(m_model) != m_content.nothing) {
         update();
     }
 }

@@ -85,6 +85,9 @@ private:
     Content m_content;
 };
 
+/// Why there is no local activity to show, whatever was done; empty when there may be some.
+QString whyNoActivity(const UsageModel& model);
+
 ActivityPresenter::Content activityContent(const UsageModel& model, ActivityPresenter::Span span);
 
 }  // namespace vorn

@@ -4,9 +4,9 @@
 #include <cmath>
 #include <utility>
 
-#include "app/model/preferences.hpp"
 #include "app/model/usage_model.hpp"
 #include "ui/format/format.hpp"
+#include "ui/views/activity_presenter.hpp"
 #include "ui/views/window_card_content.hpp"
 
 namespace vorn {
@@ -77,10 +77,6 @@ QString headingOf(const UsageInsights::Period& period) {
     add(period.requests, "request");
     add(period.sessions, "session");
     return heading;
-}
-
-bool isOff(const UsageModel& model) {
-    return !model.isDemo() && !model.preferences().useLocalActivity();
 }
 
 }  // namespace
@@ -170,8 +166,8 @@ void BreakdownPresenter::update() {
     }
     const Instant now = m_model.now();
     Measured measured = m_measured;
-    if (isOff(m_model)) {
-        measured = {.nothing = "Local activity is switched off in the settings."};
+    if (const QString nothing = whyNoActivity(m_model); !nothing.isEmpty()) {
+        measured = {.nothing = nothing};
         m_measuredAt.reset();
     } else if (!m_measuredAt || now < *m_measuredAt || now - *m_measuredAt >= kSlide) {
         measured = measuredBreakdown(m_model.activity(), now - lengthOf(m_period));

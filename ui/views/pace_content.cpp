@@ -72,7 +72,7 @@ PaceContent paceContent(const WindowAssessment& assessment, const std::vector<Ra
         const double projected = isLimited ? window.usedPercent : *assessment.projectedAtReset;
         pace.projected = leftToRight(Format::percent(projected)) + " · " +
                          leftToRight(Format::percent(assessment.unusedAtReset().value_or(0))) + " unused";
-        pace.isProjectedOver = *assessment.projectedAtReset >= kLimitPercent;
+        pace.isProjectedOver = !isLimited && projected >= kLimitPercent;
     }
     if (assessment.timeToReset && window.resetsAt) {
         pace.resets = "in " + leftToRight(Format::duration(*assessment.timeToReset)) + " · " +

@@ -18,6 +18,11 @@ void addNowOption(CLI::App& command, std::optional<Instant>& now) {
         ->type_name("INSTANT");
 }
 
+void addRootOption(CLI::App& command, std::string& configDirectory) {
+    command.add_option("--root", configDirectory, "Claude Code's configuration directory, if another")
+        ->type_name("DIR");
+}
+
 CLI::Option* addSpanOption(CLI::App& command, const std::string& names, Seconds& span, const std::string& description) {
     return command
         .add_option_function<std::string>(

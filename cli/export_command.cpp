@@ -1,9 +1,14 @@
 #include <iostream>
 #include <memory>
+#include <sstream>
 #include <system_error>
+
+#include <unistd.h>
 
 #include "cli/argument_checks.hpp"
 #include "cli/commands.hpp"
+#include "cli/terminal.hpp"
+#include "cli/transcripts.hpp"
 #include "core/data/history_file.hpp"
 #include "core/data/vorn_paths.hpp"
 #include "core/sources/activity_summary.hpp"
@@ -22,6 +27,8 @@ struct ExportArguments {
     std::string format = "csv";
     Seconds since = 7 * 24h;
     std::string output;
+    std::string configDirectory;
+    std::optional<Instant> now;
 
     [[nodiscard]] ExportFormat form() const { return format == "json" ? ExportFormat::json : ExportFormat::csv; }
 };
@@ -33,17 +40,33 @@ std::string historyTable(const ExportArguments& arguments, Instant now) {
 }
 
 std::string activityTable(const ExportArguments& arguments, Instant now) {
-    LocalActivityScanner scanner(LocalActivityScanner::defaultRoot(), arguments.since);
-    const ActivitySummary activity(scanner.scan(now));
+    LocalActivityScanner scanner(transcriptsIn(arguments.configDirectory), arguments.since);
+    const ActivitySummary activity(scanAtTerminal(scanner, now));
     return exportActivity(activity.events(now - arguments.since, now + kClockSlack), arguments.form());
 }
 
-int writeTable(const ExportArguments& arguments) {
-    const Instant now = systemNow();
-    const std::string table =
-        arguments.what == "history" ? historyTable(arguments, now) : activityTable(arguments, now);
-    if (arguments.output.empty() || arguments.output == "-") {
+/// A file gets what is there. At a terminal a name from outside must not steer it.
+void print(const std::string& table) {
+    if (!describeTerminal(STDOUT_FILENO).interactive) {
         std::cout << table;
+        return;
+    }
+    std::istringstream lines(table);
+    for (std::string line; std::getline(lines, line);) {
+        std::cout << printable(line) << "\n";
+    }
+}
+
+int writeTable(const ExportArguments& arguments) {
+    const Instant now = arguments.now.value_or(systemNow());
+    const bool isHistory = arguments.what == "history";
+    // A table that was there before stays when there is nothing to replace it with.
+    if (!isHistory && !tellWhetherThereAre(transcriptsIn(arguments.configDirectory))) {
+        return kFailed;
+    }
+    const std::string table = isHistory ? historyTable(arguments, now) : activityTable(arguments, now);
+    if (arguments.output.empty() || arguments.output == "-") {
+        print(table);
         return kDone;
     }
     try {
@@ -68,6 +91,8 @@ void addExportCommand(CLI::App& app, CommandContext& context) {
         ->check(CLI::IsMember({"csv", "json"}))
         ->type_name("FORMAT");
     addSpanOption(*command, "--since", arguments->since, "How far back to look (default 7d)");
+    addRootOption(*command, arguments->configDirectory);
+    addNowOption(*command, arguments->now);
     command->add_option("--output", arguments->output, "Replace this file instead of printing")->type_name("FILE");
     command->callback([arguments, &context] { context.exitStatus = writeTable(*arguments); });
 }

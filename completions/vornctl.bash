@@ -75,7 +75,7 @@ _vornctl() {
             _vornctl_offer '--claude --probe --no-probe --rates --json --format --demo --demo-if-empty --now --watch
                 --help' "$current" ;;
         activity) _vornctl_offer '--since --root --now --json --help' "$current" ;;
-        export) _vornctl_offer 'history activity --format --since --output --help' "$current" ;;
+        export) _vornctl_offer 'history activity --format --since --root --now --output --help' "$current" ;;
         plan) _vornctl_offer 'add remove list bank redeem --help' "$current" ;;
         'help plan') _vornctl_offer 'add remove list bank redeem' "$current" ;;
         'plan add') _vornctl_offer '--scope --note --help' "$current" ;;

@@ -72,6 +72,8 @@ set -l in_export '__vornctl_in export'
 complete -c vornctl -n '__vornctl_at export' -a 'history activity'
 complete -c vornctl -n $in_export -l format -x -a 'csv json' -d 'How to write it'
 complete -c vornctl -n $in_export -l since -x -a '1h 5h 24h 7d' -d 'How far back to look'
+complete -c vornctl -n $in_export -l root -x -a '(__fish_complete_directories)' -d "Claude Code's configuration directory"
+complete -c vornctl -n $in_export -l now -x -d 'Take this moment as now'
 complete -c vornctl -n $in_export -l output -rF -d 'Replace this file instead of printing'
 
 for at in plan 'help plan'

@@ -601,6 +601,22 @@ TEST_F(VornctlTest, TellsWhatWasDoneHere) {
     EXPECT_THAT(missing.standardError, HasSubstr("there are no transcripts in " + (m_dir / "none/projects").string()));
     fs::create_directories(m_dir / "quiet/projects");
     EXPECT_THAT(report("--root " + (m_dir / "quiet").string()).standardOutput, HasSubstr("Nothing found in "));
+
+    const auto table = [&](const std::string& options) {
+        return run("export activity --now " + kNow + " " + options);
+    };
+    EXPECT_THAT(table("--since 1h").standardOutput,
+                AllOf(StartsWith("time"), HasSubstr("\n2026-11-22T20:30:00.000Z,"), Not(HasSubstr("beta"))));
+    EXPECT_EQ(json::parse(table("--format json").standardOutput).size(), 3U);
+    EXPECT_EQ(table("--format json --root " + (m_dir / "quiet").string()).standardOutput, "[]\n");
+    const std::string file = (m_dir / "table.csv").string();
+    EXPECT_EQ(table("--output " + file).status, 0);
+    const std::string written = readAll(file);
+    EXPECT_THAT(written, HasSubstr(",beta,"));
+    const ProcessResult none = table("--output " + file + " --root " + (m_dir / "none").string());
+    EXPECT_EQ(none.status, 1);
+    EXPECT_EQ(none.standardError, missing.standardError);
+    EXPECT_EQ(readAll(file), written) << "not replaced by nothing";
     EXPECT_EQ(home(false).size(), 1U);
 }
 
@@ -674,6 +690,16 @@ private:
     pid_t m_pid = -1;
     std::string m_drawn;
 };
+
+TEST_F(VornctlTest, ExportsNothingThatSteersATerminal) {
+    m_dir.write("home/claude/projects/a/s.jsonl",
+                R"({"type":"assistant","timestamp":"2026-11-22T20:30:00.000Z","cwd":"/p/\u001b[31malpha",)"
+                R"("requestId":"r","message":{"id":"m","model":"claude","usage":{"input_tokens":1}}})"
+                "\n");
+    PseudoTerminal terminal("export activity --now " + kNow, m_environment, 80, 24);
+    EXPECT_EQ(terminal.end(), 0);
+    EXPECT_THAT(terminal.drawn(), AllOf(HasSubstr("Z,[31malpha,claude,1,"), Not(HasSubstr("\x1b"))));
+}
 
 TEST_F(VornctlTest, ColoursATerminalUnlessAskedNotTo) {
     const std::string line = "status --demo limited --now " + kNow;

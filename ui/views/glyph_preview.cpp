@@ -17,6 +17,10 @@ QImage inPoints(QImage image, double pixelRatio) {
 
 }  // namespace
 
+GlyphPreview::GlyphPreview(QQuickItem* parent) : PaintedItem(parent) {
+    connect(this, &GlyphPreview::changed, this, &GlyphPreview::fitSize);
+}
+
 void GlyphPreview::setGlyph(LiveGlyph* glyph) {
     if (m_glyph == glyph) {
         return;
@@ -26,9 +30,8 @@ void GlyphPreview::setGlyph(LiveGlyph* glyph) {
     }
     m_glyph = glyph;
     if (m_glyph) {
-        connect(m_glyph, &LiveGlyph::changed, this, &GlyphPreview::refresh);
+        connect(m_glyph, &LiveGlyph::changed, this, &GlyphPreview::changed);
     }
-    refresh();
     emit changed();
 }
 
@@ -59,7 +62,7 @@ MenuBarGlyph::Look GlyphPreview::look() const {
     return look;
 }
 
-void GlyphPreview::refresh() {
+void GlyphPreview::fitSize() {
     if (!m_glyph) {
         return;
     }
@@ -70,7 +73,6 @@ void GlyphPreview::refresh() {
         width = image.width();
     }
     setImplicitSize(std::ceil(width), m_side);
-    update();
 }
 
 void GlyphPreview::paint(QPainter* painter) {

@@ -14,9 +14,9 @@ class GlyphPreview : public vorn::PaintedItem {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(vorn::LiveGlyph* glyph READ glyph WRITE setGlyph NOTIFY changed FINAL)
-    Q_PROPERTY(Content content READ content WRITE setContent NOTIFY changed FINAL)
-    Q_PROPERTY(int style READ style WRITE setStyle NOTIFY changed FINAL)
-    Q_PROPERTY(double side READ side WRITE setSide NOTIFY changed FINAL)
+    Q_PROPERTY(Content content MEMBER m_content NOTIFY changed FINAL)
+    Q_PROPERTY(int style MEMBER m_style NOTIFY changed FINAL)
+    Q_PROPERTY(double side MEMBER m_side NOTIFY changed FINAL)
 
 public:
     enum Content : int {
@@ -26,39 +26,22 @@ public:
     };
     Q_ENUM(Content)
 
-    using PaintedItem::PaintedItem;
+    explicit GlyphPreview(QQuickItem* parent = nullptr);
 
     [[nodiscard]] LiveGlyph* glyph() const { return m_glyph; }
-    [[nodiscard]] Content content() const { return m_content; }
-    /// In the order of `kAllGlyphStyles`.
-    [[nodiscard]] int style() const { return m_style; }
-    [[nodiscard]] double side() const { return m_side; }
     void setGlyph(LiveGlyph* glyph);
-    void setContent(Content content) { set(m_content, content); }
-    void setStyle(int style) { set(m_style, style); }
-    void setSide(double points) { set(m_side, points); }
 
     void paint(QPainter* painter) override;
 
-signals:
-    void changed();
-
 private:
-    template <typename T>
-    void set(T& member, T value) {
-        if (change(member, value)) {
-            refresh();
-            emit changed();
-        }
-    }
-    void refresh();
+    void fitSize();
     [[nodiscard]] const std::vector<MenuBarPart>& parts() const;
     [[nodiscard]] MenuBarGlyph::Look look() const;
     [[nodiscard]] bool isStrip() const;
 
     QPointer<LiveGlyph> m_glyph;
     Content m_content = Items;
-    int m_style = 0;
+    int m_style = 0;  ///< In the order of `kAllGlyphStyles`.
     double m_side = 22;
 };
 

@@ -138,12 +138,6 @@ QPainterPath strokes(Icon::Symbol symbol) {
 
 }  // namespace
 
-void Icon::setSymbol(Symbol symbol) {
-    if (change(m_symbol, symbol)) {
-        emit symbolChanged();
-    }
-}
-
 void Icon::paint(QPainter* painter) {
     constexpr double kBox = 16;
     constexpr double kLine = 1.5;

@@ -10,7 +10,7 @@ namespace vorn {
 class Icon : public vorn::PaintedItem {
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(Symbol symbol READ symbol WRITE setSymbol NOTIFY symbolChanged FINAL)
+    Q_PROPERTY(Symbol symbol MEMBER m_symbol NOTIFY changed FINAL)
 
 public:
     enum Symbol : int {
@@ -38,13 +38,7 @@ public:
 
     using PaintedItem::PaintedItem;
 
-    [[nodiscard]] Symbol symbol() const { return m_symbol; }
-    void setSymbol(Symbol symbol);
-
     void paint(QPainter* painter) override;
-
-signals:
-    void symbolChanged();
 
 private:
     Symbol m_symbol = Refresh;

@@ -4,11 +4,8 @@ namespace vorn {
 
 PaintedItem::PaintedItem(QQuickItem* parent) : QQuickPaintedItem(parent) {
     setAntialiasing(true);
-}
-
-void PaintedItem::setColor(const QColor& color) {
-    if (change(m_color, color)) {
-        emit colorChanged();
+    for (const auto signal : {&PaintedItem::colorChanged, &PaintedItem::changed}) {
+        connect(this, signal, this, [this] { update(); });
     }
 }
 

@@ -7,30 +7,6 @@
 
 namespace vorn {
 
-void RingItem::setUsed(double percent) {
-    if (change(m_used, percent)) {
-        emit changed();
-    }
-}
-
-void RingItem::setSegmented(bool segmented) {
-    if (change(m_segmented, segmented)) {
-        emit changed();
-    }
-}
-
-void RingItem::setMark(Mark mark) {
-    if (change(m_mark, mark)) {
-        emit changed();
-    }
-}
-
-void RingItem::setAngle(double degrees) {
-    if (change(m_angle, degrees)) {
-        emit changed();
-    }
-}
-
 void RingItem::paint(QPainter* painter) {
     DayRing::Ring ring{.side = std::min(width(), height()), .segmented = m_segmented};
     if (m_used >= 0) {

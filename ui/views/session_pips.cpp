@@ -16,7 +16,7 @@ constexpr double kRadius = 0.18;
 }  // namespace
 
 SessionPips::SessionPips(QQuickItem* parent) : PaintedItem(parent) {
-    fitHeight();
+    connect(this, &SessionPips::changed, this, &SessionPips::fitHeight);
 }
 
 void SessionPips::fitHeight() {

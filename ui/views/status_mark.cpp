@@ -28,12 +28,6 @@ QPainterPath shape(VornStatus status) {
 
 }  // namespace
 
-void StatusMark::setStatus(StatusForViews::Status status) {
-    if (change(m_status, status)) {
-        emit statusChanged();
-    }
-}
-
 void StatusMark::paint(QPainter* painter) {
     constexpr double kBox = 10;
     painter->setRenderHint(QPainter::Antialiasing);

@@ -11,18 +11,12 @@ namespace vorn {
 class StatusMark : public vorn::PaintedItem {
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(vorn::StatusForViews::Status status READ status WRITE setStatus NOTIFY statusChanged FINAL)
+    Q_PROPERTY(vorn::StatusForViews::Status status MEMBER m_status NOTIFY changed FINAL)
 
 public:
     using PaintedItem::PaintedItem;
 
-    [[nodiscard]] StatusForViews::Status status() const { return m_status; }
-    void setStatus(StatusForViews::Status status);
-
     void paint(QPainter* painter) override;
-
-signals:
-    void statusChanged();
 
 private:
     StatusForViews::Status m_status = StatusForViews::Comfortable;

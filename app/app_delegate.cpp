@@ -5,7 +5,6 @@
 #include <QFileDialog>
 #include <QMessageBox>
 #include <QSettings>
-#include <algorithm>
 #include <chrono>
 #include <cstdio>
 
@@ -15,6 +14,7 @@
 #include "core/sources/status_line_connection.hpp"
 #include "core/support/file.hpp"
 #include "platform/memory.hpp"
+#include "ui/glyph/tray_look.hpp"
 
 namespace vorn {
 namespace {
@@ -24,30 +24,13 @@ constexpr std::chrono::seconds kHostPatience{20};
 /// By then everything was read and drawn once, with memory and library code that is not needed again.
 constexpr std::chrono::seconds kSettled{60};
 
-MenuBarGlyph::Palette palette(const DesktopAppearance& appearance, bool onDarkPanel) {
-    if (appearance.highContrast()) {
-        return MenuBarGlyph::Palette::highContrast(onDarkPanel);
-    }
-    return onDarkPanel ? MenuBarGlyph::Palette::onDark() : MenuBarGlyph::Palette::onLight();
-}
-
-WindowPlaceStore placeOfDashboard(Preferences& preferences) {
-    const QString name = QStringLiteral("dashboard");
+WindowPlaceStore placeOf(Preferences& preferences, const QString& name) {
     return {.load = [&preferences, name]() -> WindowPlace {
                 return {.rect = preferences.windowPlace(name), .isMaximized = preferences.isWindowMaximized(name)};
             },
             .save =
                 [&preferences, name](const WindowPlace& place) {
                     preferences.setWindowPlace(name, place.rect, place.isMaximized);
-                }};
-}
-
-SettingsWindow::Place placeOfSettings(Preferences& preferences) {
-    const QString name = QStringLiteral("settings");
-    return {.load = [&preferences, name] { return preferences.windowPlace(name); },
-            .save =
-                [&preferences, name](const QRect& place) {
-                    preferences.setWindowPlace(name, place);
                 }};
 }
 
@@ -58,18 +41,10 @@ void tell(const QString& text) {
     box->open();
 }
 
-bool isRing(MenuBarItem item) {
-    return item == MenuBarItem::tightestRing || item == MenuBarItem::sessionRing || item == MenuBarItem::weekRing;
-}
-
 /// The items that get a cell or a place in the strip.
 std::vector<MenuBarItem> shownItems(const Preferences& preferences) {
-    std::vector<MenuBarItem> items = preferences.menuBarItems();
-    if (!StatusItem::hasCells() || preferences.trayCells() == TrayCells::perItem) {
-        return items;
-    }
-    const auto ring = std::ranges::find_if(items, isRing);
-    return {ring == items.end() ? MenuBarItem::tightestRing : *ring};
+    const bool hasSingle = StatusItem::hasCells() && preferences.trayCells() == TrayCells::singleRing;
+    return hasSingle ? singleRing(preferences.menuBarItems()) : preferences.menuBarItems();
 }
 
 }  // namespace
@@ -89,7 +64,7 @@ AppDelegate::AppDelegate(std::optional<demo::Scenario> demo)
       m_hotKey(HotKey::system()),
       m_viewEngine(*m_appearance),
       m_popover(*m_model, m_viewEngine),
-      m_dashboard(*m_model, m_viewEngine, placeOfDashboard(m_preferences)),
+      m_dashboard(*m_model, m_viewEngine, placeOf(m_preferences, "dashboard")),
       m_settings({.preferences = m_preferences,
                   .integrations = m_integrations,
                   .model = *m_model,
@@ -98,11 +73,11 @@ AppDelegate::AppDelegate(std::optional<demo::Scenario> demo)
                   .appearance = *m_appearance,
                   .panel = *m_panelBrightness,
                   .hasCells = StatusItem::hasCells(),
-                  .place = placeOfSettings(m_preferences)},
+                  .place = placeOf(m_preferences, "settings")},
                  m_viewEngine) {
     if (demo) {
         m_preferences.detachFromStore();
-        m_integrations.setReadOnly(tr("This is a demonstration: nothing is connected or changed."));
+        m_integrations.setReadOnly(Integrations::demonstration());
     }
 }
 
@@ -166,7 +141,6 @@ void AppDelegate::connectWindows() {
     connect(&m_dashboard, &DashboardWindow::chooseClaudeRequested, this, &AppDelegate::chooseClaude);
     connect(&m_dashboard, &DashboardWindow::exportRequested, this, &AppDelegate::chooseExport);
     connect(&m_settings, &SettingsWindow::chooseClaudeRequested, this, &AppDelegate::chooseClaude);
-    connect(&m_settings, &SettingsWindow::opened, &m_integrations, &Integrations::refresh);
 }
 
 void AppDelegate::connectDesktop() {
@@ -235,9 +209,7 @@ void AppDelegate::evaluateNotices() {
 
 AppDelegate::Shown AppDelegate::wantedStatus() const {
     return {.parts = MenuBarGlyph::parts(shownItems(m_preferences), *m_model),
-            .look = {.style = m_preferences.glyphStyle(),
-                     .tint = m_preferences.colorWhenAtRisk(),
-                     .palette = palette(*m_appearance, m_panelBrightness->isDark())},
+            .look = trayLook(m_preferences, *m_appearance, *m_panelBrightness),
             .toolTip = toolTip(*m_model)};
 }
 

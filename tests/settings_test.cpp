@@ -19,11 +19,14 @@
 
 #include "app/model/integrations.hpp"
 #include "core/sources/probe_error.hpp"
+#include "core/support/executable_path.hpp"
+#include "core/support/file.hpp"
 #include "platform/desktop_appearance.hpp"
 #include "platform/hot_key.hpp"
 #include "platform/login_item.hpp"
 #include "platform/notification_center.hpp"
 #include "platform/panel_brightness.hpp"
+#include "tests/support/qt_warnings.hpp"
 #include "tests/support/view_states.hpp"
 #include "ui/views/claude_finder.hpp"
 #include "ui/views/settings_pages.hpp"
@@ -38,14 +41,8 @@ namespace {
 
 using Page = SettingsWindow::Page;
 using test::ViewState;
-
-/// Everything that Qt or QML complained about.
-std::vector<std::string> warnings;  // NOLINT: message handlers know nothing but what is global
-void takeWarning(QtMsgType type, const QMessageLogContext&, const QString& text) {
-    if (type != QtDebugMsg && type != QtInfoMsg && !text.startsWith("This plugin does not support")) {
-        warnings.push_back(text.toStdString());
-    }
-}
+using test::Warnings;
+using testing::HasSubstr;
 
 class FakeLoginItem : public LoginItem {
 public:
@@ -79,8 +76,11 @@ public:
     std::vector<std::string> posted;
 };
 
-/// All that the settings show and change, in a home directory of its own.
+/// All that the settings show and change, in a home directory of its own. `hasParts`: a login item and notices.
 struct World {
+    explicit World(bool hasParts = true) : has(hasParts) {}
+
+    bool has;
     test::TemporaryDirectory home;
     test::ScopedEnvironment homeVariable{"HOME", home.path().c_str()};
     test::ScopedEnvironment configuration{"CLAUDE_CONFIG_DIR", ""};
@@ -90,25 +90,25 @@ struct World {
     Integrations integrations{StatusLineIntegration({.settings = home.path() / ".claude/settings.json",
                                                      .record = home.path() / "record.json",
                                                      .bridge = home.path() / "bin/vorn-bridge"}),
-                              &loginItem};
+                              has ? &loginItem : nullptr};
     FakeHotKey hotKey;
     FakeNotices notices;
     DesktopAppearance appearance;
     PanelBrightness panel{appearance};
-    QRect place;
+    WindowPlace place;
 
     SettingsWindow::Deps deps() {
         return {.preferences = *state.preferences,
                 .integrations = integrations,
                 .model = *state.model,
-                .notifications = &notices,
+                .notifications = has ? &notices : nullptr,
                 .hotKey = hotKey,
                 .appearance = appearance,
                 .panel = panel,
                 .place = {.load = [this] { return place; },
                           .save =
-                              [this](const QRect& rect) {
-                                  place = rect;
+                              [this](const WindowPlace& last) {
+                                  place = last;
                               }}};
     }
     /// What the store holds.
@@ -139,6 +139,7 @@ void keepPictures(const std::vector<QImage>& pages, const std::string& name) {
 }
 
 void expectPictures(World& world, const std::string& name, double pixelRatio = 2) {
+    const Warnings warnings;
     ClaudeFinder finder;
     ViewEngine engine(world.appearance);
     const auto hold = engine.hold();
@@ -152,8 +153,7 @@ void expectPictures(World& world, const std::string& name, double pixelRatio = 2
         EXPECT_GT(pictures.back().width(), 500);
     }
     keepPictures(pictures, name);
-    EXPECT_THAT(warnings, testing::IsEmpty()) << name;
-    warnings.clear();
+    EXPECT_THAT(Warnings::texts(), testing::IsEmpty()) << name;
 }
 
 /// Texts as long as they become in other languages.
@@ -265,6 +265,7 @@ TEST(SettingsView, ShowsEveryStateWithoutAWarning) {
 }
 
 TEST(SettingsView, IsAmongTheSnapshots) {
+    const Warnings warnings;
     World world;
     world.state.preferences->setClaudePathOverride(world.makeClaude("echo 2.1.330"));
     ASSERT_EQ(renderSnapshots({.model = *world.state.model, .directory = world.home / "pictures"}), 0);
@@ -274,16 +275,46 @@ TEST(SettingsView, IsAmongTheSnapshots) {
             EXPECT_FALSE(QImage(QString::fromStdString(world.home / file)).isNull()) << file;
         }
     }
-    EXPECT_THAT(warnings, testing::IsEmpty());
+    EXPECT_THAT(Warnings::texts(), testing::IsEmpty());
+}
+
+TEST(SettingsPresenter, SaysWhatTheSystemLacks) {
+    World world(false);
+    SettingsPresenter settings(world.deps());
+    EXPECT_FALSE(settings.canLaunchAtLogin());
+    EXPECT_EQ(settings.loginText(), "This system cannot start Vorn: it is not installed as an application.");
+    EXPECT_EQ(settings.noticeProblem(),
+              "This system shows Vorn's notifications only when it is installed as an application.");
+    settings.sendTest();
+    EXPECT_EQ(settings.testText(), "");
+
+    const test::ScopedEnvironment path("PATH", "/nowhere");
+    ClaudeFinder finder;
+    const ClaudePresenter::Sources sources{
+        .model = *world.state.model, .integrations = world.integrations, .finder = finder};
+    const ClaudePresenter claude(sources);
+    EXPECT_EQ(claude.executable(), "Looking for claude…");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !finder.finding().isSearching; }, 10'000));
+    EXPECT_EQ(claude.executable(), "claude was not found");
+    EXPECT_EQ(claude.executableProblem(), "Install Claude Code, or choose its executable.");
+    world.state.probe(std::string("claude /usage failed: error: unknown option '--safe-mode'\nusage: claude"));
+    EXPECT_TRUE(claude.hasCheckFailed());
+    EXPECT_THAT(claude.checkResult().toStdString(),
+                testing::MatchesRegex("Asked 12:00: .*safe-mode'\nThis .* update it to 2.1.170 .*"));
+
+    EXPECT_EQ(claudeContent(sources, {}).activityText, "Reading…");
+    EXPECT_EQ(claudeContent(sources, {.replies = 1, .projects = 1}).activityText, "1 reply in 1 project");
+    EXPECT_EQ(claudeContent(sources, {.replies = 1234, .projects = 5}).activityText, "1,234 replies in 5 projects");
+    world.state.preferences->setUseLocalActivity(false);
+    EXPECT_EQ(claude.activityText(), "Not read while this is off");
 }
 
 /// The window on a screen, driven as people do.
 class SettingsWindowTest : public testing::Test {
 protected:
-    void SetUp() override { warnings.clear(); }
     void TearDown() override {
         m_window.close();
-        EXPECT_THAT(warnings, testing::IsEmpty());
+        EXPECT_THAT(Warnings::texts(), testing::IsEmpty());
     }
 
     void open(Page page) {
@@ -367,6 +398,7 @@ protected:
         return text;
     }
 
+    Warnings m_warnings;
     World m_world;
     ViewEngine m_engine{m_world.appearance, std::chrono::milliseconds(0)};
     SettingsWindow m_window{m_world.deps(), m_engine};
@@ -406,7 +438,11 @@ TEST_F(SettingsWindowTest, ChoosesAmongSeveral) {
     press(Qt::Key_Down);
     EXPECT_EQ(m_world.stored()->refreshMinutes(), 10);
     press(Qt::Key_Home);
-    EXPECT_EQ(m_world.stored()->refreshMinutes(), 1);
+    for (const double minutes : {1, 2, 5, 10, 15, 30, 30}) {
+        EXPECT_EQ(m_world.stored()->refreshMinutes(), minutes);
+        press(Qt::Key_Down);
+    }
+    press(Qt::Key_Home);
     press(Qt::Key_Space);
     ASSERT_TRUE(find("30 min"));
     EXPECT_FALSE(find("7 min")) << "offered only while it is chosen";
@@ -425,18 +461,31 @@ TEST_F(SettingsWindowTest, ChoosesAmongSeveral) {
     EXPECT_EQ(m_world.stored()->trayCells(), TrayCells::perItem);
 
     open(Page::menuBar);
-    click("Usage");
-    EXPECT_EQ(m_world.stored()->glyphStyle(), GlyphStyle::usage);
+    for (const GlyphStyle style : kAllGlyphStyles) {
+        click(title(style));
+        EXPECT_EQ(m_world.stored()->glyphStyle(), style);
+        const auto* const spoken = QAccessible::queryAccessibleInterface(find(title(style)));
+        EXPECT_EQ(spoken->text(QAccessible::Description), QString::fromUtf8(description(style)));
+    }
     focus("Usage");
+    press(Qt::Key_Space);
     press(Qt::Key_Right);
     EXPECT_EQ(m_world.stored()->glyphStyle(), GlyphStyle::steer);
     EXPECT_EQ(focused(), "Pace direction");
 }
 
 TEST_F(SettingsWindowTest, OrdersTheItemsByKeyboardArrowsAndMouse) {
+    m_world.state.probe(
+        UsageCommandParser::Result{.windows = {test::reading(WindowKind::session(), 38, std::chrono::hours(2)),
+                                               test::reading(WindowKind::week(), 41, std::chrono::hours(80))}});
     open(Page::menuBar);
+    const auto picture = [this] {
+        return said().substr(said().find("Now: "));
+    };
+    EXPECT_THAT(picture(), testing::StartsWith("Now: Week, 38%\n"));
     focus("Session %");
     press(Qt::Key_Up, Qt::AltModifier);
+    EXPECT_THAT(picture(), testing::StartsWith("Now: 38%, Week\n")) << "the picture follows at once";
     EXPECT_EQ(storedLayout(3), "sessionPercent tightestRing -sessionRing");
     EXPECT_EQ(focused(), "Session %") << "the focus goes along";
     press(Qt::Key_Up, Qt::AltModifier);
@@ -479,19 +528,19 @@ TEST_F(SettingsWindowTest, SaysWhatDoesNotWorkWhereItBelongs) {
     m_world.loginItem.refusal = "The autostart folder is read-only.";
     open(Page::general);
     click("Start at login");
-    EXPECT_THAT(said(), testing::HasSubstr("The autostart folder is read-only."));
+    EXPECT_THAT(said(), HasSubstr("The autostart folder is read-only."));
     m_world.hotKey.trouble = "Another program uses Ctrl+Alt+P.";
     emit m_world.hotKey.stateChanged();
-    EXPECT_THAT(said(), testing::HasSubstr("Another program uses Ctrl+Alt+P."));
+    EXPECT_THAT(said(), HasSubstr("Another program uses Ctrl+Alt+P."));
 
     open(Page::notifications);
-    EXPECT_THAT(said(), testing::Not(testing::HasSubstr("Until then")));
+    EXPECT_THAT(said(), testing::Not(HasSubstr("Until then")));
     click("Send test");
     EXPECT_THAT(m_world.notices.posted, testing::SizeIs(1));
-    EXPECT_THAT(said(), testing::Not(testing::HasSubstr("autostart")));
+    EXPECT_THAT(said(), testing::Not(HasSubstr("autostart")));
     m_world.notices.trouble = "No server answers.";
     emit m_world.notices.problemChanged();
-    EXPECT_THAT(said(), testing::HasSubstr("No server answers. Until then the tray alone warns."));
+    EXPECT_THAT(said(), HasSubstr("No server answers. Until then the tray alone warns."));
     click("Send test");
     EXPECT_THAT(m_world.notices.posted, testing::SizeIs(1)) << "disabled";
 
@@ -499,34 +548,38 @@ TEST_F(SettingsWindowTest, SaysWhatDoesNotWorkWhereItBelongs) {
     m_world.state.preferences->setNotifyReset(false);
     for (const Page page : SettingsWindow::kPages) {
         open(page);
-        EXPECT_THAT(said(), testing::HasSubstr("The settings file was damaged."));
+        EXPECT_THAT(said(), HasSubstr("The settings file was damaged."));
     }
 }
 
 TEST_F(SettingsWindowTest, ConnectsTheStatusLineAndSaysWhyItCannot) {
+    const std::filesystem::path relay = runningExecutable().parent_path() / "vorn-bridge";
+    std::filesystem::remove(relay);
     m_world.writeClaudeSettings(R"({"statusLine": {"type": "command", "command": "~/prompt.sh"}})");
     open(Page::claudeCode);
-    EXPECT_THAT(said(), testing::HasSubstr("Not connected"));
+    EXPECT_THAT(said(), HasSubstr("Not connected"));
     click("Connect");
-    EXPECT_THAT(said(), testing::HasSubstr("vorn-bridge is missing from the app bundle."));
+    EXPECT_THAT(said(), HasSubstr("vorn-bridge is missing from the app bundle."));
 
-    m_world.integrations.integration().install(systemNow());
-    m_world.home.executable("bin/vorn-bridge", "");
-    m_world.integrations.refresh();
-    EXPECT_THAT(said(), testing::AllOf(testing::HasSubstr("Connected Live figures after every reply; none yet."),
-                                       testing::HasSubstr("Your own command still runs: ")));
+    replaceFile({.path = relay, .content = "#!/bin/sh\n", .mode = 0755});
+    click("Connect");
+    EXPECT_THAT(said(), testing::AllOf(HasSubstr("Connected Live figures after every reply; none yet."),
+                                       HasSubstr("Your own command still runs: "), testing::Not(HasSubstr("missing"))));
     m_world.writeClaudeSettings("{");
     click("Disconnect");
-    EXPECT_THAT(said(), testing::HasSubstr("Couldn't read Claude Code settings: "));
+    EXPECT_THAT(said(), HasSubstr("Couldn't read Claude Code settings: "));
     m_world.writeClaudeSettings(R"({"statusLine": {"type": "command", "command": "/old/vorn-bridge"}})");
     m_world.integrations.refresh();
-    EXPECT_THAT(said(), testing::AllOf(testing::HasSubstr("Needs to be reconnected"), testing::HasSubstr("Reconnect")));
+    EXPECT_THAT(said(), HasSubstr("Needs to be reconnected Claude Code runs /old/vorn-bridge"));
+    click("Reconnect");
+    EXPECT_THAT(said(), HasSubstr("Connected Live figures"));
     click("Disconnect");
-    EXPECT_THAT(said(), testing::HasSubstr("Not connected"));
+    EXPECT_THAT(said(), HasSubstr("Not connected"));
+    std::filesystem::remove(relay);
 
     m_world.integrations.setReadOnly("Only a demonstration.");
     m_world.state.model->startDemo(demo::makeDemo(demo::Scenario::watch, m_world.state.now));
-    EXPECT_THAT(said(), testing::HasSubstr("Only a demonstration."));
+    EXPECT_THAT(said(), HasSubstr("Only a demonstration."));
     EXPECT_FALSE(find("Connect")->isEnabled());
     EXPECT_FALSE(find("Check now")->isEnabled());
 }
@@ -570,19 +623,19 @@ TEST_F(SettingsWindowTest, RemembersItsPageAndPlaceAndLetsGoOfTheEngine) {
     press(Qt::Key_Down);
     EXPECT_EQ(focused(), "Notifications");
     EXPECT_TRUE(find("Send test"));
-    const QSize usual = m_shown->size();
     m_shown->setGeometry(31, 42, 600, 500);
     const QSignalSpy closed(&m_window, &SettingsWindow::closed);
     press(Qt::Key_Escape);
     EXPECT_EQ(closed.size(), 1);
     EXPECT_TRUE(QTest::qWaitFor([this] { return !m_engine.isLoaded(); }));
-    EXPECT_EQ(m_world.place, QRect(31, 42, 600, 500));
+    EXPECT_EQ(m_world.place, (WindowPlace{.rect = {31, 42, 600, 500}}));
 
-    m_world.place.moveTo(5000, -5000);
+    m_world.place.rect.moveTo(5000, -5000);
     m_window.open();
     open(Page::notifications);
     EXPECT_TRUE(find("Send test"));
-    EXPECT_EQ(m_shown->size(), usual) << "that screen is gone";
+    EXPECT_EQ(m_shown->size(), QSize(600, 500));
+    EXPECT_LT(m_shown->x(), 800) << "that screen is gone";
     m_shown->close();
     EXPECT_FALSE(m_window.isOpen());
 }
@@ -598,6 +651,5 @@ int main(int argc, char** argv) {
         QGuiApplication::setFont(QFont(font, 10));
     }
     vorn::ViewEngine::useSoftwareRendering();
-    qInstallMessageHandler(&vorn::takeWarning);
     return RUN_ALL_TESTS();
 }

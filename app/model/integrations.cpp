@@ -15,6 +15,10 @@ void Integrations::setReadOnly(const QString& reason) {
     m_readOnlyReason = reason;
 }
 
+QString Integrations::demonstration() {
+    return tr("This is a demonstration: nothing is connected or changed.");
+}
+
 void Integrations::refresh() {
     if (m_loginItem != nullptr) {
         m_now.launchAtLogin = m_loginItem->isEnabled();

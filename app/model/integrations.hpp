@@ -30,8 +30,10 @@ public:
     void connectStatusLine();
     void disconnectStatusLine();
 
-    /// A demonstration: from now on nothing outside is changed, and who asks for it reads `reason` instead.
+    /// From now on nothing outside is changed, and who asks for it reads `reason` instead.
     void setReadOnly(const QString& reason);
+    /// The reason in a demonstration.
+    static QString demonstration();
     /// Empty when changes are really made.
     [[nodiscard]] const QString& readOnlyReason() const { return m_readOnlyReason; }
 

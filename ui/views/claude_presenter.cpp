@@ -41,6 +41,7 @@ QString counted(std::size_t count, const char* one, const char* many) {
 void showExecutable(const Sources& sources, Content& content) {
     if (sources.model.isDemo()) {
         content.executable = QStringLiteral("claude");
+        content.hasExecutable = true;
         content.origin = QStringLiteral("This is a demonstration: it is neither looked for nor asked.");
         return;
     }
@@ -48,6 +49,7 @@ void showExecutable(const Sources& sources, Content& content) {
     const QString& chosen = sources.model.preferences().claudePathOverride();
     content.isChosen = !chosen.isEmpty();
     content.executableProblem = finding.problem;
+    content.hasExecutable = content.isChosen || !finding.path.isEmpty();
     if (finding.path.isEmpty()) {
         content.executable = content.isChosen ? shortPath(chosen) : QStringLiteral("claude was not found");
     } else {
@@ -55,6 +57,7 @@ void showExecutable(const Sources& sources, Content& content) {
     }
     if (finding.isSearching && finding.path.isEmpty()) {
         content.executable = QStringLiteral("Looking for claude…");
+        content.hasExecutable = false;
         return;
     }
     content.origin = content.isChosen ? QStringLiteral("Chosen by you") : QStringLiteral("Found on the search path");

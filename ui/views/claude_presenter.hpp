@@ -26,6 +26,7 @@ class ClaudePresenter : public QObject {
     QML_ELEMENT
     QML_UNCREATABLE("Made by the application")
     Q_PROPERTY(QString executable READ executable NOTIFY changed FINAL)
+    Q_PROPERTY(bool hasExecutable READ hasExecutable NOTIFY changed FINAL)
     Q_PROPERTY(QString origin READ origin NOTIFY changed FINAL)
     Q_PROPERTY(QString executableProblem READ executableProblem NOTIFY changed FINAL)
     Q_PROPERTY(bool isChosen READ isChosen NOTIFY changed FINAL)
@@ -50,6 +51,7 @@ public:
 
     struct Content {
         QString executable;         ///< Its path, or that there is none.
+        bool hasExecutable = false;
         QString origin;             ///< How it was found, and its version.
         QString executableProblem;  ///< The problems are empty where there is none.
         bool isChosen = false;      ///< By the user rather than found.
@@ -78,6 +80,7 @@ public:
     explicit ClaudePresenter(const Sources& sources, QObject* parent = nullptr);
 
     [[nodiscard]] const QString& executable() const { return m_content.executable; }
+    [[nodiscard]] bool hasExecutable() const { return m_content.hasExecutable; }
     [[nodiscard]] const QString& origin() const { return m_content.origin; }
     [[nodiscard]] const QString& executableProblem() const { return m_content.executableProblem; }
     [[nodiscard]] bool isChosen() const { return m_content.isChosen; }

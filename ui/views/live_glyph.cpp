@@ -1,7 +1,6 @@
 #include "ui/views/live_glyph.hpp"
 
 #include <QStringList>
-#include <algorithm>
 #include <array>
 
 #include "app/model/model_parts.hpp"
@@ -9,25 +8,10 @@
 #include "app/model/usage_model.hpp"
 #include "platform/desktop_appearance.hpp"
 #include "platform/panel_brightness.hpp"
+#include "ui/glyph/tray_look.hpp"
 
 namespace vorn {
 namespace {
-
-bool isRing(MenuBarItem item) {
-    return item == MenuBarItem::tightestRing || item == MenuBarItem::sessionRing || item == MenuBarItem::weekRing;
-}
-
-MenuBarItem firstRing(const std::vector<MenuBarItem>& items) {
-    const auto ring = std::ranges::find_if(items, isRing);
-    return ring == items.end() ? MenuBarItem::tightestRing : *ring;
-}
-
-MenuBarGlyph::Palette palette(const DesktopAppearance& appearance, bool isDark) {
-    if (appearance.highContrast()) {
-        return MenuBarGlyph::Palette::highContrast(isDark);
-    }
-    return isDark ? MenuBarGlyph::Palette::onDark() : MenuBarGlyph::Palette::onLight();
-}
 
 std::unique_ptr<UsageModel> makeExample(Preferences& preferences) {
     auto model = std::make_unique<UsageModel>(preferences, makeModelParts());
@@ -79,11 +63,9 @@ void LiveGlyph::update() {
     const UsageModel& model = figures();
     const std::vector<MenuBarItem> items = m_sources.preferences.menuBarItems();
     m_items = MenuBarGlyph::parts(items, model);
-    m_singleRing = MenuBarGlyph::parts(std::array{firstRing(items)}, model);
+    m_singleRing = MenuBarGlyph::parts(vorn::singleRing(items), model);
     m_sample = MenuBarGlyph::parts(std::array{MenuBarItem::weekRing}, model);
-    m_look = {.style = m_sources.preferences.glyphStyle(),
-              .tint = m_sources.preferences.colorWhenAtRisk(),
-              .palette = palette(m_sources.appearance, m_sources.panel.isDark())};
+    m_look = trayLook(m_sources.preferences, m_sources.appearance, m_sources.panel);
     QStringList spoken;
     for (const MenuBarPart& part : m_items) {
         spoken << spokenPart(part);

@@ -61,6 +61,9 @@ const char* pictureName(SettingsWindow::Page page) {
 QImage pictureOf(QQmlEngine& engine, const SettingsPicture& picture) {
     PicturedLoginItem loginItem;
     Integrations integrations(statusLine(picture.model), &loginItem);
+    if (picture.model.isDemo()) {
+        integrations.setReadOnly(Integrations::demonstration());
+    }
     integrations.refresh();
     PicturedNotices notices;
     PicturedHotKey hotKey;

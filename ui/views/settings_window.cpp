@@ -1,12 +1,9 @@
 #include "ui/views/settings_window.hpp"
 
 #include <QEvent>
-#include <QGuiApplication>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickView>
-#include <QScreen>
-#include <algorithm>
 #include <utility>
 
 #include "app/model/integrations.hpp"
@@ -19,19 +16,6 @@ constexpr const char* kViewUrl = "qrc:/qt/qml/Vorn/SettingsView.qml";
 /// Of the size it opens with; below it, rows would not fit any more.
 constexpr double kLeastShare = 0.75;
 
-/// `wanted` on a screen that is really there; null when it lies on none.
-QRect onScreen(const QRect& wanted) {
-    const QScreen* const screen = QGuiApplication::screenAt(wanted.center());
-    if (wanted.isEmpty() || !screen) {
-        return {};
-    }
-    const QRect available = screen->availableGeometry();
-    QRect rect(wanted.topLeft(), wanted.size().boundedTo(available.size()));
-    rect.moveLeft(std::clamp(rect.x(), available.x(), available.right() + 1 - rect.width()));
-    rect.moveTop(std::clamp(rect.y(), available.y(), available.bottom() + 1 - rect.height()));
-    return rect;
-}
-
 }  // namespace
 
 /// The window with what it shows; holds the engine as long as it exists.
@@ -39,7 +23,7 @@ class SettingsWindow::View : public QQuickView {
 public:
     View(ViewEngine::Hold hold, const SettingsWindow::Deps& deps, ClaudeFinder& finder, Page page)
         : QQuickView(hold.get(), nullptr), m_hold(std::move(hold)), m_pages(deps, finder) {
-        setTitle(tr("Vorn Settings"));
+        setTitle("Settings");
         setFlags(Qt::Window);
         setResizeMode(SizeRootObjectToView);
         setInitialProperties(m_pages.properties(page));
@@ -71,11 +55,12 @@ void SettingsWindow::open() {
         if (!createView()) {
             return;
         }
-        m_view->show();
+        m_view->setVisible(true);
         emit opened();
     }
-    m_view->requestActivate();
+    m_view->setWindowStates(m_view->windowStates() & ~Qt::WindowMinimized);
     m_view->raise();
+    m_view->requestActivate();
 }
 
 void SettingsWindow::open(Page page) {
@@ -92,7 +77,7 @@ void SettingsWindow::close() {
     }
     m_view->removeEventFilter(this);
     m_page = static_cast<Page>(m_view->rootObject()->property("page").toInt());
-    keepPlace();
+    rememberPlace();
     m_view->hide();
     // It may be what called.
     m_closing.push_back(std::move(m_view));
@@ -115,12 +100,7 @@ bool SettingsWindow::createView() {
     }
     const QSize size(qRound(root->implicitWidth()), qRound(root->implicitHeight()));
     m_view->setMinimumSize(size * kLeastShare);
-    const QRect place = m_deps.place.load ? onScreen(m_deps.place.load()) : QRect();
-    if (place.isNull()) {
-        m_view->resize(size);
-    } else {
-        m_view->setGeometry(place);
-    }
+    restorePlace(*m_view, m_deps.place.load ? m_deps.place.load() : WindowPlace{}, size);
     m_view->installEventFilter(this);
     // Who comes back to the window may have changed things elsewhere.
     connect(m_view.get(), &QWindow::activeChanged, this, [this] {
@@ -133,10 +113,9 @@ bool SettingsWindow::createView() {
     return true;
 }
 
-void SettingsWindow::keepPlace() {
-    // One that fills the screen says nothing about the place it goes back to.
-    if (m_deps.place.save && m_view->windowStates() == Qt::WindowNoState) {
-        m_deps.place.save(m_view->geometry());
+void SettingsWindow::rememberPlace() const {
+    if (m_deps.place.save) {
+        m_deps.place.save(placeOf(*m_view, m_deps.place.load ? m_deps.place.load() : WindowPlace{}));
     }
 }
 

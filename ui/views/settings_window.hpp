@@ -1,14 +1,13 @@
 #pragma once
 
 #include <QObject>
-#include <QRect>
 #include <array>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <vector>
 
 #include "ui/views/view_engine.hpp"
+#include "ui/views/window_place.hpp"
 
 namespace vorn {
 
@@ -31,12 +30,6 @@ public:
     enum class Page : std::uint8_t { general, menuBar, notifications, claudeCode };
     static constexpr std::array kPages{Page::general, Page::menuBar, Page::notifications, Page::claudeCode};
 
-    /// Where the window's place on the screen is kept between runs. Both may be empty: then it is not.
-    struct Place {
-        std::function<QRect()> load;  ///< Null when there is none.
-        std::function<void(const QRect&)> save;
-    };
-
     /// All of them must outlive the window.
     struct Deps {
         Preferences& preferences;
@@ -46,8 +39,8 @@ public:
         HotKey& hotKey;
         DesktopAppearance& appearance;
         PanelBrightness& panel;
-        bool hasCells = true;  ///< `StatusItem::hasCells()`.
-        Place place{};
+        bool hasCells = true;      ///< `StatusItem::hasCells()`.
+        WindowPlaceStore place{};  ///< Where its place on the screen is kept between runs.
     };
 
     SettingsWindow(const Deps& deps, ViewEngine& engine, QObject* parent = nullptr);
@@ -72,7 +65,7 @@ private:
     class View;
 
     bool createView();
-    void keepPlace();
+    void rememberPlace() const;
 
     const Deps m_deps;
     ViewEngine& m_engine;

@@ -58,7 +58,7 @@ class BreakdownPresenter : public QObject {
     Q_PROPERTY(QVariantList models READ models NOTIFY changed FINAL)
     Q_PROPERTY(QString nothingMeasured READ nothingMeasured NOTIFY changed FINAL)
     Q_PROPERTY(int printedPeriod READ printedPeriod WRITE setPrintedPeriod NOTIFY changed FINAL)
-    Q_PROPERTY(QStringList printedPeriods READ printedPeriods NOTIFY changed FINAL)
+    Q_PROPERTY(QList<QString> printedPeriods READ printedPeriods NOTIFY changed FINAL)
     Q_PROPERTY(QString printedHeading READ printedHeading NOTIFY changed FINAL)
     Q_PROPERTY(QString nothingPrinted READ nothingPrinted NOTIFY changed FINAL)
     Q_PROPERTY(QVariantList findings READ findings NOTIFY changed FINAL)

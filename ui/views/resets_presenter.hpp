@@ -50,7 +50,7 @@ class ResetsPresenter : public QObject {
     QML_UNCREATABLE("Made by the application")
     Q_PROPERTY(QVariantList resets READ resets NOTIFY changed FINAL)
     Q_PROPERTY(int banked READ banked NOTIFY changed FINAL)
-    Q_PROPERTY(QStringList scopes READ scopes CONSTANT FINAL)
+    Q_PROPERTY(QList<QString> scopes READ scopes CONSTANT FINAL)
     Q_PROPERTY(vorn::ResetProblem problem READ problem NOTIFY problemChanged FINAL)
 
 public:

@@ -14,11 +14,14 @@ Item {
 
     implicitHeight: label.height
 
-    /// The least that holds it in two lines.
+    /// The least that holds it in two lines. No line begins with a dash.
     function widthInTwoLines(text: string): real {
         const words = text.split(" ");
         let least = Infinity;
         for (let i = 1; i < words.length && !text.includes("\n"); ++i) {
+            if (words[i] === "—") {
+                continue;
+            }
             const first = metrics.advanceWidth(words.slice(0, i).join(" "));
             const second = metrics.advanceWidth(words.slice(i).join(" "));
             least = Math.min(least, Math.max(first, second));

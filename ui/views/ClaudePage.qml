@@ -14,7 +14,7 @@ SettingsPage {
 
         SettingsRow {
             label: page.claude.executable
-            labelFamily: page.claude.fixedFamily
+            labelFamily: page.claude.hasExecutable ? page.claude.fixedFamily : ""
             detail: page.claude.origin
             isSpoken: true
 
@@ -60,7 +60,7 @@ SettingsPage {
                 parent: result
                 anchors.left: parent.left
                 anchors.leftMargin: Theme.sizes.between
-                anchors.verticalCenter: parent.verticalCenter
+                y: result.firstMiddle - height / 2
                 visible: !page.claude.isChecking
                 width: Theme.sizes.icon
                 height: width
@@ -87,10 +87,10 @@ SettingsPage {
                 parent: line
                 anchors.left: parent.left
                 anchors.leftMargin: Theme.sizes.between
-                anchors.verticalCenter: parent.verticalCenter
+                y: line.firstMiddle - height / 2
                 width: Theme.sizes.mark
                 height: width
-                status: page.claude.lineState === ClaudePresenter.Connected ? Status.Comfortable : Status.Watch
+                status: page.claude.lineState === ClaudePresenter.NeedsReconnecting ? Status.Watch : Status.Comfortable
                 color: page.claude.lineState === ClaudePresenter.NotConnected ? Theme.colors.thirdText : Theme.colors.status(status)
             }
 
@@ -149,7 +149,7 @@ SettingsPage {
 
         SettingsRow {
             label: page.claude.activityFolder
-            labelFamily: page.claude.fixedFamily
+            labelFamily: page.isDemonstration ? "" : page.claude.fixedFamily
             detail: page.claude.activityText
             isSpoken: true
         }

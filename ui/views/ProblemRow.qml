@@ -22,7 +22,7 @@ SettingsRow {
         parent: row
         anchors.left: parent.left
         anchors.leftMargin: Theme.sizes.between
-        anchors.verticalCenter: parent.verticalCenter
+        y: row.firstMiddle - height / 2
         width: Theme.sizes.title
         height: width
         symbol: Icon.Warning

@@ -16,6 +16,9 @@ Item {
     /// What it is chosen with takes too much of the line, and stands below.
     readonly property bool isStacked: slot.width > width / 2
 
+    /// The middle of the first line, for what stands before it.
+    readonly property real firstMiddle: texts.y + firstLine.height / 2
+
     width: parent ? parent.width : 0
     implicitHeight: 2 * inset + (isStacked ? texts.height + inset + slot.height : Math.max(texts.height, slot.height))
     Accessible.ignored: !isSpoken
@@ -42,7 +45,7 @@ Item {
             width: parent.width
             visible: text !== ""
             wrapMode: Text.Wrap
-            font.family: row.labelFamily !== "" ? row.labelFamily : Qt.application.font.family
+            font.family: row.labelFamily !== "" ? row.labelFamily : Application.font.family
             font.pixelSize: row.labelFamily !== "" ? Theme.sizes.small : Theme.sizes.body
             opacity: row.enabled ? 1 : 0.6
             text: row.label
@@ -50,9 +53,17 @@ Item {
         }
 
         DetailLabel {
+            id: explanation
+
             visible: text !== ""
             text: row.detail
         }
+    }
+
+    FontMetrics {
+        id: firstLine
+
+        font: name.visible ? name.font : explanation.font
     }
 
     Row {

@@ -11,7 +11,8 @@ Item {
     signal chosen
     signal stepped(int by)
 
-    implicitWidth: label.x + label.implicitWidth + Theme.sizes.gap
+    // As wide as it is as the current one, so that the list keeps its width.
+    implicitWidth: icon.width + 3 * Theme.sizes.gap + Math.ceil(metrics.advanceWidth)
     implicitHeight: Theme.sizes.iconButton
     activeFocusOnTab: isCurrent || activeFocus
     Accessible.role: Accessible.PageTab
@@ -62,6 +63,15 @@ Item {
         color: tab.isCurrent ? Theme.colors.text : Theme.colors.secondText
         text: tab.text
         Accessible.ignored: true
+    }
+
+    TextMetrics {
+        id: metrics
+
+        font.family: label.font.family
+        font.pixelSize: label.font.pixelSize
+        font.weight: Font.DemiBold
+        text: tab.text
     }
 
     FocusRing {

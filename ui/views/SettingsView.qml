@@ -15,7 +15,8 @@ FocusScope {
 
     readonly property list<string> titles: [qsTr("General"), qsTr("Menu bar"), qsTr("Notifications"), qsTr("Claude Code")]
 
-    implicitWidth: Math.round(660 * Theme.sizes.scale)
+    // Long names of the pages take nothing away from what is on them.
+    implicitWidth: Math.round(492 * Theme.sizes.scale) + side.wanted
     implicitHeight: Math.round(540 * Theme.sizes.scale)
     focus: true
     LayoutMirroring.enabled: Theme.mirrored
@@ -32,10 +33,20 @@ FocusScope {
     Rectangle {
         id: side
 
+        readonly property int wanted: Math.max(Math.round(168 * Theme.sizes.scale), widest() + 2 * Theme.sizes.gap)
+
         anchors.left: parent.left
         height: parent.height
-        width: Math.min(Math.max(Math.round(168 * Theme.sizes.scale), tabs.implicitWidth + 2 * Theme.sizes.gap), parent.width / 2)
+        width: Math.min(wanted, parent.width / 2)
         color: Theme.colors.sunken
+
+        function widest(): real {
+            let widest = heading.implicitWidth + Theme.sizes.gap;
+            for (let i = 0; i < repeater.count; ++i) {
+                widest = Math.max(widest, repeater.itemAt(i)?.implicitWidth ?? 0);
+            }
+            return widest;
+        }
 
         Rectangle {
             anchors.right: parent.right

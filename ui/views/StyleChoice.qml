@@ -33,7 +33,7 @@ Item {
         radius: Theme.sizes.controlRadius
         color: Theme.highContrast ? "transparent" : Qt.alpha(Theme.colors.accent, 0.1)
         border.color: Theme.colors.accent
-        border.width: Theme.sizes.focusWidth / 2 + Theme.sizes.hair / 2
+        border.width: Theme.sizes.focusWidth
     }
 
     PressArea {

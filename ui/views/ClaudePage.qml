@@ -132,9 +132,11 @@ SettingsPage {
             text: page.claude.lineProblem
         }
 
-        ProblemRow {
-            text: page.claude.demonstration
-            signColor: Theme.colors.secondText
+        SettingsRow {
+            visible: page.isDemonstration
+            detail: page.claude.demonstration
+            indent: line.indent
+            isSpoken: true
         }
     }
 

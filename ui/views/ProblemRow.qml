@@ -6,7 +6,6 @@ SettingsRow {
     id: row
 
     required property string text
-    property color signColor: Theme.colors.status(Status.AtRisk)
 
     height: visible ? implicitHeight : 0
     visible: text !== ""
@@ -26,6 +25,6 @@ SettingsRow {
         width: Theme.sizes.title
         height: width
         symbol: Icon.Warning
-        color: row.signColor
+        color: Theme.colors.status(Status.AtRisk)
     }
 }

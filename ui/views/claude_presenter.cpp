@@ -42,7 +42,7 @@ void showExecutable(const Sources& sources, Content& content) {
     if (sources.model.isDemo()) {
         content.executable = QStringLiteral("claude");
         content.hasExecutable = true;
-        content.origin = QStringLiteral("This is a demonstration: it is neither looked for nor asked.");
+        content.origin = QStringLiteral("Neither looked for nor asked in a demonstration");
         return;
     }
     const ClaudeFinder::Finding& finding = sources.finder.finding();

@@ -60,7 +60,7 @@ const char* pictureName(SettingsWindow::Page page) {
 
 QImage pictureOf(QQmlEngine& engine, const SettingsPicture& picture) {
     PicturedLoginItem loginItem;
-    Integrations integrations(statusLine(picture.model), &loginItem);
+    Integrations integrations(statusLine(picture.model), picture.model.isDemo() ? nullptr : &loginItem);
     if (picture.model.isDemo()) {
         integrations.setReadOnly(Integrations::demonstration());
     }

@@ -19,7 +19,8 @@ public:
 }  // namespace
 
 std::unique_ptr<HotKey> HotKey::system() {
-    if (const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>()) {
+    // Qt's platform without a screen has the interface as well, but no connection.
+    if (const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>(); x11 && x11->connection()) {
         return std::make_unique<X11HotKey>(x11->connection());
     }
     if (QGuiApplication::platformName().startsWith(QStringLiteral("wayland"))) {

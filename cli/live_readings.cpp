@@ -118,7 +118,8 @@ public:
                           .insights = m_state.insights(),
                           .history = std::move(m_samples),
                           .plan = ResetPlanStore(VornPaths::resetPlan()).load().pruned(now()),
-                          .failure = std::move(m_failure)};
+                          .failure = std::move(m_failure),
+                          .isHistorySaved = m_isSaved};
         if (!m_choices.useLocalActivity) {
             return readings;
         }
@@ -156,8 +157,7 @@ private:
             }
         }
         if (mayWrite() && !believed.empty()) {
-            m_history.record(believed, now());
-            m_samples = m_history.all();
+            record(believed);
         }
         if (m_state.expectingReset() != m_announced) {
             remember([this](ProbeRecord& record) { forgetSeenResets(record); });
@@ -203,10 +203,15 @@ private:
             believed.push_back(m_state.windows().at(window.kind));
         }
         if (mayWrite()) {
-            m_history.record(believed, now());
-            m_samples = m_history.all();
+            record(believed);
             saveBreakdown(m_state.insights());
         }
+    }
+
+    void record(const std::vector<UsageWindow>& believed) {
+        m_history.add(believed, now());
+        m_isSaved = m_history.flush(now()).isSaved;
+        m_samples = m_history.all();
     }
 
     /// Another fall is not what was announced. What another program announced meanwhile stands.
@@ -267,6 +272,7 @@ private:
     UsageState m_state;
     bool m_fallIsHeld = false;  ///< The snapshot tells of an early reset that nothing has confirmed yet.
     std::optional<ProbeFailure> m_failure;
+    bool m_isSaved = true;  ///< The file has the whole history.
 };
 
 }  // namespace

@@ -112,12 +112,12 @@ std::string render(const StatusReport& report, const StatusArguments& arguments,
 /// Why there is nothing, or nothing newer; empty when all is well. The line breaks of an error's text are its own;
 /// everything else that could steer a terminal goes.
 std::string complaint(const StatusReport& report) {
+    std::string text = report.isHistorySaved ? "" : "The history cannot be saved.\n";
     if (!report.failure) {
         return report.cards.empty()
-                   ? "There is no current reading. Run vornctl status without --no-probe to ask Claude Code.\n"
-                   : "";
+                   ? text + "There is no current reading. Run vornctl status without --no-probe to ask Claude Code.\n"
+                   : text;
     }
-    std::string text;
     std::string_view rest = report.failure->message;
     while (!rest.empty()) {
         const auto end = rest.find('\n');

@@ -63,6 +63,7 @@ StatusReport analyse(Readings readings, Instant now, Detail detail) {
     report.insights = std::move(readings.insights);
     report.plan = std::move(readings.plan);
     report.failure = std::move(readings.failure);
+    report.isHistorySaved = readings.isHistorySaved;
     return report;
 }
 

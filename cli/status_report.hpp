@@ -32,6 +32,7 @@ struct Readings {
     std::optional<ActivitySummary> activity;  ///< Absent when no window needs it.
     ResetPlan plan;
     std::optional<ProbeFailure> failure;
+    bool isHistorySaved = true;  ///< Else what was read this time is missing from it.
 };
 
 /// The answer, ready to be shown.
@@ -53,6 +54,7 @@ struct StatusReport {
     std::optional<Instant> observedAt;  ///< The newest reading.
     std::optional<DataSource> source;   ///< Where that came from.
     std::optional<ProbeFailure> failure;
+    bool isHistorySaved = true;
     std::optional<RelayState> relay{};  ///< Absent in a demonstration.
 };
 

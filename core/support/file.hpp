@@ -48,12 +48,14 @@ std::optional<FileStamp> fileStamp(const std::filesystem::path& path);
 /// through such a one, or somebody else would choose which of our files is overwritten.
 bool isPlantedLink(const std::filesystem::path& path);
 
-/// Creates `directory` and its missing parents, the new ones with mode 0700 whatever the umask. Throws std::filesystem::filesystem_error.
+/// Creates `directory` and its missing parents, the new ones with mode 0700 whatever the umask. Throws
+/// std::filesystem::filesystem_error.
 void createPrivateDirectories(const std::filesystem::path& directory);
 
 /// Replaces the file's content as one step: temporary file in the same directory, flush, rename. A new file gets mode
 /// 0600, an existing one keeps its mode and, as far as we may set it, its owner; a symbolic link stays a link and its
-/// target is replaced, unless it is a planted one. On failure throws std::filesystem::filesystem_error, and the old content stands.
+/// target is replaced, unless it is a planted one. On failure throws std::filesystem::filesystem_error, and the old
+/// content stands.
 void replaceFile(const std::filesystem::path& path, std::string_view content);
 
 struct Replacement {

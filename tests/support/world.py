@@ -89,6 +89,7 @@ class World:
             "connect again": ([*ctl, "connect"], ""),
             "status line": (["sh", "-c", self.command()], INPUT),
             "status": ([*ctl, "status", "--probe", "--format", "plain"], ""),
+            "prune": ([*ctl, "status", "--probe", "--format", "plain"], ""),  # after `age`
             "plan add": ([*ctl, "plan", "add", stamp(NOW + 36000), "--note", "n"], ""),
             "plan redeem": ([*ctl, "plan", "redeem"], ""),
             "activity": ([*ctl, "activity"], ""),
@@ -117,9 +118,16 @@ class World:
         self.give_away()
         return self
 
-    def samples(self):
+    def age(self):
+        """So that the history is due for being written anew."""
         path = self.vorn / "history.jsonl"
-        return path.read_text(errors="replace").splitlines() if path.exists() else []
+        path.write_text(f'{{"k":"session","u":1,"t":{NOW - 10 * 86400}}}\n' + path.read_text())
+
+    def samples(self):
+        """The lines of the history but for that one."""
+        path = self.vorn / "history.jsonl"
+        lines = path.read_text(errors="replace").splitlines() if path.exists() else []
+        return [line for line in lines if '"u":1,' not in line]
 
     def problems(self, before=(), may_leave=False, keeps_plan=True):
         """What is broken. `before`: lines that the history had; `may_leave`: killed programs cannot tidy up;

@@ -14,7 +14,7 @@
 #include "core/sources/status_line_connection.hpp"
 #include "core/support/file.hpp"
 #include "platform/memory.hpp"
-#include "ui/glyph/tray_look.hpp"
+#include "ui/views/tray_look.hpp"
 
 namespace vorn {
 namespace {

@@ -50,7 +50,7 @@ public:
     Q_ENUM(LineState)
 
     struct Content {
-        QString executable;         ///< Its path, or that there is none.
+        QString executable;  ///< Its path, or that there is none.
         bool hasExecutable = false;
         QString origin;             ///< How it was found, and its version.
         QString executableProblem;  ///< The problems are empty where there is none.

@@ -8,7 +8,7 @@
 #include "app/model/usage_model.hpp"
 #include "platform/desktop_appearance.hpp"
 #include "platform/panel_brightness.hpp"
-#include "ui/glyph/tray_look.hpp"
+#include "ui/views/tray_look.hpp"
 
 namespace vorn {
 namespace {

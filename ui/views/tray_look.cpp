@@ -1,4 +1,4 @@
-#include "ui/glyph/tray_look.hpp"
+#include "ui/views/tray_look.hpp"
 
 #include <algorithm>
 

@@ -41,7 +41,8 @@ void showPhase(const UsageModel& model, Content& content) {
             content.needsClaude = message == ProbeError(ProbeError::Kind::claudeNotFound).what();
             const QString advice = QString::fromStdString(ProbeError::adviceFor(message));
             if (!advice.isEmpty()) {
-                content.phaseText += "\n" + advice;
+                // What to do is worth more than the rest of the client's own output.
+                content.phaseText = content.phaseText.section('\n', 0, 0) + "\n\n" + advice;
             }
             return;
         }

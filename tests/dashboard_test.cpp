@@ -43,6 +43,7 @@ QImage picture(UsageModel& model, const PictureLook& with) {
     QVariantMap properties = content.properties();
     properties.insert("hasSettings", true);
     properties.insert("preferredWidth", with.width);
+    properties.insert("pixelRatio", with.pixelRatio);
     return pictureOf(
         *hold,
         {.view = QUrl("qrc:/qt/qml/Vorn/DashboardView.qml"), .properties = properties, .pixelRatio = with.pixelRatio});

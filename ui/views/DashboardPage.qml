@@ -10,6 +10,8 @@ Item {
     required property ResetsPresenter resets
     required property ActivityPresenter activity
     required property BreakdownPresenter breakdown
+    /// As in `LimitChart`.
+    property real pixelRatio: 1
     // How the room is shared out.
     required property bool isNarrow
     required property bool isTiny
@@ -46,6 +48,7 @@ Item {
                 width: (page.panelsWidth - (page.panelColumns - 1) * page.spacing) / page.panelColumns
                 presenter: panel
                 namesEvenPace: index === 0
+                pixelRatio: page.pixelRatio
                 isStacked: page.isTiny
                 // Two beside each other are equally high.
                 isTall: page.isWide || panel.isTight

@@ -14,6 +14,8 @@ FocusScope {
     required property ActivityPresenter activity
     required property BreakdownPresenter breakdown
     property bool hasSettings: false
+    /// As in `LimitChart`.
+    property real pixelRatio: 1
     /// How wide it wants to be where nothing else decides.
     property int preferredWidth: 1000
     signal closeRequested
@@ -142,6 +144,7 @@ FocusScope {
             resets: dashboard.resets
             activity: dashboard.activity
             breakdown: dashboard.breakdown
+            pixelRatio: dashboard.pixelRatio
             isNarrow: dashboard.isNarrow
             isTiny: dashboard.isTiny
             isWide: dashboard.isWide

@@ -9,6 +9,8 @@ Item {
 
     required property LimitPanelPresenter panel
     property bool namesEvenPace: false
+    /// Device pixels a point where the window does not know of them, as in a picture.
+    property real pixelRatio: 1
 
     readonly property limitChart content: panel.chart
     readonly property limitChartMarks marks: panel.marks
@@ -184,7 +186,10 @@ Item {
     ChartView {
         id: view
 
-        anchors.fill: parent
+        width: parent.width * chart.pixelRatio
+        height: parent.height * chart.pixelRatio
+        scale: 1 / chart.pixelRatio
+        transformOrigin: Item.TopLeft
         enabled: false
         visible: !chart.isEmpty
         antialiasing: true
@@ -199,7 +204,7 @@ Item {
             right: 0
             bottom: 0
         }
-        plotArea: Qt.rect(plot.x - chart.margin, plot.y - chart.margin, plot.width + 2 * chart.margin, plot.height + 2 * chart.margin)
+        plotArea: Qt.rect((plot.x - chart.margin) * chart.pixelRatio, (plot.y - chart.margin) * chart.pixelRatio, (plot.width + 2 * chart.margin) * chart.pixelRatio, (plot.height + 2 * chart.margin) * chart.pixelRatio)
 
         ValueAxis {
             id: timeAxis
@@ -249,7 +254,7 @@ Item {
             axisX: timeAxis
             axisY: percentAxis
             color: Theme.colors.thirdText
-            width: 1.25
+            width: 1.25 * chart.pixelRatio
             style: Qt.DotLine
         }
 
@@ -259,7 +264,7 @@ Item {
             axisX: timeAxis
             axisY: percentAxis
             color: chart.statusColor
-            width: 2
+            width: 2 * chart.pixelRatio
             style: Qt.DashLine
         }
     }
@@ -273,7 +278,7 @@ Item {
             while (series.length < count) {
                 const line = view.createSeries(ChartView.SeriesTypeLine, "", timeAxis, percentAxis);
                 line.color = Qt.binding(() => Theme.colors.accent);
-                line.width = 2;
+                line.width = Qt.binding(() => 2 * chart.pixelRatio);
                 series.push(line);
             }
             for (let run = 0; run < series.length; ++run) {

@@ -7,6 +7,7 @@ Card {
 
     required property LimitPanelPresenter presenter
     property bool namesEvenPace: false
+    property real pixelRatio: 1
     /// The pace stands under the chart rather than beside it.
     property bool isStacked: false
     /// As high as the panel of the tight limit.
@@ -59,6 +60,7 @@ Card {
                 anchors.fill: parent
                 panel: panel.presenter
                 namesEvenPace: panel.namesEvenPace
+                pixelRatio: panel.pixelRatio
             }
         }
 
@@ -70,6 +72,7 @@ Card {
             width: panel.isStacked ? parent.width : implicitWidth
             height: panel.isStacked ? implicitHeight : Math.max(panel.chartHeight, implicitHeight)
             pace: panel.presenter.pace
+            isWide: panel.isStacked
         }
     }
 }

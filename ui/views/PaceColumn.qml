@@ -6,14 +6,18 @@ Item {
     id: column
 
     required property pace pace
+    /// The bars take what room there is.
+    property bool isWide: false
     readonly property int rowHeight: Math.max(leastRow, Math.floor((height - rest.height - heading.height - Theme.sizes.gap) / Math.max(1, pace.rows.length)))
     readonly property int leastRow: Math.ceil(metrics.height) + Theme.sizes.tight
     readonly property real barStart: labelWidth + Theme.sizes.gap
-    readonly property real barWidth: Theme.sizes.edge * 2 + Theme.sizes.gap
+    readonly property real leastBarWidth: Theme.sizes.edge * 2 + Theme.sizes.gap
+    readonly property real barWidth: leastBarWidth + (isWide ? Math.max(0, width - leastWidth) : 0)
+    readonly property real leastWidth: barStart + leastBarWidth + Math.ceil(widestRate.width + widestFactor.width) + 2 * Theme.sizes.gap
     readonly property real labelWidth: Math.ceil(widestLabel.width)
     readonly property bool mirrored: LayoutMirroring.enabled
 
-    implicitWidth: barStart + barWidth + Math.ceil(widestRate.width + widestFactor.width) + 2 * Theme.sizes.gap
+    implicitWidth: leastWidth
     implicitHeight: heading.height + 5 * leastRow + rest.height + Theme.sizes.gap
 
     FontMetrics {

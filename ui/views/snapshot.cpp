@@ -50,6 +50,7 @@ QImage dashboardPicture(QQmlEngine& engine, const SnapshotRequest& request, int 
     DashboardContent content(request.model);
     QVariantMap properties = content.properties();
     properties.insert("hasSettings", request.hasSettings);
+    properties.insert("pixelRatio", pixelRatio);
     return pictureOf(engine, {.view = QUrl("qrc:/qt/qml/Vorn/DashboardView.qml"),
                               .properties = properties,
                               .pixelRatio = static_cast<double>(pixelRatio)});

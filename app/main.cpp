@@ -1,6 +1,7 @@
 #include <QApplication>
 #include <QIcon>
 #include <QJsonObject>
+#include <QLocale>
 #include <QSocketNotifier>
 #include <csignal>
 #include <cstdio>
@@ -36,6 +37,10 @@ void nameProgram() {
     // For X11: elsewhere the desktop entry tells the icon.
     QApplication::setWindowIcon(QIcon::fromTheme("vorn"));
     QApplication::setQuitOnLastWindowClosed(false);
+    // Qt itself asks its own translations, which need not be installed.
+    if (QLocale::system().textDirection() == Qt::RightToLeft) {
+        QApplication::setLayoutDirection(Qt::RightToLeft);
+    }
 }
 
 QJsonObject handOver(const LaunchRequest& request) {

@@ -24,7 +24,7 @@ Item {
     readonly property bool hasSide: !isNarrow
     readonly property real sideWidth: Math.round(288 * Theme.sizes.scale)
     readonly property real panelsWidth: hasSide ? inner - sideWidth - spacing : inner
-    readonly property int panelColumns: isWide ? 2 : 1
+    readonly property int panelColumns: isWide && repeater.count > 1 ? 2 : 1
     readonly property real under: Math.max(limits.height, hasSide ? side.height : 0)
 
     height: rest.y + rest.height + edge
@@ -39,6 +39,8 @@ Item {
         spacing: page.spacing
 
         Repeater {
+            id: repeater
+
             model: page.panels
 
             delegate: LimitPanel {
@@ -49,6 +51,7 @@ Item {
                 presenter: panel
                 namesEvenPace: index === 0
                 pixelRatio: page.pixelRatio
+                mostChartWidth: page.panelColumns > 1 ? 720 * Theme.sizes.scale : width
                 isStacked: page.isTiny
                 // Two beside each other are equally high.
                 isTall: page.isWide || panel.isTight

@@ -14,7 +14,7 @@ Card {
     property bool isTall: presenter.isTight
 
     readonly property int chartHeight: Math.round((isTall ? 172 : 124) * Theme.sizes.scale)
-    readonly property real mostChartWidth: 720 * Theme.sizes.scale
+    property real mostChartWidth: width
 
     implicitHeight: title.height + body.height + 2 * Theme.sizes.inset - Theme.sizes.near
     Accessible.role: Accessible.Grouping

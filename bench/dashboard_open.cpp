@@ -21,6 +21,7 @@
 #include <filesystem>
 #include <functional>
 #include <random>
+#include <utility>
 #include <vector>
 
 #include <fmt/format.h>
@@ -172,9 +173,9 @@ double letDraw(QQuickWindow& window) {
     return last;
 }
 
-/// Median, least and longest time of the main thread that `happen` and what is then drawn take.
-void measure(const char* what, QQuickWindow& window, const std::function<void()>& prepare,
-             const std::function<void()>& happen) {
+/// Prints median, least and longest time of the main thread that `happen` and what is then drawn take; the median.
+double measure(const char* what, QQuickWindow& window, const std::function<void()>& prepare,
+               const std::function<void()>& happen) {
     std::vector<double> whole;
     std::vector<double> computing;
     for (int i = 0; i < kRepetitions; ++i) {
@@ -189,6 +190,7 @@ void measure(const char* what, QQuickWindow& window, const std::function<void()>
     std::ranges::sort(computing);
     fmt::print("{:<38} {:6.1f} ms, {:.1f} to {:.1f}; {:.1f} of it before drawing\n", what, whole[whole.size() / 2],
                whole.front(), whole.back(), computing[computing.size() / 2]);
+    return whole[whole.size() / 2];
 }
 
 /// What the benchmark does to a model.
@@ -203,8 +205,8 @@ void measureRepaints(UsageModel& model, Strings pull, QQuickWindow& window) {
     const auto pass = [&] {
         busy.clock->at += 31s;
     };
-    measure("recomputation, only the time moved:", window, pass, [&] { model.recompute(); });
-    measure(
+    const double timeMoved = measure("recomputation, only the time moved:", window, pass, [&] { model.recompute(); });
+    const double newReading = measure(
         "with a new reading:", window,
         [&] {
             pass();
@@ -214,7 +216,7 @@ void measureRepaints(UsageModel& model, Strings pull, QQuickWindow& window) {
         },
         [&] { model.probe(); });
     ActivitySummary summary;
-    measure(
+    const double newReplies = measure(
         "with new replies:", window,
         [&] {
             pass();
@@ -225,9 +227,17 @@ void measureRepaints(UsageModel& model, Strings pull, QQuickWindow& window) {
             letDraw(window);
         },
         [&] { pull.activity.answer(std::move(summary)); });
-    measure(
+    const double resize = measure(
         "beside it, a resize by one pixel:", window, [] {},
         [&] { window.resize(window.width(), window.height() % 2 == 0 ? window.height() + 1 : window.height() - 1); });
+    const std::pair<const char*, double> rows[] = {
+        {"only the time moved", timeMoved}, {"a new reading", newReading}, {"new replies", newReplies}};
+    for (const auto& [what, median] : rows) {
+        fmt::print(
+            "= dashboard: recomputation with its repaint, {} | {:.1f} ms | a resize by one pixel | {:.1f} ms | "
+            "{:.2f}\n",
+            what, median, resize, median / resize);
+    }
 }
 
 int run(std::size_t samples, std::size_t replies) {
@@ -262,17 +272,21 @@ int run(std::size_t samples, std::size_t replies) {
     ViewEngine engine(appearance, 0ms);
     const double idle = memory();
     DashboardWindow window(model, engine);
-    for (const char* const which : {"first", "second"}) {
+    double openings[2] = {};
+    for (int i = 0; i < 2; ++i) {
         QElapsedTimer timer;
         timer.start();
         window.open();
         const double opened = static_cast<double>(timer.nsecsElapsed()) / 1e6;
-        fmt::print("{} opening: {:.0f} ms\n", which, opened + letDraw(*shownWindow()));
-        if (which == std::string_view("first")) {
+        openings[i] = opened + letDraw(*shownWindow());
+        if (i == 0) {
             window.close();
             QCoreApplication::processEvents();
         }
     }
+    fmt::print("first opening: {:.0f} ms, second: {:.0f} ms\n", openings[0], openings[1]);
+    fmt::print("= dashboard: first opening to the first complete frame | {:.0f} ms | the second | {:.0f} ms | {:.2f}\n",
+               openings[0], openings[1], openings[0] / openings[1]);
     measureRepaints(model, pull, *shownWindow());
     const double open = memory();
     window.close();

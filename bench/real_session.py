@@ -26,16 +26,28 @@ def write_history(home, samples):
             history.write(json.dumps(line, separators=(",", ":")) + "\n")
 
 
-def write_client(path):
-    path.write_text("""#!/bin/sh
+CLIENT = """#!/bin/sh
 exec python3 - <<'END'
 import json, time
 def at(seconds): return time.strftime("%b %d at %I:%M%p (UTC)", time.gmtime(time.time() + seconds))
 text = f"Current session: 40% used · resets {at(7200)}\\nCurrent week (all models): 50% used · resets {at(259200)}"
 print(json.dumps({"result": text, "is_error": False}))
 END
-""")
-    path.chmod(0o755)
+"""
+
+
+def make_busy(scratch, transcripts, samples):
+    """Fills the directory with what a busy user has; returns the variables, as `env` takes them, that lead there."""
+    config = scratch / "claude"
+    subprocess.run([sys.executable, ROOT / "bench/corpus.py", config, "--bytes", transcripts, "--now",
+                    time.strftime("%Y-%m-%dT%H:%M:%SZ", time.gmtime())], check=True, stdout=subprocess.DEVNULL)
+    write_history(scratch / "home", samples)
+    client = scratch / "bin/claude"
+    client.parent.mkdir()
+    client.write_text(CLIENT)
+    client.chmod(0o755)
+    return [f"CLAUDE_CONFIG_DIR={config}", f"VORN_HOME={scratch / 'home'}",
+            f"PATH={scratch / 'bin'}:{os.environ['PATH']}"]
 
 
 def memory(pid):
@@ -62,16 +74,8 @@ def processes_named(name, session):
 def running_vorn(vorn, transcripts, samples, **popen):
     """Starts X server, bus, panel and `vorn` with `transcripts` bytes to scan and `samples` in its history; gives the
     session's process, whose id is the session's. All of it is gone afterwards."""
-    with tempfile.TemporaryDirectory(prefix="vorn-bench-") as scratch_name:
-        scratch = pathlib.Path(scratch_name)
-        config = scratch / "claude"
-        subprocess.run([sys.executable, ROOT / "bench/corpus.py", config, "--bytes", transcripts, "--now",
-                        time.strftime("%Y-%m-%dT%H:%M:%SZ", time.gmtime())], check=True, stdout=subprocess.DEVNULL)
-        write_history(scratch / "home", samples)
-        (scratch / "bin").mkdir()
-        write_client(scratch / "bin/claude")
-        places = [f"CLAUDE_CONFIG_DIR={config}", f"VORN_HOME={scratch / 'home'}",
-                  f"PATH={scratch / 'bin'}:{os.environ['PATH']}"]
+    with tempfile.TemporaryDirectory(prefix="vorn-bench-") as scratch:
+        places = make_busy(pathlib.Path(scratch), transcripts, samples)
         session = subprocess.Popen([ROOT / "tests/desktop/with-desktop", "env", *places, vorn],
                                    start_new_session=True, **popen)
         try:

@@ -1,13 +1,10 @@
 #pragma once
 
-#include <QObject>
 #include <array>
 #include <cstdint>
 #include <memory>
-#include <vector>
 
-#include "ui/views/view_engine.hpp"
-#include "ui/views/window_place.hpp"
+#include "ui/views/view_window.hpp"
 
 namespace vorn {
 
@@ -20,9 +17,8 @@ class PanelBrightness;
 class Preferences;
 class UsageModel;
 
-/// The window of the settings: an ordinary window, of which there is one. What it changes holds at once. Main thread
-/// only.
-class SettingsWindow : public QObject {
+/// The window of the settings. What it changes holds at once.
+class SettingsWindow : public ViewWindow {
     Q_OBJECT
 
 public:
@@ -46,32 +42,24 @@ public:
     SettingsWindow(const Deps& deps, ViewEngine& engine, QObject* parent = nullptr);
     ~SettingsWindow() override;
 
-    /// Shows it in front, on the page that was shown last. Stays closed where it cannot be loaded.
-    void open();
+    using ViewWindow::open;  ///< On the page that was shown last.
     void open(Page page);
-    Q_SLOT void close();
-    [[nodiscard]] bool isOpen() const;
 
 signals:
-    void opened();
-    void closed();
     /// The user wants to choose the `claude` executable in a dialog.
     void chooseClaudeRequested();
 
 protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
+    [[nodiscard]] std::unique_ptr<View> makeView(ViewEngine::Hold hold) override;
+    [[nodiscard]] Sizes sizesFor(const QQuickItem& root) const override;
+    void prepare(View& view) override;
+    void leave(View& view) override;
 
 private:
-    class View;
-
-    bool createView();
-    void rememberPlace() const;
+    class Content;
 
     const Deps m_deps;
-    ViewEngine& m_engine;
-    std::unique_ptr<ClaudeFinder> m_finder;        ///< Remembers from one opening to the next.
-    std::unique_ptr<View> m_view;                  ///< While open.
-    std::vector<std::unique_ptr<View>> m_closing;  ///< Until the events that closed them are through.
+    std::unique_ptr<ClaudeFinder> m_finder;  ///< Remembers from one opening to the next.
     Page m_page = Page::general;
 };
 

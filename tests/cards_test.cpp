@@ -1,5 +1,4 @@
 #include <QAccessible>
-#include <QDir>
 #include <QGuiApplication>
 #include <QQmlComponent>
 #include <QQmlEngine>
@@ -14,6 +13,8 @@
 
 #include "core/sources/activity_summary.hpp"
 #include "platform/desktop_appearance.hpp"
+#include "tests/support/qt_warnings.hpp"
+#include "tests/support/view_looks.hpp"
 #include "tests/support/view_states.hpp"
 #include "ui/views/activity_presenter.hpp"
 #include "ui/views/breakdown_presenter.hpp"
@@ -25,14 +26,6 @@ namespace vorn {
 namespace {
 
 using namespace test;
-
-std::vector<std::string> warnings;
-
-void takeWarning(QtMsgType type, const QMessageLogContext&, const QString& text) {
-    if (type != QtDebugMsg && type != QtInfoMsg && !text.startsWith("This plugin does not support")) {
-        warnings.push_back(text.toStdString());
-    }
-}
 
 /// The cards in a window, with presenters of one model.
 class Cards {
@@ -71,11 +64,7 @@ public:
         window.requestActivate();
         EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
     }
-    void keep(const std::string& name) {
-        if (const char* const directory = std::getenv("VORN_VIEW_PICTURES")) {
-            window.grabWindow().save(QDir(directory).filePath(QString::fromStdString(name + ".png")));
-        }
-    }
+    void keep(const std::string& name) { test::keepPicture(window.grabWindow(), name); }
     void press(Qt::Key key, int times = 1) {
         for (int i = 0; i < times; ++i) {
             QTest::keyClick(&window, key);
@@ -115,14 +104,14 @@ TEST(Cards, ShowEveryStateWithoutAWarning) {
     for (const auto& [name, enter] : allViewStates()) {
         SCOPED_TRACE(name);
         for (const bool isDark : {false, true}) {
-            warnings.clear();
+            const test::Warnings warnings;
             ViewState state;
             enter(state);
             Cards cards(*state.model, {.isDark = isDark});
             QGuiApplication::setLayoutDirection(isDark && name == "watch" ? Qt::RightToLeft : Qt::LeftToRight);
             cards.addAll();
             cards.keep(name + (isDark ? "-dark" : "-light"));
-            EXPECT_THAT(warnings, testing::IsEmpty());
+            EXPECT_THAT(test::Warnings::texts(), testing::IsEmpty());
         }
     }
     QGuiApplication::setLayoutDirection(Qt::LeftToRight);
@@ -264,6 +253,5 @@ int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     vorn::ViewEngine::useSoftwareRendering();
     const QGuiApplication application(argc, argv);
-    qInstallMessageHandler(&vorn::takeWarning);
     return RUN_ALL_TESTS();
 }

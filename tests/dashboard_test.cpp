@@ -1,5 +1,4 @@
 #include <QApplication>
-#include <QDir>
 #include <QImage>
 #include <QQmlContext>
 #include <QQmlProperty>
@@ -14,6 +13,7 @@
 
 #include "platform/desktop_appearance.hpp"
 #include "tests/support/qt_warnings.hpp"
+#include "tests/support/view_looks.hpp"
 #include "tests/support/view_states.hpp"
 #include "ui/views/dashboard_content.hpp"
 #include "ui/views/dashboard_window.hpp"
@@ -49,13 +49,6 @@ QImage picture(UsageModel& model, const PictureLook& with) {
         {.view = QUrl("qrc:/qt/qml/Vorn/DashboardView.qml"), .properties = properties, .pixelRatio = with.pixelRatio});
 }
 
-/// For people to look at, where the environment names a directory.
-void keepPicture(const QImage& image, const std::string& name) {
-    if (const char* const directory = std::getenv("VORN_VIEW_PICTURES")) {
-        image.save(QDir(directory).filePath(QString::fromStdString(name + ".png")));
-    }
-}
-
 TEST(DashboardView, ShowsEveryStateWithoutAWarning) {
     for (const auto& [name, enter] : test::allViewStates()) {
         SCOPED_TRACE(name);
@@ -70,14 +63,13 @@ TEST(DashboardView, ShowsEveryStateWithoutAWarning) {
             EXPECT_THAT(Warnings::texts(), testing::IsEmpty());
             EXPECT_EQ(image.width(), with.width);
             EXPECT_GT(image.height(), 200);
-            keepPicture(image, name + "-" + std::to_string(with.width));
+            test::keepPicture(image, name + "-" + std::to_string(with.width));
         }
     }
 }
 
 TEST(DashboardView, MirrorsAndGrowsWithoutAWarning) {
     const test::ScopedEnvironment american("LC_ALL", "en_US.UTF-8");
-    const QFont font = QGuiApplication::font();
     const struct {
         const char* name;
         Qt::LayoutDirection direction;
@@ -85,21 +77,16 @@ TEST(DashboardView, MirrorsAndGrowsWithoutAWarning) {
         double pixelRatio;
     } cases[] = {{"right-to-left", Qt::RightToLeft, 10, 1}, {"large-type", Qt::LeftToRight, 16, 2}};
     for (const auto& c : cases) {
-        QGuiApplication::setLayoutDirection(c.direction);
-        QFont sized = font;
-        sized.setPointSize(c.points);
-        QGuiApplication::setFont(sized);
+        const test::ScopedType type(c.direction, c.points);
         for (const auto& [name, enter] : test::allViewStates()) {
             SCOPED_TRACE(name + " " + c.name);
             const Warnings warnings;
             ViewState state;
             enter(state);
-            keepPicture(picture(*state.model, {.pixelRatio = c.pixelRatio}), name + "-" + c.name);
+            test::keepPicture(picture(*state.model, {.pixelRatio = c.pixelRatio}), name + "-" + c.name);
             EXPECT_THAT(Warnings::texts(), testing::IsEmpty());
         }
     }
-    QGuiApplication::setLayoutDirection(Qt::LeftToRight);
-    QGuiApplication::setFont(font);
 }
 
 TEST(ThinnedPoints, KeepPeaksAndBendsAndNothingElse) {

@@ -1,6 +1,5 @@
 #include <QAccessible>
 #include <QApplication>
-#include <QDir>
 #include <QFont>
 #include <QImage>
 #include <QQmlEngine>
@@ -15,6 +14,7 @@
 
 #include "platform/desktop_appearance.hpp"
 #include "tests/support/qt_warnings.hpp"
+#include "tests/support/view_looks.hpp"
 #include "tests/support/view_states.hpp"
 #include "ui/views/freshness_presenter.hpp"
 #include "ui/views/popover_window.hpp"
@@ -71,13 +71,6 @@ QImage picture(UsageModel& model, const PictureLook& with) {
                              .pixelRatio = with.pixelRatio});
 }
 
-/// For people to look at, where the environment names a directory.
-void keepPicture(const QImage& image, const std::string& name) {
-    if (const char* const directory = std::getenv("VORN_VIEW_PICTURES")) {
-        image.save(QDir(directory).filePath(QString::fromStdString(name + ".png")));
-    }
-}
-
 TEST(PopoverView, ShowsEveryStateWithoutAWarning) {
     for (const auto& [name, enter] : test::allViewStates()) {
         SCOPED_TRACE(name);
@@ -89,14 +82,13 @@ TEST(PopoverView, ShowsEveryStateWithoutAWarning) {
             const QImage image = picture(*state.model, {.look = look, .pixelRatio = 2});
             EXPECT_THAT(Warnings::texts(), testing::IsEmpty());
             EXPECT_GT(image.height(), 300);
-            keepPicture(image, name + (look.highContrast ? "-contrast" : look.isDark ? "-dark" : "-light"));
+            test::keepPicture(image, name + (look.highContrast ? "-contrast" : look.isDark ? "-dark" : "-light"));
         }
     }
 }
 
 TEST(PopoverView, MirrorsGrowsAndTellsTheTimeAsTheUserDoes) {
     const test::ScopedEnvironment american("LC_ALL", "en_US.UTF-8");
-    const QFont font = QGuiApplication::font();
     const struct {
         const char* name;
         Qt::LayoutDirection direction;
@@ -110,21 +102,16 @@ TEST(PopoverView, MirrorsGrowsAndTellsTheTimeAsTheUserDoes) {
                  {"plain-screen", Qt::LeftToRight, 10, 1}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        QGuiApplication::setLayoutDirection(c.direction);
-        QFont sized = font;
-        sized.setPointSize(c.points);
-        QGuiApplication::setFont(sized);
+        const test::ScopedType type(c.direction, c.points);
         for (const auto& [name, enter] : test::allViewStates()) {
             const Warnings warnings;
             ViewState state;
             enter(state);
-            keepPicture(picture(*state.model, {.pixelRatio = c.pixelRatio, .inManyWords = c.inManyWords}),
-                        name + "-" + c.name);
+            test::keepPicture(picture(*state.model, {.pixelRatio = c.pixelRatio, .inManyWords = c.inManyWords}),
+                              name + "-" + c.name);
             EXPECT_THAT(Warnings::texts(), testing::IsEmpty());
         }
     }
-    QGuiApplication::setLayoutDirection(Qt::LeftToRight);
-    QGuiApplication::setFont(font);
 }
 
 /// The popover in a window of its own, with a model that may be put into any state before.

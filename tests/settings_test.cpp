@@ -1,5 +1,4 @@
 #include <QAccessible>
-#include <QDir>
 #include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
@@ -27,6 +26,7 @@
 #include "platform/notification_center.hpp"
 #include "platform/panel_brightness.hpp"
 #include "tests/support/qt_warnings.hpp"
+#include "tests/support/view_looks.hpp"
 #include "tests/support/view_states.hpp"
 #include "ui/views/claude_finder.hpp"
 #include "ui/views/settings_pages.hpp"
@@ -122,12 +122,8 @@ struct World {
     void writeClaudeSettings(const std::string& json) { home.write(".claude/settings.json", json); }
 };
 
-/// All pages on one sheet, for people to look at, where the environment names a directory.
+/// All pages on one sheet.
 void keepPictures(const std::vector<QImage>& pages, const std::string& name) {
-    const char* const directory = std::getenv("VORN_VIEW_PICTURES");
-    if (directory == nullptr || pages.front().isNull()) {
-        return;
-    }
     const QSize size = pages.front().size();
     QImage sheet(size * 2, QImage::Format_RGB32);
     QPainter painter(&sheet);
@@ -135,7 +131,7 @@ void keepPictures(const std::vector<QImage>& pages, const std::string& name) {
         const auto at = static_cast<int>(i);
         painter.drawImage(QRect(QPoint(at % 2 * size.width(), at / 2 * size.height()), size), pages[i]);
     }
-    sheet.save(QDir(directory).filePath(QString::fromStdString("settings-" + name + ".png")));
+    test::keepPicture(sheet, "settings-" + name);
 }
 
 void expectPictures(World& world, const std::string& name, double pixelRatio = 2) {
@@ -183,20 +179,14 @@ TEST(SettingsView, HoldsLongWords) {
 }
 
 TEST(SettingsView, MirrorsAndGrowsWithTheFont) {
-    const QFont font = QGuiApplication::font();
     for (const auto& [name, direction, points] :
          {std::tuple("right-to-left", Qt::RightToLeft, 10), std::tuple("large-type", Qt::LeftToRight, 16),
           std::tuple("small-type", Qt::LeftToRight, 8)}) {
-        QGuiApplication::setLayoutDirection(direction);
-        QFont sized = font;
-        sized.setPointSize(points);
-        QGuiApplication::setFont(sized);
+        const test::ScopedType type(direction, points);
         World world;
         world.state.model->startDemo(demo::makeDemo(demo::Scenario::limited, world.state.now));
         expectPictures(world, name);
     }
-    QGuiApplication::setLayoutDirection(Qt::LeftToRight);
-    QGuiApplication::setFont(font);
 }
 
 TEST(SettingsView, ShowsEveryStateWithoutAWarning) {

@@ -110,7 +110,7 @@ TEST_F(DesktopNoticesTest, ReachDunstOnceEach) {
         GTEST_SKIP() << "needs dunst and Xvfb";
     }
     QProcess display;
-    display.start("Xvfb", {"-displayfd", "1", "-screen", "0", "640x480x24", "-nolisten", "tcp"});
+    display.start("Xvfb", {"-displayfd", "1", "-screen", "0", "640x480x24", "-nolisten", "tcp", "-noreset"});
     display.waitForReadyRead(10'000);
     const auto number = display.readAllStandardOutput().trimmed();
     const test::ScopedEnvironment displayName("DISPLAY", (":" + number).constData());

@@ -26,14 +26,16 @@ LOOKBACK = 7 * DAY
 SUMS = ("input", "output", "cache_read", "cache_write_5m", "cache_write_1h")
 MODELS = ("claude-opus-5-5", "claude-opus-5-5", "claude-opus-5-5", "claude-sonnet-5-2", "claude-sonnet-4-6-20260214",
           "claude-haiku-4-5-20251001", "us.anthropic.claude-Haiku-4-5-20251001-v1:0", "claude-fable-1")
-DIRECTORIES = ("/home/dev/code/ledger", "/home/dev/src/pixel.garden", "/home/dev/code/map tiles", "/srv/build", "/home/dev")
-WORDS = ("the of and to in for with on from as at is it that when then while after queue buffer socket frame cursor handler "
-         "parser signal window thread commit branch index table column record field token stream header footer cache "
-         "counter timer budget policy retry batch worker reader runner module export function method object value string "
-         "number array vector iterator result error message level option session request response status path file "
-         "folder kernel process memory stack event channel promise future return raise assert verify compare update "
-         "delete merge filter render layout border harbour lantern meadow willow quartz ember river ridge orchard usage "
-         "assistant type naïve café “quoted” → ✓ 日本語 übermäßig 🤖").split()
+DIRECTORIES = ("/home/dev/code/ledger", "/home/dev/src/pixel.garden", "/home/dev/code/map tiles", "/srv/build",
+               "/home/dev")
+KINDS = ("plain", "synthetic", "zero", "whole second", "no usage", "no ids", "no message id", "no request id")
+WORDS = ("the of and to in for with on from as at is it that when then while after queue buffer socket frame "
+         "cursor handler parser signal window thread commit branch index table column record field token stream "
+         "header footer cache counter timer budget policy retry batch worker reader runner module export function "
+         "method object value string number array vector iterator result error message level option session "
+         "request response status path file folder kernel process memory stack event channel promise future return "
+         "raise assert verify compare update delete merge filter render layout border harbour lantern meadow "
+         "willow quartz ember river ridge orchard usage assistant type naïve café “quoted” → ✓ 日本語 übermäßig 🤖").split()
 
 
 def stamp(ms):
@@ -142,8 +144,10 @@ class Corpus:
                  b'"rendered":[{"content":"%s"}],%s' % (body, stamp(self.clock).encode(), body, self.tail()))
 
     def shape(self):
-        tools = b",".join(b'{"name":"%s","description":"%s","input_schema":{"type":"object","properties":{"a":{"type":"string"}}}}'
-                          % (self.name("Tool", 6).encode(), self.filler(3000)) for _ in range(self.size(26, .25, 10, 40)))
+        schema = b'{"type":"object","properties":{"a":{"type":"string"}}}'
+        tools = b",".join(b'{"name":"%s","description":"%s","input_schema":%s}'
+                          % (self.name("Tool", 6).encode(), self.filler(3000), schema)
+                          for _ in range(self.size(26, .25, 10, 40)))
         self.put(b'{"type":"api-request-shape","sessionId":"%s","timestamp":"%s","shape":{"tools":[%s]}}'
                  % (self.session.encode(), stamp(self.clock).encode(), tools))
 
@@ -157,18 +161,18 @@ class Corpus:
             content = b'"%s"' % escaped(self.reply(quoted=True).decode()).encode()
         elif chance < .08:  # the same, kept as an object
             extra = b'{"entry":%s,"usage":{"input_tokens":77}}' % self.reply(quoted=True)
-        self.put(b'{"type":"user","message":{"role":"user","content":[{"type":"tool_result","content":%s}]},"timestamp":"%s",'
-                 b'"toolUseResult":%s,%s' % (content, stamp(self.clock).encode(), extra, self.tail()))
+        self.put(b'{"type":"user","message":{"role":"user","content":[{"type":"tool_result","content":%s}]},'
+                 b'"timestamp":"%s","toolUseResult":%s,%s' % (content, stamp(self.clock).encode(), extra, self.tail()))
 
     # Replies.
 
     def usage(self, tokens, style):
-        read, written = tokens[2], tokens[3] + tokens[4]
-        split = {"both": ',"cache_creation":{"ephemeral_1h_input_tokens":%d,"ephemeral_5m_input_tokens":%d}' % (tokens[4], tokens[3]),
-                 "half": ',"cache_creation":{"ephemeral_%s_input_tokens":%d}' % (("1h", tokens[4]) if tokens[4] else ("5m", tokens[3])),
-                 "empty": ',"cache_creation":{}', "null": ',"cache_creation":null', "absent": ""}[style]
-        counts = '"input_tokens":%d,"cache_creation_input_tokens":%d,"cache_read_input_tokens":%d,"output_tokens":%d%s' % (
-            tokens[0], written, read, tokens[1], split)
+        fresh, output, read, short, hour = tokens
+        both = '{"ephemeral_1h_input_tokens":%d,"ephemeral_5m_input_tokens":%d}' % (hour, short)
+        half = '{"ephemeral_%s_input_tokens":%d}' % (("1h", hour) if hour else ("5m", short))
+        split = {"both": both, "half": half, "empty": "{}", "null": "null"}.get(style)
+        counts = ('"input_tokens":%d,"cache_creation_input_tokens":%d,"cache_read_input_tokens":%d,"output_tokens":%d'
+                  % (fresh, short + hour, read, output)) + (',"cache_creation":' + split if split else "")
         again = "{%s}" % counts if self.rng.random() < .5 else ""
         return '{%s,"service_tier":"standard","iterations":[%s]}' % (counts, again)
 
@@ -182,8 +186,9 @@ class Corpus:
             decoy = ',"type":"assistant","timestamp":"2020-01-01T00:00:00.000Z","id":"msg_inner"'
         content = b'{"type":"tool_use","input":{"content":"%s"%s}}' % (
             self.filler(self.size(900, .9, 40, 40_000 if chance > .995 else 6000)), decoy.encode())
-        members = [b'"message":{%s"role":"assistant","model":"%s","content":[%s],"usage":%s}' % (
-                       b'"id":"%s",' % message.encode() if message else b"", model.encode(), content, (usage or "null").encode()),
+        identity = b'"id":"%s",' % message.encode() if message else b""
+        members = [b'"message":{%s"role":"assistant","model":"%s","content":[%s],"usage":%s}'
+                   % (identity, model.encode(), content, (usage or "null").encode()),
                    b'"type":"assistant"', b'"timestamp":"%s"' % (time or stamp(at or self.clock)).encode()]
         if request:
             members.append(b'"requestId":"%s"' % request.encode())
@@ -199,8 +204,7 @@ class Corpus:
     def group(self, kind=None):
         """One reply in one to three lines."""
         rng, tokens = self.rng, self.counts()
-        kind = kind or rng.choices(("plain", "synthetic", "zero", "whole second", "no usage", "no ids", "no message id",
-                                    "no request id"), (94, 1, 1, 1, 1, .6, .6, 1))[0]
+        kind = kind or rng.choices(KINDS, (94, 1, 1, 1, 1, .6, .6, 1))[0]
         style = rng.choices(("both", "half", "empty", "null", "absent"), (84, 5, 3, 3, 5))[0]
         if style not in ("both", "half"):
             tokens[3:] = [tokens[3] + tokens[4], 0]  # without a split they are five-minute writes
@@ -216,7 +220,8 @@ class Corpus:
         for output in outputs:
             tokens[1] = output
             counted = [0] * 5 if kind == "zero" else tokens
-            line = self.reply(message, request, self.clock, model, None if kind == "no usage" else self.usage(counted, style), whole)
+            usage = None if kind == "no usage" else self.usage(counted, style)
+            line = self.reply(message, request, self.clock, model, usage, whole)
             self.put(line)
             if kind in ("plain", "no ids", "no message id", "no request id"):
                 self.expected.add(key, self.clock, model, tokens)
@@ -264,7 +269,7 @@ class Corpus:
     def edges(self):
         """Every kind of reply once, and replies around the edge of the lookback."""
         self.begin(self.now - DAY)
-        for kind in ("plain", "synthetic", "zero", "whole second", "no usage", "no ids", "no message id", "no request id"):
+        for kind in KINDS:
             self.group(kind)
         for distance in (-DAY, -1, 0, 1):
             message, tokens = self.name("msg_01"), self.counts()

@@ -1,4 +1,4 @@
-"""The built application in a session of its own, as a busy user has it, for the benchmarks that watch it from outside."""
+"""The built application in a session of its own, as a busy user has it, for benchmarks that watch it from outside."""
 import contextlib
 import json
 import os

@@ -27,7 +27,7 @@ def need(*programs):
             print(f"skipped: {program} is not installed")
             sys.exit(77)
     # Some containers forbid it.
-    if "strace" in programs and subprocess.run(["strace", "-qq", "-o", "/dev/null", "true"], check=False).returncode != 0:
+    if "strace" in programs and subprocess.run(["strace", "-qq", "-o", "/dev/null", "true"], check=False).returncode:
         print("skipped: strace may not trace here")
         sys.exit(77)
 
@@ -37,10 +37,20 @@ def stamp(seconds, form="%Y-%m-%dT%H:%M:%SZ"):
 
 
 def answer(extra=""):
-    resets = [stamp(at, "%b %d at %I:%M%p (UTC)") for at in (SESSION_RESET, WEEK_RESET)]
-    return json.dumps({"is_error": False, "result": f"Current session: 40% used · resets {resets[0]}\n"
-                       f"Current week (all models): 50% used · resets {resets[1]}\n{extra}\n"
-                       "Last 24h · 20 requests · 2 sessions\n  50% of your usage was at >150k context\nTop skills: /review 30%\n"})
+    session, week = (stamp(at, "%b %d at %I:%M%p (UTC)") for at in (SESSION_RESET, WEEK_RESET))
+    return json.dumps({"is_error": False, "result": f"""Current session: 40% used · resets {session}
+Current week (all models): 50% used · resets {week}
+{extra}
+Last 24h · 20 requests · 2 sessions
+  50% of your usage was at >150k context
+Top skills: /review 30%
+"""})
+
+
+def summary(rounds, problems):
+    lost = sum("lost" in problem for problem in problems)
+    broken = sum("broken" in problem or "torn" in problem for problem in problems)
+    return f"{rounds} rounds, {lost} lost records, {broken} broken files, {len(problems)} problems"
 
 
 class World:
@@ -51,8 +61,12 @@ class World:
         self.root = pathlib.Path(tempfile.mkdtemp(prefix="vorn-world-", dir=inside))
         self.root.chmod(0o755)
         self.home, self.vorn, self.claude = self.root / "home", self.root / "home/data/Vorn", self.root / "home/claude"
-        self.drop = ["setpriv", f"--reuid={NOBODY}", f"--regid={NOBODY}", "--clear-groups"] if unprivileged and not os.geteuid() else []
-        for folder in (self.vorn, self.claude / "projects/-srv", self.home / "bin", self.home / "run", self.home / "config"):
+        self.turn = INPUT
+        self.drop = []
+        if unprivileged and os.geteuid() == 0:
+            self.drop = ["setpriv", f"--reuid={NOBODY}", f"--regid={NOBODY}", "--clear-groups"]
+        of_home = [self.home / name for name in ("bin", "run", "config")]
+        for folder in (self.vorn, self.claude / "projects/-srv", *of_home):
             folder.mkdir(parents=True)
         self.vorn.chmod(0o700)
         (self.home / "run").chmod(0o700)
@@ -63,10 +77,11 @@ class World:
         reply = {"type": "assistant", "timestamp": stamp(NOW - 600), "cwd": "/srv", "requestId": "r", "message": {
             "id": "m", "model": "claude-opus-5-5", "usage": {"input_tokens": 5, "output_tokens": 400}}}
         (self.claude / "projects/-srv/a.jsonl").write_text(json.dumps(reply) + "\n")
-        self.environment = {"PATH": f"{self.home / 'bin'}:/usr/bin:/bin", "HOME": str(self.home), "TZ": "UTC", "LC_ALL": "C.UTF-8",
-                            "VORN_HOME": str(self.vorn), "CLAUDE_CONFIG_DIR": str(self.claude), "TMPDIR": str(self.root),
-                            "XDG_RUNTIME_DIR": str(self.home / "run"), "XDG_CONFIG_HOME": str(self.home / "config"),
-                            "XDG_DATA_HOME": str(self.home / "data"), "QT_QPA_PLATFORM": "offscreen"}
+        folders = {"HOME": self.home, "VORN_HOME": self.vorn, "CLAUDE_CONFIG_DIR": self.claude, "TMPDIR": self.root,
+                   "XDG_RUNTIME_DIR": self.home / "run", "XDG_CONFIG_HOME": self.home / "config",
+                   "XDG_DATA_HOME": self.home / "data"}
+        self.environment = {**{name: str(folder) for name, folder in folders.items()}, "TZ": "UTC", "LC_ALL": "C.UTF-8",
+                            "PATH": f"{self.home / 'bin'}:/usr/bin:/bin", "QT_QPA_PLATFORM": "offscreen"}
         self.give_away()
 
     def give_away(self):
@@ -91,7 +106,7 @@ class World:
         return {
             "connect": ([*ctl, "connect"], ""),
             "connect again": ([*ctl, "connect"], ""),
-            "status line": (["sh", "-c", self.command()], INPUT),
+            "status line": (["sh", "-c", self.command()], self.turn),
             "status": ([*ctl, "status", "--probe", "--format", "plain"], ""),
             "prune": ([*ctl, "status", "--probe", "--format", "plain"], ""),  # after `age`
             "plan add": ([*ctl, "plan", "add", stamp(NOW + 36000), "--note", "n"], ""),
@@ -117,8 +132,8 @@ class World:
         for job in ("connect", "status line", "status"):
             done = self.run(job)
             assert done.returncode == 0, (job, done)
-        plan = {"planned": [{"id": PLANNED, "date": stamp(NOW + 7200), "scope": "session", "note": "keep"}], "banked": 2}
-        (self.vorn / "reset-plan.json").write_text(json.dumps(plan))
+        reset = {"id": PLANNED, "date": stamp(NOW + 7200), "scope": "session", "note": "keep"}
+        (self.vorn / "reset-plan.json").write_text(json.dumps({"planned": [reset], "banked": 2}))
         self.give_away()
         return self
 

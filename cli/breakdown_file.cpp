@@ -33,16 +33,12 @@ void saveBreakdown(const std::optional<UsageInsights>& breakdown) {
         return;
     }
     try {
-        createPrivateDirectories(VornPaths::root());
         const fs::path file = VornPaths::breakdown();
-        const auto lock = FileLock::acquire(file.string() + ".lock", kPatience);
-        if (!lock) {
-            return;  // another one is writing what it has just been told
-        }
+        const FileLock lock = FileLock::beside(file, kPatience);
         removeAbandonedTemporaries(file);
         replaceFile(file, dumpJson(encode(*breakdown, DateCoding::secondsSince1970), true) + "\n");
     } catch (const fs::filesystem_error&) {
-        // It will be printed again.
+        // It will be printed again; and where another one keeps the file, that one has just been told.
     }
 }
 

@@ -165,11 +165,7 @@ void expectResets(PlannedReset::Scope scope) {
             }
         }
     };
-    try {
-        ProbeRecordStore(VornPaths::probeRecord()).edit(announce, kPatience);
-    } catch (const std::filesystem::filesystem_error&) {
-        throw PlanError("cannot write " + VornPaths::probeRecord().string());
-    }
+    ProbeRecordStore(VornPaths::probeRecord()).edit(announce, kPatience);
 }
 
 /// One that is running reads the plan and the announcement again; without one there is nobody to tell.
@@ -195,11 +191,11 @@ int guarded(const PlanArguments& arguments, void (*action)(const PlanArguments&)
         action(arguments);
         return kDone;
     } catch (const std::filesystem::filesystem_error& error) {
-        std::cerr << "vornctl: cannot change the plan: " << error.path1().string() << ": " << error.code().message()
-                  << "\n";
+        std::cerr << "vornctl: cannot change the plan: " << printable(error.path1().string()) << ": "
+                  << error.code().message() << "\n";
         return kFailed;
     } catch (const std::runtime_error& error) {
-        std::cerr << "vornctl: " << error.what() << "\n";
+        std::cerr << "vornctl: " << printable(error.what()) << "\n";
         return kFailed;
     }
 }

@@ -99,8 +99,18 @@ TEST(ResetPlanStore, SaysWhenItCannotSave) {
     const ResetPlanStore store(file);
     EXPECT_THROW(store.save({.planned = {planned(sys_days{12000y / 1 / 1})}}), DecodingError);
     EXPECT_THROW(store.save({.planned = {{"no id", kNow, Scope::all, ""}}}), DecodingError);
-    const auto held = FileLock::acquire(dir / "plan.lock", 0ms);
-    EXPECT_THROW(store.edit([](ResetPlan& plan) { plan.banked = 1; }, 1ms), fs::filesystem_error);
+    const auto codeOf = [](const ResetPlanStore& edited) {
+        try {
+            edited.edit([](ResetPlan& plan) { plan.banked = 1; }, 1ms);
+        } catch (const fs::filesystem_error& error) {
+            return error.code();
+        }
+        return std::error_code();
+    };
+    const auto held = FileLock::beside(file, 0ms);
+    EXPECT_EQ(codeOf(store), std::errc::device_or_resource_busy);
+    fs::create_directory(dir / "other.lock");
+    EXPECT_EQ(codeOf(ResetPlanStore(dir / "other")), std::errc::is_a_directory);
     EXPECT_EQ(readAll(file), "");
 }
 

@@ -106,14 +106,7 @@ bool ProbeRecordStore::save(const ProbeRecord& record) const try {
 
 ProbeRecord ProbeRecordStore::edit(const std::function<void(ProbeRecord&)>& change,
                                    std::chrono::milliseconds patience) const {
-    createPrivateDirectories(m_file.parent_path());
-    fs::path lockPath = m_file;
-    lockPath += ".lock";
-    std::error_code error;
-    const auto lock = FileLock::acquire(lockPath, patience, error);
-    if (!lock) {
-        throw fs::filesystem_error("cannot lock", lockPath, error);
-    }
+    const FileLock lock = FileLock::beside(m_file, patience);
     const ProbeRecord before = decodeLeniently(readToReplace(m_file, kLargestFile));
     ProbeRecord after = before;
     change(after);

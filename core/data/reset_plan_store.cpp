@@ -1,6 +1,5 @@
 #include "core/data/reset_plan_store.hpp"
 
-#include <system_error>
 #include <utility>
 
 #include "core/support/file.hpp"
@@ -59,14 +58,7 @@ void ResetPlanStore::keepIfDamaged() const {
 
 ResetPlan ResetPlanStore::edit(const std::function<void(ResetPlan&)>& change,
                                std::chrono::milliseconds patience) const {
-    createPrivateDirectories(m_file.parent_path());
-    // Beside the plan and not on it: saving puts another file in its place.
-    fs::path lockPath = m_file;
-    lockPath += ".lock";
-    const auto lock = FileLock::acquire(lockPath, patience);
-    if (!lock) {
-        throw fs::filesystem_error("cannot lock", lockPath, std::make_error_code(std::errc::device_or_resource_busy));
-    }
+    const FileLock lock = FileLock::beside(m_file, patience);
     const ResetPlan before = decodeLeniently(readToReplace(m_file, kLargestFile));
     ResetPlan after = before;
     change(after);

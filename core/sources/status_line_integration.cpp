@@ -33,7 +33,8 @@ auto writing(const fs::path& path, Step step) {
     try {
         return step();
     } catch (const fs::filesystem_error& error) {
-        throw notWritten(path, error.code().message());
+        const bool isBusy = error.code() == std::errc::device_or_resource_busy;
+        throw notWritten(path, isBusy ? "another Vorn is at work" : error.code().message());
     }
 }
 
@@ -130,10 +131,6 @@ JSONValue::Object StatusLineIntegration::readSettings() const {
 
 fs::path StatusLineIntegration::backup() const {
     return m_locations.settings.string() + ".vorn-backup";
-}
-
-fs::path StatusLineIntegration::lockFile() const {
-    return m_locations.record.string() + ".lock";
 }
 
 /// False when the file has not been `old` any more.
@@ -269,16 +266,11 @@ void StatusLineIntegration::uninstall() const {
 }
 
 FileLock StatusLineIntegration::lockOut() const {
-    const fs::path path = lockFile();
-    writing(path, [&] { createPrivateDirectories(fs::absolute(path).parent_path()); });
-    auto lock = FileLock::acquire(path, kPatience);
-    if (!lock) {
-        throw notWritten(path, "another Vorn is at work, or the folder is not writable");
-    }
+    FileLock lock = writing(m_locations.record, [&] { return FileLock::beside(m_locations.record, kPatience); });
     removeAbandonedTemporaries(m_locations.settings);
     removeAbandonedTemporaries(backup());
     removeAbandonedTemporaries(m_locations.record);
-    return *std::move(lock);
+    return lock;
 }
 
 std::optional<std::string> StatusLineIntegration::downstreamCommand() const {

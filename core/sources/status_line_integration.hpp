@@ -80,8 +80,6 @@ public:
 
     /// Where the one-time copy of the user's settings lies.
     [[nodiscard]] std::filesystem::path backup() const;
-    /// Taken while the settings or the record change.
-    [[nodiscard]] std::filesystem::path lockFile() const;
 
 private:
     struct Settings;

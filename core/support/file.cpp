@@ -375,6 +375,18 @@ std::optional<FileLock> FileLock::acquire(const fs::path& path, std::chrono::mil
     }
 }
 
+FileLock FileLock::beside(const fs::path& file, std::chrono::milliseconds patience) {
+    createPrivateDirectories(file.parent_path());
+    fs::path path = file;
+    path += ".lock";
+    std::error_code error;
+    auto lock = acquire(path, patience, error);
+    if (!lock) {
+        throw fs::filesystem_error("cannot lock", path, error);
+    }
+    return *std::move(lock);
+}
+
 FileLock::FileLock(FileLock&& other) noexcept : m_descriptor(std::exchange(other.m_descriptor, -1)) {}
 
 FileLock& FileLock::operator=(FileLock&& other) noexcept {

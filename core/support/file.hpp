@@ -87,6 +87,9 @@ public:
     /// The same with the reason in `error`: `device_or_resource_busy` when another process holds it.
     static std::optional<FileLock> acquire(const std::filesystem::path& path, std::chrono::milliseconds patience,
                                            std::error_code& error);
+    /// For who replaces `file`: the lock is beside it, named with ".lock" at the end, since what comes in its place is
+    /// another file. Makes their directory. Throws std::filesystem::filesystem_error with the reason, as above.
+    static FileLock beside(const std::filesystem::path& file, std::chrono::milliseconds patience);
 
     FileLock(FileLock&& other) noexcept;
     FileLock& operator=(FileLock&& other) noexcept;

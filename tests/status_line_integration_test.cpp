@@ -186,13 +186,22 @@ TEST(StatusLineIntegration, changesNothingItCannotRead) {
         EXPECT_EQ(readAll(places.settings), c.settings);
         EXPECT_FALSE(fs::exists(places.record) || fs::exists(integration.backup()));
     }
+    const std::string deep = std::string(250, '[') + std::string(250, ']');
+    std::string wide = R"({"a": [)" + deep;
+    for (int i = 0; i < 600; ++i) {
+        wide += "," + deep;
+    }
     const Places places;
-    constexpr const char* kBeyondTheRelay = R"({"statusLine": {"command": "mine", "padding": 1e999}})";
-    places.put(kBeyondTheRelay);
-    EXPECT_EQ(failureOf([&] { places.integration.install(kNow); }),
-              "Couldn't read Claude Code settings: the status line holds what Vorn's relay cannot pass on");
-    EXPECT_EQ(readAll(places.settings), kBeyondTheRelay);
-    EXPECT_FALSE(fs::exists(places.record));
+    for (const auto& [settings, reason] :
+         {std::pair<std::string, std::string>{R"({"statusLine": {"command": "mine", "padding": 1e999}})",
+                                              "the status line holds what Vorn's relay cannot pass on"},
+          {wide + "]}", "written out anew it would be too large to be read again"}}) {
+        places.put(settings);
+        EXPECT_EQ(failureOf([&] { places.integration.install(kNow); }),
+                  "Couldn't read Claude Code settings: " + reason);
+        EXPECT_EQ(readAll(places.settings), settings);
+        EXPECT_FALSE(fs::exists(places.record));
+    }
     fs::remove(places.settings);
     fs::create_directories(places.settings);
     EXPECT_EQ(failureOf([&] { places.integration.install(kNow); }),

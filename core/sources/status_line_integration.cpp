@@ -208,6 +208,10 @@ JSONValue::Object StatusLineIntegration::connected(JSONValue::Object members) co
     statusLine["type"] = "command";
     statusLine[kCommand] = command;
     members[kMember] = std::move(statusLine);
+    if (fileText(members).size() > kLargestSettings) {
+        // Written with a line for every value, what is nested deep takes up to hundreds of times the room that it had.
+        throw IntegrationError::unreadableSettings("written out anew it would be too large to be read again");
+    }
     return members;
 }
 

@@ -56,7 +56,7 @@ public:
         if (isFresh(m_fallIsHeld ? m_record.lastProbeAt : m_state.lastObservedAt(), staleAfter()) && modelsAreFresh()) {
             return false;
         }
-        if (mayRetryProbe(m_record, m_choices.refresh, now())) {
+        if (mayRetryProbe(m_record, m_choices.refresh, now()) || hasTurnedUp()) {
             return true;
         }
         m_failure = ProbeFailure{
@@ -185,8 +185,17 @@ private:
         }
     }
 
+    [[nodiscard]] std::optional<std::filesystem::path> locateClient() const {
+        return ClaudeLocator::locate(m_request.claudePath.value_or(m_choices.claudePath));
+    }
+
+    /// Whether the client that was missing is there now: one that has never been asked needs no rest.
+    [[nodiscard]] bool hasTurnedUp() const {
+        return m_record.lastError == ProbeError(ProbeError::Kind::claudeNotFound).what() && locateClient();
+    }
+
     [[nodiscard]] UsageCommandParser::Result ask() const {
-        const auto executable = ClaudeLocator::locate(m_request.claudePath.value_or(m_choices.claudePath));
+        const auto executable = locateClient();
         if (!executable) {
             throw ProbeError(ProbeError::Kind::claudeNotFound);
         }

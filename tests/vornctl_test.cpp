@@ -210,6 +210,9 @@ TEST_F(VornctlTest, TellsWhyTheClientGaveNothing) {
     for (const char* path : {"/nowhere/claude", "/dev/null", VORN_USAGE_SAMPLES}) {
         EXPECT_EQ(run(std::string("status --probe --claude ") + path).standardError, notFound) << path;
     }
+    EXPECT_THAT(run("status --claude /nowhere/claude").standardError, HasSubstr("Not asked again before"));
+    answers(usage(23));
+    EXPECT_EQ(session(), 23) << "a client that is there now is asked at once";
 }
 
 TEST_F(VornctlTest, AnswersWhereTheClientOrTheSystemMisbehaves) {

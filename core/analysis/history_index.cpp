@@ -47,28 +47,22 @@ MatchingSamples HistoryIndex::matching(const UsageWindow& window) const {
     if (kind == m_kinds.end()) {
         return {};
     }
-    std::vector<Entry> entries = sameResetEntries(kind->second, window.resetsAt);
+    const auto shifted = [&](Seconds by) {
+        return window.resetsAt ? std::optional(*window.resetsAt + by) : std::nullopt;
+    };
+    std::vector<Entry> entries;
+    const auto end = kind->second.upper_bound(shifted(kSameInstanceTolerance));
+    for (auto at = kind->second.lower_bound(shifted(-kSameInstanceTolerance)); at != end; ++at) {
+        if (sameReset(at->first, window.resetsAt)) {
+            entries.insert(entries.end(), at->second.begin(), at->second.end());
+        }
+    }
     if (!std::ranges::is_sorted(entries, {}, &Entry::position)) {
         std::ranges::sort(entries, {}, &Entry::position);
     }
     std::vector<VornEngine::RatePoint> points(entries.size());
     std::ranges::transform(entries, points.begin(), &Entry::point);
     return MatchingSamples(std::move(points));
-}
-
-std::vector<HistoryIndex::Entry> HistoryIndex::sameResetEntries(const Resets& resets, std::optional<Instant> resetsAt) {
-    if (!resetsAt) {
-        const auto unknown = resets.find(std::nullopt);
-        return unknown != resets.end() ? unknown->second : std::vector<Entry>();
-    }
-    std::vector<Entry> entries;
-    const auto end = resets.upper_bound(*resetsAt + kSameInstanceTolerance);
-    for (auto at = resets.lower_bound(*resetsAt - kSameInstanceTolerance); at != end; ++at) {
-        if (sameReset(at->first, resetsAt)) {
-            entries.insert(entries.end(), at->second.begin(), at->second.end());
-        }
-    }
-    return entries;
 }
 
 }  // namespace vorn

@@ -39,7 +39,6 @@ private:
 
     [[nodiscard]] bool continues(std::span<const HistorySample> history) const;
     void add(const HistorySample& sample);
-    static std::vector<Entry> sameResetEntries(const Resets& resets, std::optional<Instant> resetsAt);
 
     std::map<std::string, Resets, std::less<>> m_kinds;  ///< By `HistorySample::kindKey`.
     std::optional<HistorySample> m_first;

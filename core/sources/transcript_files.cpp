@@ -148,29 +148,19 @@ void visitTranscripts(const std::filesystem::path& root, Instant modifiedAfter, 
 }
 
 TranscriptFile::TranscriptFile(const std::string& path) {
-    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY);
-    if (descriptor < 0) {
-        return;
-    }
-    const auto entry = entryStatus(descriptor, "");
-    if (!entry || entry->type != Type::regular) {
-        ::close(descriptor);
-        return;
-    }
-    m_descriptor = descriptor;
-    m_status = entry->status;
-}
-
-TranscriptFile::~TranscriptFile() {
-    if (m_descriptor >= 0) {
-        ::close(m_descriptor);
+    Descriptor opened(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY));
+    const auto entry = opened.isOpen() ? entryStatus(opened.get(), "") : std::nullopt;
+    if (entry && entry->type == Type::regular) {
+        m_descriptor = std::move(opened);
+        m_status = entry->status;
     }
 }
 
 std::size_t TranscriptFile::read(char* buffer, std::size_t length, std::uint64_t offset) const {
     std::size_t filled = 0;
     while (filled < length) {
-        const auto got = ::pread(m_descriptor, buffer + filled, length - filled, static_cast<off_t>(offset + filled));
+        const auto got =
+            ::pread(m_descriptor.get(), buffer + filled, length - filled, static_cast<off_t>(offset + filled));
         if (got < 0 && errno == EINTR) {
             continue;
         }

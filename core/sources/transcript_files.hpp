@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "core/support/descriptor.hpp"
 #include "core/support/time.hpp"
 
 namespace vorn {
@@ -33,23 +34,20 @@ using TranscriptVisitor = std::function<void(const std::string& path, const File
 /// itself) are not followed. What cannot be read is as good as empty.
 void visitTranscripts(const std::filesystem::path& root, Instant modifiedAfter, const TranscriptVisitor& visit);
 
-/// A file opened for reading; closes itself.
+/// A file opened for reading.
 class TranscriptFile {
 public:
     /// Follows no link and waits for no pipe. Not open when the file cannot be read or is not a regular one.
     explicit TranscriptFile(const std::string& path);
-    ~TranscriptFile();
-    TranscriptFile(const TranscriptFile&) = delete;
-    TranscriptFile& operator=(const TranscriptFile&) = delete;
 
-    [[nodiscard]] bool isOpen() const { return m_descriptor >= 0; }
+    [[nodiscard]] bool isOpen() const { return m_descriptor.isOpen(); }
     /// As it was when the file was opened.
     [[nodiscard]] const FileStatus& status() const { return m_status; }
     /// Fills `buffer` with up to `length` bytes from `offset` on. Fewer at the end of the file or after an error.
     std::size_t read(char* buffer, std::size_t length, std::uint64_t offset) const;
 
 private:
-    int m_descriptor = -1;
+    Descriptor m_descriptor;
     FileStatus m_status;
 };
 

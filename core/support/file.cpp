@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <system_error>
 #include <thread>
-#include <utility>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -13,7 +12,6 @@
 #include <unistd.h>
 
 #include "core/support/account.hpp"
-#include "core/support/descriptor.hpp"
 #include "core/support/file_platform.hpp"
 
 namespace vorn {
@@ -356,14 +354,14 @@ std::optional<FileLock> FileLock::acquire(const fs::path& path, std::chrono::mil
         // Opened anew for every try: whoever deletes the lock file must not leave us waiting at one that nobody else
         // will ever come to.
         FileLock lock(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, kPrivateFile));
-        if (lock.m_descriptor < 0) {
+        if (!lock.m_descriptor.isOpen()) {
             error = lastError();
             return std::nullopt;
         }
-        repairMode(lock.m_descriptor);
-        const bool granted = ::flock(lock.m_descriptor, LOCK_EX | LOCK_NB) == 0;
+        repairMode(lock.m_descriptor.get());
+        const bool granted = ::flock(lock.m_descriptor.get(), LOCK_EX | LOCK_NB) == 0;
         const bool unsupported = !granted && errno != EWOULDBLOCK && errno != EINTR;
-        if (unsupported || (granted && isNamed(path, lock.m_descriptor))) {
+        if (unsupported || (granted && isNamed(path, lock.m_descriptor.get()))) {
             error.clear();
             return lock;
         }
@@ -387,18 +385,10 @@ FileLock FileLock::beside(const fs::path& file, std::chrono::milliseconds patien
     return *std::move(lock);
 }
 
-FileLock::FileLock(FileLock&& other) noexcept : m_descriptor(std::exchange(other.m_descriptor, -1)) {}
-
-FileLock& FileLock::operator=(FileLock&& other) noexcept {
-    std::swap(m_descriptor, other.m_descriptor);
-    return *this;
-}
-
 FileLock::~FileLock() {
-    if (m_descriptor >= 0) {
+    if (m_descriptor.isOpen()) {
         // A child between fork and exec shares the lock; closing our end alone would not release it.
-        ::flock(m_descriptor, LOCK_UN);
-        ::close(m_descriptor);
+        ::flock(m_descriptor.get(), LOCK_UN);
     }
 }
 

@@ -9,6 +9,8 @@
 #include <string_view>
 #include <system_error>
 
+#include "core/support/descriptor.hpp"
+
 /// Files as Vorn treats them: read whole, replaced whole, and never half-written.
 namespace vorn {
 
@@ -91,15 +93,13 @@ public:
     /// another file. Makes their directory. Throws std::filesystem::filesystem_error with the reason, as above.
     static FileLock beside(const std::filesystem::path& file, std::chrono::milliseconds patience);
 
-    FileLock(FileLock&& other) noexcept;
-    FileLock& operator=(FileLock&& other) noexcept;
-    FileLock(const FileLock&) = delete;
-    FileLock& operator=(const FileLock&) = delete;
+    FileLock(FileLock&&) noexcept = default;
+    FileLock& operator=(FileLock&&) noexcept = default;
     ~FileLock();
 
 private:
     explicit FileLock(int descriptor) : m_descriptor(descriptor) {}
-    int m_descriptor = -1;
+    Descriptor m_descriptor;
 };
 
 }  // namespace vorn

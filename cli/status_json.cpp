@@ -85,7 +85,7 @@ json windowJson(const StatusReport::Card& card, Instant now, bool withRates) {
         {"kind", window.kind.key()},
         {"title", window.kind.title()},
         {"observedAt", formatIso8601(window.observedAt)},
-        {"source", window.source == DataSource::statusLine ? "statusLine" : "usageCommand"},
+        {"source", rawValue(window.source)},
         {"status", statusKey(assessment.status)},
         {"verdict", Format::verdict(assessment, now)},
         {"rateBasis", rawValue(assessment.rateBasis)},
@@ -167,7 +167,7 @@ json statusJson(const StatusReport& report, bool withRates) {
     object["resetPlan"] = encode(report.plan, DateCoding::iso8601);
     put(object, "observedAt", report.observedAt);
     if (report.source) {
-        object["source"] = *report.source == DataSource::statusLine ? "statusLine" : "usageCommand";
+        object["source"] = rawValue(*report.source);
     }
     if (report.relay) {
         object["statusLine"] = relayJson(*report.relay);

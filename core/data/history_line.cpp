@@ -62,11 +62,6 @@ bool take(Draft& draft, ondemand::field field) {
 
 static_assert(HistoryLineDecoder::padding >= simdjson::SIMDJSON_PADDING);
 
-bool isStorable(const HistorySample& sample) {
-    return std::isfinite(sample.usedPercent) && std::isfinite(secondsSince1970(sample.observedAt)) &&
-           (!sample.resetsAt || std::isfinite(secondsSince1970(*sample.resetsAt)));
-}
-
 void appendHistoryLine(std::string& lines, const HistorySample& sample) {
     // {} gives the shortest digits that read back as the same number, whatever the locale.
     const auto out = std::back_inserter(lines);

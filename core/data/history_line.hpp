@@ -12,10 +12,7 @@
 /// one, "t" the time of observation; times are seconds since 1970, and every number reads back as exactly itself.
 namespace vorn {
 
-/// Whether the sample can be written: JSON has no infinity.
-bool isStorable(const HistorySample& sample);
-
-/// Appends a storable sample and its line feed.
+/// Appends a finite sample (JSON has no infinity) and its line feed.
 void appendHistoryLine(std::string& lines, const HistorySample& sample);
 
 /// Reads lines back. Reuses its memory from line to line; not for use by two threads at once.

@@ -1,6 +1,7 @@
 #include "core/data/history_sample.hpp"
 
 #include <algorithm>
+#include <cmath>
 #include <map>
 #include <ostream>
 #include <string_view>
@@ -13,6 +14,11 @@ bool isCurrent(const HistorySample& sample, const WindowKind& kind, Instant now)
 }
 
 }  // namespace
+
+bool HistorySample::isFinite() const {
+    return std::isfinite(usedPercent) && std::isfinite(secondsSince1970(observedAt)) &&
+           std::isfinite(secondsSince1970(resetsAt.value_or(Instant{})));
+}
 
 std::vector<UsageWindow> newestCurrent(std::span<const HistorySample> samples, Instant now) {
     std::map<std::string_view, const HistorySample*> newest;

@@ -27,6 +27,9 @@ struct HistorySample {
         return kindKey == window.kind.key() && sameReset(resetsAt, window.resetsAt);
     }
 
+    /// Neither of its numbers is infinite or none.
+    [[nodiscard]] bool isFinite() const;
+
     bool operator==(const HistorySample&) const = default;
 };
 

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "core/data/history_line.hpp"
-
 namespace vorn {
 namespace {
 
@@ -87,7 +85,7 @@ void HistoryStore::loadIfNeeded() {
 }
 
 bool HistoryStore::isNew(const HistorySample& candidate, Instant now) const {
-    if (!isStorable(candidate)) {
+    if (!candidate.isFinite()) {
         return false;
     }
     // Samples from before the clock was set back would keep out all others until it has caught up.

@@ -8,10 +8,6 @@
 namespace vorn {
 namespace {
 
-const char* rawValue(DataSource source) {
-    return source == DataSource::statusLine ? "statusLine" : "usageCommand";
-}
-
 DataSource decodeDataSource(const nlohmann::json& value) {
     const std::string raw = decodeText(value);
     for (const DataSource source : {DataSource::usageCommand, DataSource::statusLine}) {
@@ -23,6 +19,10 @@ DataSource decodeDataSource(const nlohmann::json& value) {
 }
 
 }  // namespace
+
+const char* rawValue(DataSource source) {
+    return source == DataSource::statusLine ? "statusLine" : "usageCommand";
+}
 
 bool sameReset(std::optional<Instant> one, std::optional<Instant> other) {
     if (!one || !other) {

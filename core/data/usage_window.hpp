@@ -18,6 +18,9 @@ enum class DataSource : std::uint8_t {
     statusLine,    ///< a status-line snapshot written by the relay
 };
 
+/// "usageCommand", "statusLine": the form written in JSON.
+const char* rawValue(DataSource source);
+
 /// Two reset times closer than this name the same window instance: the sources round them differently.
 inline constexpr Seconds kSameInstanceTolerance{300};
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <unordered_map>
 #include <utility>
 
 #include "core/support/text.hpp"
@@ -11,19 +10,6 @@ namespace vorn {
 namespace {
 
 constexpr double kSixtieths = 60;
-
-using WeightByName = std::unordered_map<std::string_view, double>;
-
-/// Sums sixtieths of weight over the texts that `textOf` takes from the events. `upTo`: what `m_sixtiethsUpTo` holds
-/// from the first of them on; it is exact, and weighing each anew would take most of the time.
-template <typename TextOf>
-WeightByName weighBy(std::span<const ActivityEvent> events, std::span<const double> upTo, TextOf textOf) {
-    WeightByName weights;
-    for (std::size_t i = 0; i < events.size(); ++i) {
-        weights[textOf(events[i])] += upTo[i + 1] - upTo[i];
-    }
-    return weights;
-}
 
 std::vector<ActivitySummary::Slice> rank(const std::unordered_map<std::string, double>& sixtieths, std::size_t limit) {
     std::vector<std::pair<std::string, double>> ranked(sixtieths.begin(), sixtieths.end());
@@ -115,25 +101,27 @@ std::vector<ActivitySummary::Bucket> ActivitySummary::timeline(Instant from, Ins
     return buckets;
 }
 
+std::unordered_map<std::string_view, double> ActivitySummary::sixtiethsBy(SharedText ActivityEvent::*text,
+                                                                          Instant since) const {
+    std::unordered_map<std::string_view, double> weights;
+    for (std::size_t i = indexOf(since); i < m_events.size(); ++i) {
+        // These sums are exact, and weighing each event anew would take most of the time.
+        weights[m_events[i].*text] += m_sixtiethsUpTo[i + 1] - m_sixtiethsUpTo[i];
+    }
+    return weights;
+}
+
 std::vector<ActivitySummary::Slice> ActivitySummary::projects(Instant since, std::size_t limit) const {
-    const std::size_t first = indexOf(since);
-    const auto considered = std::span(m_events).subspan(first);
-    const auto upTo = std::span(m_sixtiethsUpTo).subspan(std::min(first, m_sixtiethsUpTo.size()));
     std::unordered_map<std::string, double> byProject;
-    for (const auto& [cwd, weight] :
-         weighBy(considered, upTo, [](const auto& e) -> std::string_view { return e.cwd; })) {
+    for (const auto& [cwd, weight] : sixtiethsBy(&ActivityEvent::cwd, since)) {
         byProject[std::string(projectName(cwd))] += weight;
     }
     return rank(byProject, limit);
 }
 
 std::vector<ActivitySummary::Slice> ActivitySummary::models(Instant since, std::size_t limit) const {
-    const std::size_t first = indexOf(since);
-    const auto considered = std::span(m_events).subspan(first);
-    const auto upTo = std::span(m_sixtiethsUpTo).subspan(std::min(first, m_sixtiethsUpTo.size()));
     std::unordered_map<std::string, double> byFamily;
-    for (const auto& [model, weight] :
-         weighBy(considered, upTo, [](const auto& e) -> std::string_view { return e.model; })) {
+    for (const auto& [model, weight] : sixtiethsBy(&ActivityEvent::model, since)) {
         byFamily[modelFamily(model)] += weight;
     }
     return rank(byFamily, limit);

@@ -5,6 +5,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "core/sources/activity_event.hpp"
@@ -59,6 +60,9 @@ public:
 
 private:
     [[nodiscard]] std::size_t indexOf(Instant instant) const;
+    /// Sixty times the weight of the events from `since` on, summed for each of their texts.
+    [[nodiscard]] std::unordered_map<std::string_view, double> sixtiethsBy(SharedText ActivityEvent::*text,
+                                                                           Instant since) const;
 
     std::vector<ActivityEvent> m_events;
     std::vector<double> m_sixtiethsUpTo;  ///< [i]: sixty times the weight of the first i events; empty without events.

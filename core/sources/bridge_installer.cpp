@@ -5,13 +5,13 @@
 #include <unistd.h>
 
 #include "core/sources/integration_error.hpp"
+#include "core/sources/integration_record.hpp"
 #include "core/support/file.hpp"
 
 namespace vorn::BridgeInstaller {
 namespace fs = std::filesystem;
 namespace {
 
-constexpr const char* kName = "vorn-bridge";
 constexpr unsigned kMode = 0755;
 constexpr std::chrono::milliseconds kPatience{2000};
 
@@ -25,7 +25,8 @@ bool canRun(const fs::path& file) {
 fs::path find(const fs::path& executable) {
     const fs::path directory = executable.parent_path();
     const fs::path parent = directory.parent_path();
-    for (const fs::path& place : {parent / "Helpers" / kName, directory / kName, parent / "libexec/vorn" / kName}) {
+    for (const fs::path& place :
+         {parent / "Helpers" / kBridgeName, directory / kBridgeName, parent / "libexec/vorn" / kBridgeName}) {
         if (!executable.empty() && canRun(place)) {
             return place;
         }

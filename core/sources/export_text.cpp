@@ -1,8 +1,8 @@
 #include "core/sources/export_text.hpp"
 
-#include <cmath>
 #include <initializer_list>
 #include <iterator>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -17,7 +17,7 @@ namespace {
 /// A field of a record as both forms need it.
 struct Field {
     std::string_view name;
-    std::string value;  ///< Empty where there is none.
+    std::optional<std::string> value;
     bool isNumber = false;
 };
 
@@ -41,7 +41,8 @@ void appendCsv(std::string& table, std::span<const Field> record) {
     std::string_view separator;
     for (const Field& field : record) {
         table += separator;
-        table += field.isNumber ? field.value : quotedForCsv(field.value);
+        const std::string value = field.value.value_or("");
+        table += field.isNumber ? value : quotedForCsv(value);
         separator = ",";
     }
     table += "\r\n";
@@ -55,12 +56,11 @@ void appendJson(std::string& table, std::span<const Field> record) {
     table += table.empty() ? "[\n{" : ",\n{";
     std::string_view separator;
     for (const Field& field : record) {
-        if (field.value.empty() && field.name == "resetsAt") {
-            continue;
+        if (field.value) {
+            fmt::format_to(std::back_inserter(table), "{}\"{}\":{}", separator, field.name,
+                           field.isNumber ? *field.value : nlohmann::json(*field.value).dump());
+            separator = ",";
         }
-        fmt::format_to(std::back_inserter(table), "{}\"{}\":{}", separator, field.name,
-                       field.isNumber ? field.value : nlohmann::json(field.value).dump());
-        separator = ",";
     }
     table += '}';
 }
@@ -85,16 +85,15 @@ std::string exportHistory(std::span<const HistorySample> samples, ExportFormat f
         appendNames(table, kNames);
     }
     for (const HistorySample& sample : samples) {
-        const bool isFinite = std::isfinite(sample.usedPercent) && std::isfinite(secondsSince1970(sample.observedAt)) &&
-                              std::isfinite(secondsSince1970(sample.resetsAt.value_or(Instant{})));
-        if (!isFinite) {
+        if (!sample.isFinite()) {
             continue;
         }
         const Field record[] = {
             {.name = "observedAt", .value = formatIso8601Milliseconds(sample.observedAt)},
             {.name = "window", .value = repairUtf8(sample.kindKey)},
             {.name = "usedPercent", .value = fmt::format("{}", sample.usedPercent), .isNumber = true},
-            {.name = "resetsAt", .value = sample.resetsAt ? formatIso8601Milliseconds(*sample.resetsAt) : ""}};
+            {.name = "resetsAt",
+             .value = sample.resetsAt ? std::optional(formatIso8601Milliseconds(*sample.resetsAt)) : std::nullopt}};
         append(table, record, format);
     }
     return finished(std::move(table), format);

@@ -9,7 +9,6 @@ namespace vorn {
 namespace {
 
 constexpr std::size_t kLargestRecord = std::size_t{1} << 20U;
-constexpr const char* kRelayName = "vorn-bridge";
 
 /// What fails once may succeed the next time, and without the record there is no status line.
 std::optional<std::string> readPersistently(const std::filesystem::path& file) {
@@ -32,7 +31,7 @@ std::optional<std::string> commandOf(const nlohmann::json& record) {
         return std::nullopt;
     }
     const std::string command = decodeText(requireMember(*statusLine, "command"));
-    if (command.find(kRelayName) != std::string::npos) {
+    if (command.find(kBridgeName) != std::string::npos) {
         return std::nullopt;
     }
     return command;

@@ -7,6 +7,9 @@
 
 namespace vorn {
 
+/// The relay's file name, by which a command that runs one is known.
+inline constexpr const char* kBridgeName = "vorn-bridge";
+
 /// The user's own status-line command as the integration record keeps it: what runs after Vorn's relay. Empty when
 /// there is none, when the record is missing or damaged in any way, and when the command names a relay itself, which
 /// would call itself for ever.

@@ -56,13 +56,12 @@ public:
     /// Two blanks a level, keys sorted, "/" and letters beyond ASCII as they are, no line break at the end.
     [[nodiscard]] std::string dump() const;
 
-    /// Null unless the value is of that type.
+    /// A null pointer unless the value is of that type; all are for JSON null.
     [[nodiscard]] const bool* boolean() const { return std::get_if<bool>(&m_payload); }
     [[nodiscard]] const JSONNumber* number() const { return std::get_if<JSONNumber>(&m_payload); }
     [[nodiscard]] const std::string* string() const { return std::get_if<std::string>(&m_payload); }
     [[nodiscard]] const Array* array() const { return std::get_if<Array>(&m_payload); }
     [[nodiscard]] const Object* object() const { return std::get_if<Object>(&m_payload); }
-    [[nodiscard]] bool isNull() const { return std::holds_alternative<Null>(m_payload); }
 
     /// The member of that name; null when this is no object or has none.
     [[nodiscard]] const JSONValue* member(const std::string& key) const;

@@ -16,7 +16,6 @@ constexpr const char* kMember = "statusLine";
 constexpr const char* kCommand = "command";
 constexpr const char* kOriginal = "originalStatusLine";
 constexpr const char* kInstalledAt = "installedAt";
-constexpr std::string_view kBridgeName = "vorn-bridge";
 /// Larger than any settings by far, small enough to hold a few times over.
 constexpr std::size_t kLargestSettings = std::size_t{64} << 20U;
 /// Somebody who changes the settings more often than this in a row is not going to stop.

@@ -68,15 +68,10 @@ bool read(ondemand::value& value, Count& out) {
     return whole >= 0 && whole <= kMaximumTokens;
 }
 
-/// Hands every member of an object to `take(key, value)`, which returns false to give up. JSON null is no object but no
-/// fault either; `isObject` tells. False when the line cannot be read.
+/// Hands every member of an object to `take(key, value)`, which returns false to give up. False when the line cannot be
+/// read.
 template <typename Take>
-bool readMembers(ondemand::value& value, bool& isObject, Take take) {
-    ondemand::object object;
-    isObject = value.get_object().get(object) == simdjson::SUCCESS;
-    if (!isObject) {
-        return isNull(value);
-    }
+bool readMembers(ondemand::object& object, Take take) {
     for (auto member : object) {
         ondemand::field field;
         std::string_view key;
@@ -86,6 +81,14 @@ bool readMembers(ondemand::value& value, bool& isObject, Take take) {
         }
     }
     return true;
+}
+
+/// The same for what may be JSON null, which is no object but no fault either; `isObject` tells.
+template <typename Take>
+bool readMembers(ondemand::value& value, bool& isObject, Take take) {
+    ondemand::object object;
+    isObject = value.get_object().get(object) == simdjson::SUCCESS;
+    return isObject ? readMembers(object, take) : isNull(value);
 }
 
 bool read(ondemand::value& value, Usage& usage) {
@@ -157,18 +160,11 @@ bool readMember(std::string_view key, ondemand::value& value, Line& line) {
 
 bool read(ondemand::document& document, Line& line) {
     ondemand::object object;
-    if (document.get_object().get(object) != simdjson::SUCCESS) {
-        return false;
-    }
-    for (auto member : object) {
-        ondemand::field field;
-        std::string_view key;
-        if (std::move(member).get(field) != simdjson::SUCCESS || field.unescaped_key().get(key) != simdjson::SUCCESS ||
-            !readMember(key, field.value(), line)) {
-            return false;
-        }
-    }
-    return document.current_location().error() == simdjson::OUT_OF_BOUNDS;  // nothing after the object
+    const auto take = [&](std::string_view key, ondemand::value& value) {
+        return readMember(key, value, line);
+    };
+    return document.get_object().get(object) == simdjson::SUCCESS && readMembers(object, take) &&
+           document.current_location().error() == simdjson::OUT_OF_BOUNDS;  // nothing after the object
 }
 
 TokenCounts tokensOf(const Usage& usage) {

@@ -15,10 +15,6 @@ constexpr std::size_t kNone = std::string_view::npos;
 /// A marker may begin in one bufferful and end in the next: so much of the former is kept in front of the latter.
 constexpr std::size_t kOverlap = kAssistantMarker.text.size() - 1;
 
-std::size_t findLineFeed(std::string_view text, std::size_t from) {
-    return text.find('\n', from);
-}
-
 /// Index of the last line feed in `text`. Lines may be long and a search byte by byte from the end slow, so it goes
 /// back block by block.
 std::size_t findLastLineFeed(std::string_view text) {
@@ -80,7 +76,7 @@ private:
                 break;
             }
             startLineBefore(at, at + hit);
-            const std::size_t end = findLineFeed(m_text, at + hit + kOverlap);
+            const std::size_t end = m_text.find('\n', at + hit + kOverlap);
             if (end == kNone) {
                 if (m_position.lineStart > m_offset && !m_isLast) {
                     m_position.searched = m_position.lineStart;
@@ -98,7 +94,7 @@ private:
 
     /// The end of a line whose beginning was in an earlier bufferful. Returns the index behind it.
     std::size_t finishMarkedLine() {
-        const std::size_t end = findLineFeed(m_text, 0);
+        const std::size_t end = m_text.find('\n');
         if (end == kNone) {
             return m_text.size();
         }

@@ -246,7 +246,7 @@ Result parse(std::string_view text, Instant now) {
 std::optional<UsageWindow> parseWindowLine(std::string_view line, Instant now) {
     const std::string_view opening = firstCodePoints(line, kWindowPrefix.size());
     const auto colon = line.find(':');
-    if (colon == std::string_view::npos || colon < opening.size() || lowerCased(opening) != kWindowPrefix) {
+    if (colon == std::string_view::npos || lowerCased(opening) != kWindowPrefix) {
         return std::nullopt;
     }
     auto kind = windowKind(trimBlanks(line.substr(opening.size(), colon - opening.size())));

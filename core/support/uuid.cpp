@@ -6,6 +6,8 @@
 
 #include <fmt/format.h>
 
+#include "core/support/text.hpp"
+
 namespace vorn {
 namespace {
 
@@ -13,10 +15,6 @@ constexpr std::string_view kShape = "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx";
 
 bool isHexDigit(char c) {
     return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f');
-}
-
-char asciiUpper(char c) {
-    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
 }  // namespace
@@ -34,14 +32,12 @@ std::optional<std::string> canonicalUuid(std::string_view text) {
     if (text.size() != kShape.size()) {
         return std::nullopt;
     }
-    std::string canonical;
     for (std::size_t i = 0; i < kShape.size(); ++i) {
         if (kShape[i] == '-' ? text[i] != '-' : !isHexDigit(text[i])) {
             return std::nullopt;
         }
-        canonical += asciiUpper(text[i]);
     }
-    return canonical;
+    return asciiUpper(text);
 }
 
 }  // namespace vorn

@@ -31,7 +31,9 @@ int showActivity(const ActivityArguments& arguments) {
     const Instant now = arguments.now.value_or(systemNow());
     // The customary spans are shown whatever span was asked for.
     LocalActivityScanner scanner(root, std::max(arguments.since, Seconds{168h}));
-    const ActivitySummary activity(scanAtTerminal(scanner, now));
+    std::vector<ActivityEvent> events = scanAtTerminal(scanner, now);
+    std::erase_if(events, [&](const ActivityEvent& event) { return event.timestamp > now; });
+    const ActivitySummary activity(std::move(events));
     const Terminal terminal = describeTerminal(STDOUT_FILENO);
     ActivityRequest request{.now = now, .since = arguments.since, .root = root};
     if (!arguments.json) {

@@ -40,7 +40,7 @@ struct ActivityRequest {
     std::filesystem::path root;
     std::size_t columns = 96;  ///< The most buckets the timeline may have.
 };
-/// `activity` must reach back over `since` and over every span that `totals` is to hold.
+/// `activity` must reach back over `since` and over every span that `totals` is to hold, and hold nothing after `now`.
 ActivityReport reportActivity(const ActivitySummary& activity, ActivityRequest request);
 
 std::string renderActivity(const ActivityReport& report, const Terminal& terminal);

@@ -35,7 +35,9 @@ struct ExportArguments {
 
 std::string historyTable(const ExportArguments& arguments, Instant now) {
     std::vector<HistorySample> samples = HistoryFile(VornPaths::history(), 0ms).read();
-    std::erase_if(samples, [&](const HistorySample& sample) { return sample.observedAt < now - arguments.since; });
+    std::erase_if(samples, [&](const HistorySample& sample) {
+        return sample.observedAt < now - arguments.since || sample.observedAt > now + kClockSlack;
+    });
     return exportHistory(samples, arguments.form());
 }
 

@@ -40,6 +40,9 @@ public:
     /// What is known without asking.
     void gather() {
         m_samples = m_history.all();
+        if (m_request.now) {
+            std::erase_if(m_samples, [&](const HistorySample& sample) { return sample.observedAt > *m_request.now; });
+        }
         m_state.merge(newestCurrent(m_samples, now()));
         m_state.merge(believable(m_record.readings, now()));
         // Announced after that answer was judged, so the next one is meant.

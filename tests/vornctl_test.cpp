@@ -491,6 +491,24 @@ TEST_F(VornctlTest, WritesNothingForAnotherMomentOrADemonstration) {
     EXPECT_EQ(home().size(), 0U);
 }
 
+TEST_F(VornctlTest, KnowsNothingLaterThanTheMomentItIsGiven) {
+    const Instant now = systemNow();
+    std::string lines;
+    for (const auto& [ago, percent] : {std::pair{3000s, 10}, {1500s, 15}, {0s, 80}}) {
+        lines +=
+            json{
+                {"k", "session"}, {"u", percent}, {"t", secondsSince1970(now - ago)}, {"r", secondsSince1970(now + 1h)}}
+                .dump() +
+            "\n";
+    }
+    m_dir.write("home/vorn/history.jsonl", lines);
+    const std::string moment = " --now " + formatIso8601(now - 1400s);
+    const json window = status("--no-probe" + moment).at("windows").at(0);
+    EXPECT_EQ(window.at("usedPercent"), 15);
+    EXPECT_NEAR(window.at("ratePerHour"), 12, 1e-6);
+    EXPECT_EQ(json::parse(run("export history --format json" + moment).standardOutput).size(), 2U);
+}
+
 TEST_F(VornctlTest, DemonstratesOnlyWhereThereIsNothingElse) {
     const ProcessResult empty = run("status --demo-if-empty --claude /nowhere");
     EXPECT_EQ(empty.status, 1);
@@ -586,7 +604,8 @@ TEST_F(VornctlTest, TellsWhatWasDoneHere) {
     };
     m_dir.write("home/claude/projects/a/s.jsonl", reply("2026-11-22T20:30:00.000Z", "/home/me/\x1b[31malpha", 1) +
                                                       reply("2026-11-22T10:00:00.000Z", "/home/me/项目", 2) +
-                                                      reply("2026-11-18T10:00:00.000Z", "/home/me/beta", 3) + "{torn");
+                                                      reply("2026-11-18T10:00:00.000Z", "/home/me/beta", 3) +
+                                                      reply("2026-11-22T21:00:00.000Z", "/home/me/later", 4) + "{torn");
     const auto report = [&](const std::string& options) {
         return run("activity --now " + kNow + " " + options);
     };
@@ -596,6 +615,7 @@ TEST_F(VornctlTest, TellsWhatWasDoneHere) {
     EXPECT_EQ(day.at("weightOfLastSeconds").at("604800"), 7500);
     EXPECT_EQ(day.at("timeline").size(), 96U);
     EXPECT_EQ(day.at("projects").size(), 2U);
+    EXPECT_EQ(day.at("lastEventAt"), "2026-11-22T20:30:00.000Z");
     const ProcessResult text = report("--since 1h");
     EXPECT_EQ(text.status, 0);
     EXPECT_THAT(text.standardOutput, AllOf(StartsWith("Local activity of the last 1h · 1 reply, weight 2.5k\n"),

@@ -61,6 +61,27 @@ std::string drawPlain(const Bar& bar) {
     return drawn;
 }
 
+/// Collects pieces, and paints neighbours of one ink in one go.
+class InkRun {
+public:
+    explicit InkRun(const Terminal& terminal) : m_terminal(terminal) {}
+    void add(Ink ink, const char* piece) {
+        if (ink != m_ink) {
+            m_done += paint(m_terminal, m_ink, m_pending);
+            m_pending.clear();
+            m_ink = ink;
+        }
+        m_pending += piece;
+    }
+    std::string take() { return m_done + paint(m_terminal, m_ink, m_pending); }
+
+private:
+    const Terminal& m_terminal;
+    std::string m_done;
+    std::string m_pending;
+    Ink m_ink = Ink::plain;
+};
+
 }  // namespace
 
 Terminal describeTerminal(int descriptor) {
@@ -110,31 +131,6 @@ const char* shapeFor(VornStatus status) {
     }
     return "■";
 }
-
-namespace {
-
-/// Collects pieces, and paints neighbours of one ink in one go.
-class InkRun {
-public:
-    explicit InkRun(const Terminal& terminal) : m_terminal(terminal) {}
-    void add(Ink ink, const char* piece) {
-        if (ink != m_ink) {
-            m_done += paint(m_terminal, m_ink, m_pending);
-            m_pending.clear();
-            m_ink = ink;
-        }
-        m_pending += piece;
-    }
-    std::string take() { return m_done + paint(m_terminal, m_ink, m_pending); }
-
-private:
-    const Terminal& m_terminal;
-    std::string m_done;
-    std::string m_pending;
-    Ink m_ink = Ink::plain;
-};
-
-}  // namespace
 
 std::string drawBar(const Terminal& terminal, const Bar& bar) {
     if (bar.cells == 0) {

@@ -124,7 +124,6 @@ TEST_F(LocalActivityScannerTest, decodesLines) {
         {"zero tokens", counting(R"("input_tokens":0)"), {}},
         {"fraction", counting(R"("input_tokens":1.5)"), {}},
         {"too large", counting(R"("input_tokens":4294967296)"), {}},
-        {"beyond any number", counting(R"("input_tokens":1e400)"), {}},
         {"negative", counting(R"("input_tokens":-1,"output_tokens":5)"), {}},
         {"beyond doubles", counting(R"("input_tokens":1e999)"), {}},
         {"wrong type elsewhere", "{" + ok + R"(,"cwd":5,)" + usage + "}", {}},

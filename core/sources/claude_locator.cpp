@@ -1,7 +1,7 @@
 #include "core/sources/claude_locator.hpp"
 
 #include <algorithm>
-#include <cstdlib>
+#include <iterator>
 #include <vector>
 
 #include <sys/stat.h>
@@ -44,6 +44,11 @@ std::optional<fs::path> locate(const std::optional<std::string>& overridePath) {
         }
     }
     return std::nullopt;
+}
+
+fs::path configDirectory() {
+    const auto configured = environmentValue("CLAUDE_CONFIG_DIR");
+    return configured ? expandTilde(*configured) : homeDirectory() / ".claude";
 }
 
 std::string searchPath(const std::optional<std::string>& inherited, const std::string& home) {

@@ -6,7 +6,8 @@
 #include <string>
 #include <string_view>
 
-/// Finds the `claude` executable. Vorn is started by the desktop, so the inherited PATH is often too short.
+/// Where Claude Code is and where it keeps its own. Vorn is started by the desktop, so the inherited PATH is often too
+/// short.
 namespace vorn::ClaudeLocator {
 
 /// A present and not empty `overridePath` (a leading "~" is expanded) is the only candidate: a wrong choice of the user
@@ -16,6 +17,10 @@ std::optional<std::filesystem::path> locate(const std::optional<std::string>& ov
 /// `inherited` followed by the places where Claude Code is usually installed and the system's directories, without
 /// repetitions, joined by ":".
 std::string searchPath(const std::optional<std::string>& inherited, const std::string& home);
+
+/// Where its settings and transcripts are: `CLAUDE_CONFIG_DIR` (a leading "~" is expanded; empty counts as unset), else
+/// "~/.claude".
+std::filesystem::path configDirectory();
 
 /// `home` without a trailing slash.
 std::array<std::string, 7> candidateDirectories(const std::string& home);

@@ -7,9 +7,9 @@
 #include <thread>
 #include <utility>
 
+#include "core/sources/claude_locator.hpp"
 #include "core/sources/marker_search.hpp"
 #include "core/sources/transcript_line.hpp"
-#include "core/support/file.hpp"
 
 namespace vorn {
 namespace {
@@ -30,8 +30,7 @@ struct LocalActivityScanner::Job {
 };
 
 std::filesystem::path LocalActivityScanner::defaultRoot() {
-    const auto configured = environmentValue("CLAUDE_CONFIG_DIR");
-    return (configured ? expandTilde(*configured) : homeDirectory() / ".claude") / "projects";
+    return ClaudeLocator::configDirectory() / "projects";
 }
 
 LocalActivityScanner::LocalActivityScanner(std::filesystem::path root, Seconds lookback)

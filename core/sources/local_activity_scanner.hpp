@@ -24,7 +24,7 @@ public:
     /// Told now and then, on the calling thread, how far a scan has come. Must not call the scanner.
     using Progress = std::function<void(std::uint64_t bytesDone, std::uint64_t bytesTotal)>;
 
-    /// "projects" in CLAUDE_CONFIG_DIR (a leading tilde is expanded; empty counts as unset), else in ~/.claude.
+    /// "projects" in Claude Code's configuration directory.
     static std::filesystem::path defaultRoot();
 
     /// Keeps replies of the last `lookback`, and reads no file that was not modified within it.

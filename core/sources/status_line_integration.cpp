@@ -4,6 +4,7 @@
 
 #include <unistd.h>
 
+#include "core/sources/claude_locator.hpp"
 #include "core/sources/integration_record.hpp"
 #include "core/support/file.hpp"
 #include "core/support/text.hpp"
@@ -98,8 +99,7 @@ struct StatusLineIntegration::Settings {
 };
 
 fs::path StatusLineIntegration::defaultSettings() {
-    const auto directory = environmentValue("CLAUDE_CONFIG_DIR");
-    return (directory ? expandTilde(*directory) : homeDirectory() / ".claude") / "settings.json";
+    return ClaudeLocator::configDirectory() / "settings.json";
 }
 
 StatusLineIntegration::Settings StatusLineIntegration::load() const {

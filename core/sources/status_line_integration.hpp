@@ -51,7 +51,7 @@ public:
 
     explicit StatusLineIntegration(Locations locations) : m_locations(std::move(locations)) {}
 
-    /// "settings.json" in `CLAUDE_CONFIG_DIR`, else in "~/.claude".
+    /// "settings.json" in Claude Code's configuration directory.
     static std::filesystem::path defaultSettings();
 
     [[nodiscard]] const Locations& locations() const { return m_locations; }

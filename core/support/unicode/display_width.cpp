@@ -56,33 +56,8 @@ void eachCharacter(std::string_view text, Visit visit) {
     }
 }
 
-}  // namespace
-
-std::size_t displayWidth(std::string_view text) {
-    std::size_t cells = 0;
-    eachCharacter(repairUtf8(text), [&](UChar32 c, std::string_view) {
-        cells += cellsOf(c);
-        return true;
-    });
-    return cells;
-}
-
-std::string printable(std::string_view text) {
-    const std::string repaired = repairUtf8(text);
-    std::string kept;
-    eachCharacter(repaired, [&](UChar32 c, std::string_view bytes) {
-        if (isBreak(c)) {
-            kept += ' ';
-        } else if (!steersTerminal(c)) {
-            kept += bytes;
-        }
-        return true;
-    });
-    return kept;
-}
-
 /// The longest beginning of `text`, valid UTF-8, that takes at most `cells`.
-static std::string_view beginning(std::string_view text, std::size_t cells) {
+std::string_view beginning(std::string_view text, std::size_t cells) {
     std::size_t used = 0;
     std::size_t length = 0;
     eachCharacter(text, [&](UChar32 c, std::string_view bytes) {
@@ -92,24 +67,6 @@ static std::string_view beginning(std::string_view text, std::size_t cells) {
     });
     return text.substr(0, length);
 }
-
-std::string elide(std::string_view text, std::size_t cells) {
-    std::string whole = printable(text);
-    if (displayWidth(whole) <= cells) {
-        return whole;
-    }
-    if (cells == 0) {
-        return {};
-    }
-    return std::string(beginning(whole, cells - 1)) + "…";
-}
-
-std::string fitted(std::string_view text, std::size_t cells) {
-    std::string shown = elide(text, cells);
-    return shown + std::string(cells - displayWidth(shown), ' ');
-}
-
-namespace {
 
 /// Calls `visit` for each piece of `text` between separators.
 template <typename Visit>
@@ -171,6 +128,45 @@ private:
 };
 
 }  // namespace
+
+std::size_t displayWidth(std::string_view text) {
+    std::size_t cells = 0;
+    eachCharacter(repairUtf8(text), [&](UChar32 c, std::string_view) {
+        cells += cellsOf(c);
+        return true;
+    });
+    return cells;
+}
+
+std::string printable(std::string_view text) {
+    const std::string repaired = repairUtf8(text);
+    std::string kept;
+    eachCharacter(repaired, [&](UChar32 c, std::string_view bytes) {
+        if (isBreak(c)) {
+            kept += ' ';
+        } else if (!steersTerminal(c)) {
+            kept += bytes;
+        }
+        return true;
+    });
+    return kept;
+}
+
+std::string elide(std::string_view text, std::size_t cells) {
+    std::string whole = printable(text);
+    if (displayWidth(whole) <= cells) {
+        return whole;
+    }
+    if (cells == 0) {
+        return {};
+    }
+    return std::string(beginning(whole, cells - 1)) + "…";
+}
+
+std::string fitted(std::string_view text, std::size_t cells) {
+    std::string shown = elide(text, cells);
+    return shown + std::string(cells - displayWidth(shown), ' ');
+}
 
 std::vector<std::string> wrapped(std::string_view text, std::size_t cells) {
     constexpr std::string_view kSeparator = " · ";

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstring>
 #include <iterator>
+#include <optional>
 #include <tuple>
 #include <utility>
 
@@ -165,18 +166,17 @@ void mergeStored(std::vector<HistorySample>& samples, std::vector<HistorySample>
     }
 }
 
-/// A directory that cannot be made shows when the file in it is opened.
-void makeDirectoryFor(const fs::path& path) try {
-    createPrivateDirectories(path.parent_path());
+/// Empty when another process writes for too long, or nothing can be written there at all.
+std::optional<FileLock> lockQuietly(const fs::path& path, std::chrono::milliseconds patience) try {
+    return FileLock::beside(path, patience);
 } catch (const fs::filesystem_error&) {
+    return std::nullopt;
 }
 
 }  // namespace
 
 HistoryFile::HistoryFile(fs::path path, std::chrono::milliseconds patience)
-    : m_path(std::move(path)), m_lockPath(m_path), m_patience(patience) {
-    m_lockPath += ".lock";
-}
+    : m_path(std::move(path)), m_patience(patience) {}
 
 std::vector<HistorySample> HistoryFile::read() const {
     const Descriptor file(::open(m_path.c_str(), O_RDONLY | kOpenFlags));
@@ -185,8 +185,7 @@ std::vector<HistorySample> HistoryFile::read() const {
 }
 
 bool HistoryFile::append(std::span<const HistorySample> samples) const {
-    makeDirectoryFor(m_path);
-    const auto lock = FileLock::acquire(m_lockPath, m_patience);
+    const auto lock = lockQuietly(m_path, m_patience);
     if (!lock || isPlantedLink(m_path)) {
         return false;
     }
@@ -199,8 +198,7 @@ bool HistoryFile::append(std::span<const HistorySample> samples) const {
 }
 
 bool HistoryFile::rewrite(std::vector<HistorySample>& samples, Instant cutoff) const {
-    makeDirectoryFor(m_path);
-    const auto lock = FileLock::acquire(m_lockPath, m_patience);
+    const auto lock = lockQuietly(m_path, m_patience);
     if (!lock) {
         return false;
     }

@@ -35,7 +35,6 @@ public:
 
 private:
     std::filesystem::path m_path;
-    std::filesystem::path m_lockPath;
     std::chrono::milliseconds m_patience;
 };
 

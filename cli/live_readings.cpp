@@ -173,12 +173,16 @@ private:
     }
 
     /// The status line never tells about single models. Where there are such limits the client is asked for them as
-    /// often as it would be without the status line.
+    /// often as it would be without the status line, whether or not it still has an answer.
     [[nodiscard]] bool modelsAreFresh() const {
-        return std::ranges::all_of(m_state.windows(), [this](const auto& entry) {
+        const Seconds lifetime = std::max(m_choices.refresh, staleAfter());
+        if (m_record.consecutiveFailures == 0 && isFresh(m_record.lastProbeAt, lifetime)) {
+            return true;
+        }
+        return std::ranges::all_of(m_state.windows(), [&](const auto& entry) {
             const UsageWindow& window = entry.second;
             return window.kind.which() != WindowKind::Case::weekModel || window.hasReset(now()) ||
-                   isFresh(window.observedAt, std::max(m_choices.refresh, staleAfter()));
+                   isFresh(window.observedAt, lifetime);
         });
     }
 

@@ -292,6 +292,16 @@ TEST_F(VornctlTest, AsksOnlyWhenTheReadingIsOld) {
     age(-3600s);  // a clock that was ahead
     answers(usage(5));
     EXPECT_EQ(session(), 5);
+    // A limit of which the client tells no more.
+    answers(usage(6) + "Current week (Sonnet only): 9% used · resets " + resetIn(90h));
+    EXPECT_EQ(status("--probe").at("windows").size(), 3U);
+    answers(usage(6));
+    age(301s);
+    const auto before = asked();
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(status().at("windows").size(), 3U);
+    }
+    EXPECT_EQ(asked(), before + 1);
 }
 
 TEST_F(VornctlTest, LeavesAFailingClientAlone) {

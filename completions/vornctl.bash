@@ -35,7 +35,7 @@ _vornctl() {
     COMPREPLY=()
 
     case $previous in
-        --claude) _vornctl_offer_paths -f "$current"; return ;;
+        --claude | --output) _vornctl_offer_paths -f "$current"; return ;;
         --root) _vornctl_offer_paths -d "$current"; return ;;
         --format)
             case " ${COMP_WORDS[*]} " in
@@ -43,7 +43,6 @@ _vornctl() {
                 *) _vornctl_offer 'text plain tmux waybar json' "$current" ;;
             esac
             return ;;
-        --output) _vornctl_offer_paths -f "$current"; return ;;
         --demo) _vornctl_offer 'comfortable watch at-risk limited planned-reset' "$current"; return ;;
         --scope) _vornctl_offer 'all session week' "$current"; return ;;
         --since) _vornctl_offer '1h 5h 24h 7d 30d' "$current"; return ;;

@@ -101,13 +101,13 @@ private:
     [[nodiscard]] std::size_t roomBeside(std::size_t taken) const {
         return m_terminal.width > taken ? m_terminal.width - taken : 0;
     }
-    /// Text as wide as the terminal, with something before its first line.
+    /// Text as wide as the terminal, with something before its first line. Elsewhere it is one line.
     void paragraph(std::string_view lead, std::string_view text, Ink ink, Ink leadInk = Ink::plain) {
-        constexpr std::size_t kUnlimited = 100000;
         const std::size_t indent = displayWidth(lead);
-        const std::size_t room = m_terminal.interactive ? std::max(roomBeside(indent), kNarrowestText) : kUnlimited;
+        const auto parts = m_terminal.interactive ? wrapped(text, std::max(roomBeside(indent), kNarrowestText))
+                                                  : std::vector{printable(text)};
         std::string before = paint(m_terminal, leadInk, lead);
-        for (const std::string& part : wrapped(text, room)) {
+        for (const std::string& part : parts) {
             line(before + paint(m_terminal, ink, part));
             before.assign(indent, ' ');
         }

@@ -51,6 +51,7 @@ TEST(Wrapped, BreaksBetweenPartsThenWordsThenWithin) {
     EXPECT_THAT(wrapped("项目管理", 5), ElementsAre("项目", "管理"));
     EXPECT_THAT(wrapped("项目", 1), ElementsAre("项", "目"));  // wider than a line: still an end
     EXPECT_THAT(wrapped("a\nb\x1b[m", 80), ElementsAre("a b[m"));
+    EXPECT_EQ(wrapped(std::string(500'000, 'x'), 10).size(), 50'000U) << "and soon";
 }
 
 }  // namespace

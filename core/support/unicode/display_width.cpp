@@ -1,5 +1,7 @@
 #include "core/support/unicode/display_width.hpp"
 
+#include <utility>
+
 #include <unicode/uchar.h>
 
 #include "core/support/text.hpp"
@@ -88,31 +90,32 @@ public:
 
     /// Whether the text went onto the current line, the separator before it where something stands there.
     bool fits(std::string_view separator, std::string_view text) {
-        const std::string longer =
-            m_line.empty() ? std::string(text) : m_line + std::string(separator) + std::string(text);
-        if (displayWidth(longer) > m_cells) {
+        const std::string_view between = m_line.empty() ? std::string_view() : separator;
+        const std::size_t taken = m_taken + displayWidth(between) + displayWidth(text);
+        if (taken > m_cells) {
             return false;
         }
-        m_line = longer;
+        m_line.append(between).append(text);
+        m_taken = taken;
         return true;
     }
     void startLine() {
         if (!m_line.empty()) {
-            m_lines.push_back(std::move(m_line));
-            m_line.clear();
+            m_lines.push_back(std::exchange(m_line, {}));
         }
+        m_taken = 0;
     }
     void addWord(std::string_view word) {
         if (fits(" ", word)) {
             return;
         }
         startLine();
-        while (!fits("", word)) {
-            const std::string_view part = beginning(word, m_cells);
+        for (auto part = beginning(word, m_cells); part.size() < word.size(); part = beginning(word, m_cells)) {
             const std::size_t taken = part.empty() ? firstCodePoints(word, 1).size() : part.size();
             m_lines.emplace_back(word.substr(0, taken));
             word.remove_prefix(taken);
         }
+        fits("", word);
     }
     std::vector<std::string> take() {
         if (!m_line.empty() || m_lines.empty()) {
@@ -125,6 +128,7 @@ private:
     std::size_t m_cells;
     std::vector<std::string> m_lines;
     std::string m_line;
+    std::size_t m_taken = 0;  ///< Cells of `m_line`.
 };
 
 }  // namespace

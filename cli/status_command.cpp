@@ -54,18 +54,14 @@ LiveRequest liveRequest(const StatusArguments& arguments) {
     return request;
 }
 
-Readings demoReadings(demo::Scenario scenario, Instant now) {
+StatusReport demoReport(demo::Scenario scenario, Instant now) {
     demo::Demo demo = demo::makeDemo(scenario, now);
-    return {.windows = std::move(demo.windows),
-            .insights = std::move(demo.insights),
-            .history = std::move(demo.history),
-            .activity = ActivitySummary(std::move(demo.activity)),
-            .plan = std::move(demo.plan)};
-}
-
-StatusReport demoReport(demo::Scenario scenario, std::optional<Instant> moment) {
-    const Instant now = moment.value_or(systemNow());
-    return analyse(demoReadings(scenario, now), now);
+    return analyse({.windows = std::move(demo.windows),
+                    .insights = std::move(demo.insights),
+                    .history = std::move(demo.history),
+                    .activity = ActivitySummary(std::move(demo.activity)),
+                    .plan = std::move(demo.plan)},
+                   now);
 }
 
 Detail detailFor(const StatusArguments& arguments) {
@@ -76,7 +72,7 @@ Detail detailFor(const StatusArguments& arguments) {
 StatusReport readReport(const StatusArguments& arguments, const LiveRequest& request, LiveMemory& memory,
                         const Cancellation& cancellation) {
     if (const auto scenario = demo::scenarioNamed(arguments.demo)) {
-        return demoReport(*scenario, request.now);
+        return demoReport(*scenario, request.now.value_or(systemNow()));
     }
     Readings readings = readLive(request, memory, cancellation);
     StatusReport report = analyse(std::move(readings), request.now.value_or(systemNow()), detailFor(arguments));

@@ -187,7 +187,6 @@ TEST_F(VornctlTest, TellsWhyTheClientGaveNothing) {
     const std::string notFound =
         "Couldn't find the claude command. Install Claude Code, or set its path in Settings.\n";
     const std::tuple<const char*, const char*, std::string> cases[] = {
-        {"50 MB", "head -c 50000000 /dev/zero | tr '\\0' x", unread + std::string(300, 'x') + "\n"},
         {"binary", "printf '\\377\\376{\\033[2J'", unread + "\uFFFD\uFFFD{[2J\n"},
         {"killed", "kill -9 $$",
          "claude /usage failed: \nIt ended without a word; claude -p /usage in a terminal may tell more.\n"},

@@ -29,6 +29,8 @@ namespace {
 
 /// Percentage points a window must have risen before its rise says what a token costs: readings are whole percents.
 constexpr double kCalibrationRise = 3.0;
+/// The stretch of local activity whose weight makes the present rate.
+constexpr Seconds kLocalActivitySpan{1200};
 /// Anything shorter than this says more about one reply than about a pace.
 constexpr Seconds kShortestLocalSpan{300};
 
@@ -163,7 +165,7 @@ std::optional<double> localRate(const UsageWindow& window, const LocalRateInput&
     if (calibrationWeight <= 0) {
         return std::nullopt;
     }
-    const Instant recentStart = std::max(input.now - input.recentSpan, start);
+    const Instant recentStart = std::max(input.now - kLocalActivitySpan, start);
     const Seconds span = input.now - recentStart;
     if (span < kShortestLocalSpan) {
         return std::nullopt;

@@ -68,18 +68,14 @@ std::optional<WindowEpoch> epoch(const MatchingSamples& history);
 /// with fewer than two times or when they span less than `minimumSpan`.
 std::optional<double> slopePerHour(std::vector<RatePoint> points, Seconds minimumSpan);
 
-/// The stretch of local activity whose weight makes the present rate.
-inline constexpr Seconds kLocalActivitySpan{1200};
-
 struct LocalRateInput {
     const ActivitySummary& activity;  ///< Must outlive the call.
     Instant now;
-    Seconds recentSpan = kLocalActivitySpan;  ///< How far back the present reaches.
     std::optional<WindowEpoch> epoch;
 };
 
-/// The window's rise per unit of local token weight, applied to the weight of the recent span: points per hour, 0 when
-/// nothing happened lately. Empty while the window rose too little to calibrate by, or is too young.
+/// The window's rise per unit of local token weight, applied to the weight of the last 20 minutes: points per hour, 0
+/// when nothing happened lately. Empty while the window rose too little to calibrate by, or is too young.
 std::optional<double> localRate(const UsageWindow& window, const LocalRateInput& input);
 
 /// `rise` (percentage points) over `time`, never negative.

@@ -12,8 +12,8 @@ struct VornSteer {
     static constexpr double speedUpFactor = 1.25;  ///< From it on there is room worth mentioning.
 
     WindowKind kind;  ///< The window steered by.
-    double factor =
-        0;  ///< Sustainable rate / current rate; +infinity when the current rate is negligible, 0 at the limit.
+    /// Sustainable rate over current rate; +infinity when the current one is negligible, 0 at the limit.
+    double factor = 0;
     RateBasis basis = RateBasis::none;  ///< Of the rate used.
 
     [[nodiscard]] Direction direction() const;

@@ -122,11 +122,7 @@ int run(const Options& options) {
     TokenCounts sum;
     double sixtieths = 0;
     for (const ActivityEvent& event : events) {
-        sum.input += event.tokens.input;
-        sum.output += event.tokens.output;
-        sum.cacheRead += event.tokens.cacheRead;
-        sum.cacheWrite5m += event.tokens.cacheWrite5m;
-        sum.cacheWrite1h += event.tokens.cacheWrite1h;
+        sum += event.tokens;
         sixtieths += event.tokens.weightSixtieths(event.model);
     }
     const std::size_t count = events.size();

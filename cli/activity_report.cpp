@@ -130,11 +130,7 @@ ActivityReport reportActivity(const ActivitySummary& activity, ActivityRequest r
         .now = now, .since = since, .root = std::move(request.root), .bucket = bucketFor(since, request.columns)};
     for (const ActivityEvent& event : activity.events(start, end)) {
         ++report.events;
-        report.tokens.input += event.tokens.input;
-        report.tokens.output += event.tokens.output;
-        report.tokens.cacheRead += event.tokens.cacheRead;
-        report.tokens.cacheWrite5m += event.tokens.cacheWrite5m;
-        report.tokens.cacheWrite1h += event.tokens.cacheWrite1h;
+        report.tokens += event.tokens;
     }
     report.weight = activity.weight(start, end);
     for (const NamedSpan& named : kSpans) {

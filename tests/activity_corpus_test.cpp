@@ -24,11 +24,7 @@ nlohmann::json sums(const std::vector<ActivityEvent>& events) {
     TokenCounts all;
     double sixtieths = 0;
     for (const ActivityEvent& event : events) {
-        all.input += event.tokens.input;
-        all.output += event.tokens.output;
-        all.cacheRead += event.tokens.cacheRead;
-        all.cacheWrite5m += event.tokens.cacheWrite5m;
-        all.cacheWrite1h += event.tokens.cacheWrite1h;
+        all += event.tokens;
         sixtieths += event.tokens.weightSixtieths(event.model);
     }
     return {{"events", events.size()},

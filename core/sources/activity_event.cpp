@@ -34,6 +34,15 @@ double TokenCounts::weightSixtieths(std::string_view model) const {
     return twentieths * familyThirds(model);
 }
 
+TokenCounts& TokenCounts::operator+=(const TokenCounts& other) {
+    input += other.input;
+    output += other.output;
+    cacheRead += other.cacheRead;
+    cacheWrite5m += other.cacheWrite5m;
+    cacheWrite1h += other.cacheWrite1h;
+    return *this;
+}
+
 std::string_view projectName(std::string_view cwd) {
     if (cwd.empty()) {
         return "Unknown";

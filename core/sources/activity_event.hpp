@@ -22,6 +22,7 @@ struct TokenCounts {
     [[nodiscard]] double weight(std::string_view model) const { return weightSixtieths(model) / 60; }
     /// Sixty times the weight. A whole number, so sums of it are exact (up to 2^53) in whatever order they are formed.
     [[nodiscard]] double weightSixtieths(std::string_view model) const;
+    TokenCounts& operator+=(const TokenCounts& other);
     bool operator==(const TokenCounts&) const = default;
 };
 

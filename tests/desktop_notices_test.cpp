@@ -59,7 +59,7 @@ protected:
         server.start();
         expectAlso(
             "Session: limit in ~1h 30m|At your current pace you'll hit the limit around 13:30. It resets at "
-            "16:00.");
+            "16:00");
         server.crash();
         ASSERT_TRUE(waitUntil([&] { return !notifier.isAuthorized(); }));
         see(VornStatus::limited, 100, 4h);

@@ -39,7 +39,7 @@ std::string warningBody(const UsageWindow& window, Seconds timeToLimit, Instant 
     const auto limit = Format::clock(now + timeToLimit, now);
     auto body = fmt::format("At your current pace you'll hit the limit around {}.", limit);
     if (window.resetsAt) {
-        body += fmt::format(" It resets at {}.", Format::clock(*window.resetsAt, now));
+        body += fmt::format(" It resets at {}", Format::clock(*window.resetsAt, now));
     }
     return body;
 }

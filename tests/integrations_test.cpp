@@ -83,6 +83,10 @@ TEST_F(IntegrationsTest, ConnectsWithTheRelayThatCameWithTheProgram) {
     m_integrations.refresh();
     EXPECT_THAT(error(), StartsWith("Couldn't read Claude Code settings: "));
     EXPECT_EQ(m_integrations.statusLine().kind, Kind::installed);
+    fs::rename(m_dir / "vorn/integration.json", m_dir / "away");
+    m_integrations.refresh();
+    EXPECT_FALSE(m_integrations.hasDownstreamCommand());
+    fs::rename(m_dir / "away", m_dir / "vorn/integration.json");
     m_dir.write("settings.json", R"({"statusLine": {"command": "/old/vorn-bridge --chain"}})");
     m_integrations.refresh();
     EXPECT_EQ(error(), "");

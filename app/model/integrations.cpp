@@ -24,6 +24,7 @@ void Integrations::refresh() {
         m_now.launchAtLogin = m_loginItem->isEnabled();
     }
     readStatusLine();
+    m_now.downstreamCommand = QString::fromStdString(m_integration.downstreamCommand().value_or(std::string()));
     if (m_now != m_announced) {
         m_announced = m_now;
         emit changed();
@@ -32,7 +33,6 @@ void Integrations::refresh() {
 
 void Integrations::readStatusLine() try {
     m_now.statusLine = m_integration.state();
-    m_now.downstreamCommand = QString::fromStdString(m_integration.downstreamCommand().value_or(std::string()));
     if (std::exchange(m_cannotRead, false)) {
         m_now.statusLineError.clear();
     }

@@ -117,7 +117,6 @@ void AppDelegate::connectModel() {
         updateStatusItem();
         evaluateNotices();
     });
-    connect(m_model.get(), &UsageModel::lastProbeErrorChanged, this, &AppDelegate::updateStatusItem);
 }
 
 void AppDelegate::connectPopover() {
@@ -166,7 +165,7 @@ void AppDelegate::observePreferences() {
     connect(&m_preferences, &Preferences::notifyAtRiskChanged, this, recompute);
     connect(&m_preferences, &Preferences::notifyLimitedChanged, this, recompute);
     connect(&m_preferences, &Preferences::notifyResetChanged, this, recompute);
-    connect(&m_preferences, &Preferences::claudePathOverrideChanged, m_model.get(), &UsageModel::probe);
+    connect(&m_preferences, &Preferences::claudePathOverrideChanged, m_model.get(), &UsageModel::probeAnew);
 }
 
 void AppDelegate::startData() {

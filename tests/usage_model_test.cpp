@@ -132,6 +132,11 @@ TEST_F(UsageModelTest, NeverAsksTwiceAtOnce) {
     EXPECT_EQ(probes.size(), 1U);
     EXPECT_EQ(model->now(), now);
     EXPECT_GT(scans.size(), 100U);
+    preferences.setClaudePathOverride("/another");
+    model->probeAnew();
+    unansweredProbe("That one hangs.");
+    EXPECT_EQ(probes.size(), 2U);
+    EXPECT_EQ(overridePath, "/another");
     unansweredProbe(answer({session(7)}));
     EXPECT_FALSE(model->isProbing());
     EXPECT_EQ(model->lastProbeAt(), now);
@@ -162,12 +167,14 @@ TEST_F(UsageModelTest, GoesOnWhileAScanHangs) {
     EXPECT_EQ(scans.size(), 1U);
     EXPECT_EQ(used(), 20);
     EXPECT_THAT(model->activity().events(), IsEmpty());
+    EXPECT_FALSE(model->hasScanned());
 
     unansweredScan(test::activity({{-5min, 600}}));
     EXPECT_EQ(model->activity().events().size(), 1U);
     EXPECT_EQ(model->rateActivity(), &model->activity());
     pass(5s);
     EXPECT_EQ(scans.size(), 2U);
+    EXPECT_TRUE(model->hasScanned());
 }
 
 TEST_F(UsageModelTest, LeavesTheTranscriptsAloneWhenToldTo) {

@@ -159,6 +159,11 @@ void UsageModel::probe() {
                  [this](ProbeSource::Answer answer) { finishProbe(std::move(answer)); });
 }
 
+void UsageModel::probeAnew() {
+    m_owesProbe = m_isProbing;
+    probe();
+}
+
 void UsageModel::finishProbe(ProbeSource::Answer answer) {
     if (m_isDemo) {
         return;
@@ -169,6 +174,9 @@ void UsageModel::finishProbe(ProbeSource::Answer answer) {
         fail(std::get<std::string>(answer));
     }
     publish(m_isProbing, false, &UsageModel::isProbingChanged);
+    if (std::exchange(m_owesProbe, false)) {
+        probe();
+    }
 }
 
 void UsageModel::succeed(const UsageCommandParser::Result& result) {
@@ -253,6 +261,7 @@ void UsageModel::scanActivity() {
     m_activitySource->scan(now, [this](ActivitySource::Answer answer) {
         m_isScanning = false;
         if (answer && !m_isDemo) {
+            m_hasScanned = true;
             m_activity = *std::move(answer);
             emit activityChanged();
             recompute();

@@ -82,6 +82,8 @@ public:
     void shutDown();
     /// Asks the client now, unless it is being asked or this is a demonstration.
     void probe();
+    /// The same, and once more when it is being asked: another client is meant by now.
+    void probeAnew();
     /// `probe` when the freshest reading is more than 60 s old.
     void refreshIfStale();
     /// Everything that follows from the readings, for the present moment.
@@ -104,7 +106,7 @@ public:
     [[nodiscard]] const std::optional<UsageInsights>& insights() const { return m_state.insights(); }
     [[nodiscard]] const ActivitySummary& activity() const { return m_activity; }
     /// Whether the transcripts have been read at least once.
-    [[nodiscard]] bool hasScanned() const { return m_lastActivityScan && !m_isScanning; }
+    [[nodiscard]] bool hasScanned() const { return m_hasScanned; }
     [[nodiscard]] bool isProbing() const { return m_isProbing; }
     [[nodiscard]] std::optional<Instant> lastProbeAt() const { return m_lastProbeAt; }
     /// As people read it; cleared by a success.
@@ -227,7 +229,9 @@ private:
     std::optional<Instant> m_lastActivityScan;  ///< When it began.
     std::optional<Instant> m_lastRecompute;
     int m_consecutiveFailures = 0;  ///< Of probes, since the last success.
+    bool m_owesProbe = false;       ///< When the running one has ended.
     bool m_isScanning = false;
+    bool m_hasScanned = false;
     std::vector<UsageWindow> m_lastAnswer;  ///< Of the client, before any judgement.
 
     /// What came before the history was there, to be judged and recorded then.

@@ -562,7 +562,7 @@ TEST(TimerTicker, RunsOnceAtATime) {
     EXPECT_EQ(former, stand);
     ticker->stop();
     const int end = present;
-    waitFor([&, i = 0]() mutable { return ++i > 3; });  // woken every few milliseconds
+    waitFor([&, i = 0]() mutable { return ++i > 10; });  // some milliseconds
     EXPECT_EQ(present, end);
 }
 

@@ -1,34 +1,20 @@
 #pragma once
 
-#include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCall>
 #include <QDBusServiceWatcher>
 #include <QDBusVariant>
-#include <QDeadlineTimer>
 #include <QObject>
 #include <QStringList>
-#include <QTimer>
-#include <functional>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "platform/linux/notifier_item.hpp"
+#include "tests/support/wait_until.hpp"
 
 namespace vorn::test {
-
-/// Lets events happen until `condition` holds; fails the test when it does not within ten seconds.
-inline void waitFor(const std::function<bool()>& condition) {
-    QTimer wake;
-    wake.start(5);
-    const QDeadlineTimer deadline(10000);
-    while (!condition() && !deadline.hasExpired()) {
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    }
-    ASSERT_TRUE(condition()) << "waited in vain";
-}
 
 /// A panel: the watcher and the host in one, on a connection of its own.
 class FakePanel : public QObject {

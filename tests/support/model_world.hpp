@@ -1,9 +1,7 @@
 #pragma once
 
 #include <QCoreApplication>
-#include <QDeadlineTimer>
 #include <QSettings>
-#include <QTimer>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -16,6 +14,7 @@
 #include "app/model/preferences.hpp"
 #include "app/model/usage_model.hpp"
 #include "tests/support/temporary_directory.hpp"
+#include "tests/support/wait_until.hpp"
 
 /// A usage model whose time and sources are in the test's hands.
 namespace vorn::test {
@@ -29,18 +28,6 @@ inline QCoreApplication& application() {
     static char* arguments[] = {name, nullptr};
     static QCoreApplication instance(count, arguments);
     return instance;
-}
-
-/// Lets events happen until `condition` holds; fails the test when it does not within ten seconds.
-inline void waitFor(const std::function<bool()>& condition) {
-    application();
-    QTimer wake;
-    wake.start(5ms);
-    const QDeadlineTimer deadline(10s);
-    while (!condition() && !deadline.hasExpired()) {
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    }
-    EXPECT_TRUE(condition()) << "waited in vain";
 }
 
 /// What the model's parts show and note down. The model owns the parts, the test this.

@@ -1,8 +1,10 @@
 #include "tests/support/private_bus.hpp"
 
 #include <QDBusMessage>
+#include <csignal>
 
 #include <gtest/gtest.h>
+#include <sys/prctl.h>
 
 namespace vorn::test {
 
@@ -14,6 +16,7 @@ PrivateBus::PrivateBus() {
                         m_directory.path().string() + "</listen><servicedir>" + services.string() +
                         "</servicedir><policy context=\"default\"><allow send_destination=\"*\" eavesdrop=\"true\"/>"
                         "<allow eavesdrop=\"true\"/><allow own=\"*\"/></policy></busconfig>");
+    m_daemon.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });  // however the test ends
     m_daemon.start("dbus-daemon",
                    {"--nofork", "--print-address", "--config-file=" + QString::fromStdString(configuration.string())});
     while (!m_address.endsWith('\n') && m_daemon.waitForReadyRead(5000)) {

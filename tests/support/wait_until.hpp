@@ -5,6 +5,9 @@
 #include <QEventLoop>
 #include <QThread>
 #include <chrono>
+#include <utility>
+
+#include <gtest/gtest.h>
 
 namespace vorn::test {
 
@@ -20,6 +23,12 @@ bool waitUntil(Condition condition, std::chrono::milliseconds patience = std::ch
         QThread::usleep(500);
     }
     return true;
+}
+
+/// The same, where all that follows needs it.
+template <typename Condition>
+void waitFor(Condition condition) {
+    EXPECT_TRUE(waitUntil(std::move(condition))) << "waited in vain";
 }
 
 }  // namespace vorn::test

@@ -14,13 +14,9 @@ const QString kItemPath = QStringLiteral("/StatusNotifierItem");
 const QString kMenuPath = QStringLiteral("/MenuBar");
 
 void registerTypes() {
-    static const bool done = [] {
-        qDBusRegisterMetaType<TrayPixmap>();
-        qDBusRegisterMetaType<TrayPixmaps>();
-        qDBusRegisterMetaType<TrayToolTip>();
-        return true;
-    }();
-    Q_UNUSED(done)
+    qDBusRegisterMetaType<TrayPixmap>();
+    qDBusRegisterMetaType<TrayPixmaps>();
+    qDBusRegisterMetaType<TrayToolTip>();
 }
 
 /// Qt keeps connections by name, and a name may only be taken again after its connection has gone.

@@ -2,28 +2,23 @@
 
 #include <QAction>
 #include <QDBusMetaType>
-#include <QEvent>
 #include <QGuiApplication>
 #include <QMenu>
-#include <QTimer>
-#include <algorithm>
 
 namespace vorn {
 
 namespace {
 
+constexpr uint kRevision = 1;
+
 void registerTypes() {
-    static const bool done = [] {
-        qDBusRegisterMetaType<TrayMenuNode>();
-        qDBusRegisterMetaType<TrayMenuProperties>();
-        qDBusRegisterMetaType<QList<TrayMenuProperties>>();
-        qDBusRegisterMetaType<TrayMenuEvent>();
-        qDBusRegisterMetaType<QList<TrayMenuEvent>>();
-        qDBusRegisterMetaType<QList<QDBusVariant>>();
-        qDBusRegisterMetaType<QList<int>>();
-        return true;
-    }();
-    Q_UNUSED(done)
+    qDBusRegisterMetaType<TrayMenuNode>();
+    qDBusRegisterMetaType<TrayMenuProperties>();
+    qDBusRegisterMetaType<QList<TrayMenuProperties>>();
+    qDBusRegisterMetaType<TrayMenuEvent>();
+    qDBusRegisterMetaType<QList<TrayMenuEvent>>();
+    qDBusRegisterMetaType<QList<QDBusVariant>>();
+    qDBusRegisterMetaType<QList<int>>();
 }
 
 /// "&Quit" is "_Quit" there.
@@ -88,68 +83,30 @@ const QDBusArgument& operator>>(const QDBusArgument& in, TrayMenuEvent& event) {
 TrayMenu::TrayMenu(QMenu& menu) : m_menu(menu) {
     registerTypes();
     new TrayMenuAdaptor(*this);  // NOLINT(cppcoreguidelines-owning-memory): this is its parent
-    menu.installEventFilter(this);
 }
 
-TrayMenuNode TrayMenu::root() {
+TrayMenuNode TrayMenu::root() const {
     TrayMenuNode root{
         .id = 0, .properties = {{QStringLiteral("children-display"), QStringLiteral("submenu")}}, .children = {}};
-    for (QAction* const action : m_menu.actions()) {
-        const TrayMenuNode node{.id = idOf(action), .properties = propertiesOf(*action), .children = {}};
+    for (int id = 1; const QAction* const entry : m_menu.actions()) {
+        const TrayMenuNode node{.id = id++, .properties = propertiesOf(*entry), .children = {}};
         root.children.append(QDBusVariant(QVariant::fromValue(node)));
     }
     return root;
 }
 
 QAction* TrayMenu::action(int id) const {
-    const auto index = static_cast<std::size_t>(id) - 1;
-    QAction* const action = index < m_actions.size() ? m_actions[index].data() : nullptr;
-    return m_menu.actions().contains(action) ? action : nullptr;
+    return m_menu.actions().value(qsizetype{id} - 1);
 }
 
 QVariantMap TrayMenu::propertiesOf(const QAction& action) {
     if (action.isSeparator()) {
-        return {{QStringLiteral("type"), QStringLiteral("separator")}, {QStringLiteral("visible"), action.isVisible()}};
+        return {{QStringLiteral("type"), QStringLiteral("separator")}};
     }
-    QVariantMap properties{{QStringLiteral("label"), labelOf(action.text())},
-                           {QStringLiteral("enabled"), action.isEnabled()},
-                           {QStringLiteral("visible"), action.isVisible()}};
-    if (action.isCheckable()) {
-        properties.insert(QStringLiteral("toggle-type"), QStringLiteral("checkmark"));
-        properties.insert(QStringLiteral("toggle-state"), action.isChecked() ? 1 : 0);
-    }
-    return properties;
+    return {{QStringLiteral("label"), labelOf(action.text())}, {QStringLiteral("enabled"), action.isEnabled()}};
 }
 
-void TrayMenu::prepare() {
-    emit m_menu.aboutToShow();
-}
-
-bool TrayMenu::eventFilter(QObject* watched, QEvent* event) {
-    const QEvent::Type type = event->type();
-    if ((type == QEvent::ActionAdded || type == QEvent::ActionRemoved || type == QEvent::ActionChanged) &&
-        !m_isChangePending) {
-        m_isChangePending = true;
-        // Several changes at once are one for the host.
-        QTimer::singleShot(0, this, [this] {
-            m_isChangePending = false;
-            emit layoutChanged(++m_revision);
-        });
-    }
-    return QObject::eventFilter(watched, event);
-}
-
-int TrayMenu::idOf(QAction* action) {
-    auto found = std::find(m_actions.begin(), m_actions.end(), action);
-    if (found == m_actions.end()) {
-        found = m_actions.insert(m_actions.end(), action);
-    }
-    return static_cast<int>(found - m_actions.begin()) + 1;
-}
-
-TrayMenuAdaptor::TrayMenuAdaptor(TrayMenu& menu) : QDBusAbstractAdaptor(&menu), m_menu(menu) {
-    connect(&menu, &TrayMenu::layoutChanged, this, [this](uint revision) { emit LayoutUpdated(revision, 0); });
-}
+TrayMenuAdaptor::TrayMenuAdaptor(TrayMenu& menu) : QDBusAbstractAdaptor(&menu), m_menu(menu) {}
 
 QString TrayMenuAdaptor::textDirection() const {
     return QGuiApplication::isRightToLeft() ? QStringLiteral("rtl") : QStringLiteral("ltr");
@@ -165,7 +122,7 @@ uint TrayMenuAdaptor::GetLayout(int parentId, int recursionDepth, const QStringL
     } else if (const QAction* const action = m_menu.action(parentId)) {
         layout = {.id = parentId, .properties = TrayMenu::propertiesOf(*action), .children = {}};
     }
-    return m_menu.revision();
+    return kRevision;
 }
 
 QList<TrayMenuProperties> TrayMenuAdaptor::GetGroupProperties(const QList<int>& ids,
@@ -205,18 +162,11 @@ QList<int> TrayMenuAdaptor::EventGroup(const QList<TrayMenuEvent>& events) {
     return unknown;
 }
 
-bool TrayMenuAdaptor::AboutToShow(int id) {
-    if (id == 0) {
-        m_menu.prepare();
-    }
-    // A change is told by LayoutUpdated.
-    return false;
+bool TrayMenuAdaptor::AboutToShow(int /*id*/) {
+    return false;  // It has not changed.
 }
 
-QList<int> TrayMenuAdaptor::AboutToShowGroup(const QList<int>& ids, QList<int>& /*idErrors*/) {
-    for (const int id : ids) {
-        AboutToShow(id);
-    }
+QList<int> TrayMenuAdaptor::AboutToShowGroup(const QList<int>& /*ids*/, QList<int>& /*idErrors*/) {
     return {};
 }
 

@@ -4,11 +4,9 @@
 #include <QDBusArgument>
 #include <QDBusVariant>
 #include <QObject>
-#include <QPointer>
 #include <QString>
 #include <QStringList>
 #include <QVariantMap>
-#include <vector>
 
 class QAction;
 class QMenu;
@@ -40,34 +38,21 @@ struct TrayMenuEvent {
 QDBusArgument& operator<<(QDBusArgument& out, const TrayMenuEvent& event);
 const QDBusArgument& operator>>(const QDBusArgument& in, TrayMenuEvent& event);
 
-/// A menu for tray hosts to draw: the entries of a QMenu, without submenus. Follows the QMenu as it changes.
+/// A menu for tray hosts to draw: the entries of a QMenu, without submenus.
 class TrayMenu : public QObject {
     Q_OBJECT
 
 public:
-    /// `menu` must outlive this.
+    /// `menu` must outlive this, and stay as it is from when the first host sees it.
     explicit TrayMenu(QMenu& menu);
 
-    [[nodiscard]] uint revision() const { return m_revision; }
-    [[nodiscard]] TrayMenuNode root();
-    /// Null when there is no such entry (any more).
+    [[nodiscard]] TrayMenuNode root() const;
+    /// `id`: its place, from 1 on. Null when there is no such entry.
     [[nodiscard]] QAction* action(int id) const;
     [[nodiscard]] static QVariantMap propertiesOf(const QAction& action);
-    void prepare();  ///< It is about to be shown.
-
-    bool eventFilter(QObject* watched, QEvent* event) override;
-
-signals:
-    void layoutChanged(uint revision);
 
 private:
-    int idOf(QAction* action);
-
     QMenu& m_menu;
-    uint m_revision = 1;
-    bool m_isChangePending = false;
-    /// Position + 1 is the id. Ids are not given twice: a click may come for a menu that was drawn before a change.
-    std::vector<QPointer<QAction>> m_actions;
 };
 
 /// The interface that hosts call; named as they name things.
@@ -95,9 +80,6 @@ public slots:
     QList<int> EventGroup(const QList<vorn::TrayMenuEvent>& events);
     bool AboutToShow(int id);
     QList<int> AboutToShowGroup(const QList<int>& ids, QList<int>& idErrors);
-
-signals:
-    void LayoutUpdated(uint revision, int parent);
 
 private:
     TrayMenu& m_menu;

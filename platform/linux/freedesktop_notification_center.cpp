@@ -1,10 +1,10 @@
 #include "platform/linux/freedesktop_notification_center.hpp"
 
-#include <QDBusMessage>
-#include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
 #include <QVariantMap>
 #include <utility>
+
+#include "platform/linux/bus_call.hpp"
 
 namespace vorn {
 
@@ -13,7 +13,6 @@ namespace {
 // The service and its interface share one name.
 constexpr auto kService = "org.freedesktop.Notifications";
 constexpr auto kPath = "/org/freedesktop/Notifications";
-constexpr auto kBus = "org.freedesktop.DBus";
 constexpr auto kDefaultAction = "default";
 
 QDBusMessage serverCall(const char* method) {
@@ -136,8 +135,8 @@ void FreedesktopNotificationCenter::onOwnerChanged(const QString& /*name*/, cons
 /// A server may end when it has nothing to show, and the bus starts it again for the next notice. Asking the server
 /// itself would start it at once.
 void FreedesktopNotificationCenter::onServerGone() {
-    const auto message = QDBusMessage::createMethodCall(kBus, "/org/freedesktop/DBus", kBus, "ListActivatableNames");
-    m_question = std::make_unique<QDBusPendingCallWatcher>(m_bus.asyncCall(message, milliseconds(m_patience.answer)));
+    m_question = std::make_unique<QDBusPendingCallWatcher>(
+        m_bus.asyncCall(busCall("ListActivatableNames"), milliseconds(m_patience.answer)));
     connect(m_question.get(), &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* call) {
         const QDBusPendingReply<QStringList> names = *call;
         const bool startsOnDemand = !names.isError() && names.value().contains(kService);
@@ -167,11 +166,9 @@ void FreedesktopNotificationCenter::callNotify(const Notice& notice) {
     m_posted[notice.id].isUnderWay = true;
     auto message = serverCall("Notify");
     message.setArguments(notifyArguments(notice));
-    auto* call = new QDBusPendingCallWatcher(m_bus.asyncCall(message, milliseconds(m_patience.answer)), this);
-    connect(call, &QDBusPendingCallWatcher::finished, this, [this, id = notice.id](QDBusPendingCallWatcher* finished) {
-        finished->deleteLater();
-        onNotified(id, *finished);
-    });
+    ask<uint>(
+        m_bus, message, this, [this, id = notice.id](const auto& reply) { onNotified(id, reply); },
+        milliseconds(m_patience.answer));
 }
 
 QVariantList FreedesktopNotificationCenter::notifyArguments(const Notice& notice) const {
@@ -194,8 +191,7 @@ QVariantList FreedesktopNotificationCenter::notifyArguments(const Notice& notice
             kServersChoice};
 }
 
-void FreedesktopNotificationCenter::onNotified(const QString& id, const QDBusPendingCallWatcher& call) {
-    const QDBusPendingReply<uint> reply = call;
+void FreedesktopNotificationCenter::onNotified(const QString& id, const QDBusPendingReply<uint>& reply) {
     Posted& posted = m_posted[id];
     posted.isUnderWay = false;
     const auto next = std::exchange(posted.next, std::nullopt);

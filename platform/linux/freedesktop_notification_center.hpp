@@ -2,6 +2,7 @@
 
 #include <QDBusConnection>
 #include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
 #include <QHash>
 #include <QStringList>
 #include <QTimer>
@@ -51,7 +52,7 @@ private:
     void onServerGone();
     void setServer(Server server);
     void callNotify(const Notice& notice);
-    void onNotified(const QString& id, const QDBusPendingCallWatcher& call);
+    void onNotified(const QString& id, const QDBusPendingReply<uint>& reply);
     [[nodiscard]] QVariantList notifyArguments(const Notice& notice) const;
 
     QDBusConnection m_bus;
@@ -61,8 +62,8 @@ private:
     QStringList m_capabilities;
     std::unique_ptr<QDBusPendingCallWatcher> m_question;  ///< About the server; a new one supersedes the old.
     QTimer m_retry;
-    QHash<QString, Posted>
-        m_posted;  ///< By our identifier. Kept when closed: servers let people click in their history.
+    /// By our identifier. Kept when closed: servers let people click in their history.
+    QHash<QString, Posted> m_posted;
     std::vector<std::function<void(bool)>> m_onAnswers;
     std::optional<bool> m_granted;  ///< The last answer given.
 };

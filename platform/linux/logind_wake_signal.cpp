@@ -1,13 +1,8 @@
 #include "platform/linux/logind_wake_signal.hpp"
 
-#include <QDBusPendingReply>
+#include "platform/linux/bus_call.hpp"
 
 namespace vorn {
-
-namespace {
-constexpr auto kService = "org.freedesktop.login1";
-constexpr auto kBus = "org.freedesktop.DBus";
-}  // namespace
 
 std::unique_ptr<WakeSignal> WakeSignal::system() {
     return std::make_unique<LogindWakeSignal>(QDBusConnection::systemBus());
@@ -25,15 +20,12 @@ void LogindWakeSignal::onPrepareForSleep(bool isGoingToSleep, const QDBusMessage
     if (isGoingToSleep) {
         return;
     }
-    auto question = QDBusMessage::createMethodCall(kBus, "/org/freedesktop/DBus", kBus, "GetNameOwner");
-    auto* call = new QDBusPendingCallWatcher(m_bus.asyncCall(question << kService), this);
-    connect(call, &QDBusPendingCallWatcher::finished, this, [this, call, sender = signal.service()] {
-        call->deleteLater();
-        const QDBusPendingReply<QString> owner = *call;
+    const auto compare = [this, sender = signal.service()](const QDBusPendingReply<QString>& owner) {
         if (!owner.isError() && owner.value() == sender) {
             emit woke();
         }
-    });
+    };
+    ask<QString>(m_bus, busCall("GetNameOwner", {"org.freedesktop.login1"}), this, compare);
 }
 
 }  // namespace vorn

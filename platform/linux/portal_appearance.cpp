@@ -1,13 +1,11 @@
 #include "platform/linux/portal_appearance.hpp"
 
-#include <QDBusMessage>
 #include <QDBusMetaType>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
 #include <QEvent>
 #include <QGuiApplication>
 #include <QPalette>
 
+#include "platform/linux/bus_call.hpp"
 #include "platform/linux/desktop_portal.hpp"
 
 namespace vorn {
@@ -65,10 +63,7 @@ bool PortalAppearance::eventFilter(QObject* watched, QEvent* event) {
 void PortalAppearance::readSettings() {
     auto message = QDBusMessage::createMethodCall(kService, kPath, kSettings, QStringLiteral("ReadAll"));
     message.setArguments({QStringList{kAppearance, kInterface}});
-    auto* watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(message), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
-        watcher->deleteLater();
-        const QDBusPendingReply<PortalSettings> reply = *watcher;
+    ask<PortalSettings>(m_bus, message, this, [this](const auto& reply) {
         if (!reply.isError()) {
             m_settings = reply.value();
             update();

@@ -3,12 +3,11 @@
 #include <QCoreApplication>
 #include <QDBusArgument>
 #include <QDBusMetaType>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
 #include <QGuiApplication>
 #include <QRandomGenerator>
 #include <algorithm>
 
+#include "platform/linux/bus_call.hpp"
 #include "platform/linux/desktop_portal.hpp"
 
 namespace vorn {
@@ -216,14 +215,13 @@ void PortalHotKey::forgetResponse() {
 void PortalHotKey::call(const QString& method, const QVariantList& arguments) {
     auto message = QDBusMessage::createMethodCall(kService, kPath, kShortcuts, method);
     message.setArguments(arguments);
-    auto* watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(message, static_cast<int>(m_patience.count())), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher, serial = m_serial] {
-        watcher->deleteLater();
-        if (watcher->isError() && serial == m_serial) {
+    const auto receive = [this, serial = m_serial](const QDBusPendingReply<>& reply) {
+        if (reply.isError() && serial == m_serial) {
             forgetResponse();
             enter(State::absent);
         }
-    });
+    };
+    ask(m_bus, message, this, receive, static_cast<int>(m_patience.count()));
 }
 
 }  // namespace vorn

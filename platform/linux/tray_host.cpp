@@ -1,13 +1,13 @@
 #include "platform/linux/tray_host.hpp"
 
-#include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
+#include <QDBusVariant>
 #include <QGuiApplication>
 #include <QSystemTrayIcon>
 #include <chrono>
 #include <utility>
+
+#include "platform/linux/bus_call.hpp"
 
 namespace vorn {
 
@@ -57,16 +57,8 @@ TrayHost::TrayHost() : m_bus(QDBusConnection::sessionBus()) {
 }
 
 void TrayHost::askForOwner(const QString& name, std::function<void(bool)> answer) {
-    auto call =
-        QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-                                       QStringLiteral("org.freedesktop.DBus"), QStringLiteral("NameHasOwner"));
-    call << name;
-    auto* const pending = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
-    connect(pending, &QDBusPendingCallWatcher::finished, this, [pending, answer = std::move(answer)] {
-        const QDBusPendingReply<bool> reply = *pending;
-        pending->deleteLater();
-        answer(reply.isValid() && reply.value());
-    });
+    ask<bool>(m_bus, busCall("NameHasOwner", {name}), this,
+              [answer = std::move(answer)](const auto& reply) { answer(reply.isValid() && reply.value()); });
 }
 
 void TrayHost::watcherCame() {
@@ -94,10 +86,7 @@ void TrayHost::hostsChanged() {
         kWatcher, kWatcherPath, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
     call << kWatcher << QStringLiteral("IsStatusNotifierHostRegistered");
     call.setAutoStartService(false);
-    auto* const pending = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
-    connect(pending, &QDBusPendingCallWatcher::finished, this, [this, pending] {
-        const QDBusPendingReply<QDBusVariant> reply = *pending;
-        pending->deleteLater();
+    ask<QDBusVariant>(m_bus, call, this, [this](const auto& reply) {
         // A watcher that does not answer this one is taken at its word.
         setHasHost(m_isWatcherThere && (!reply.isValid() || reply.value().variant().toBool()));
     });

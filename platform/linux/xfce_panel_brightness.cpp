@@ -1,8 +1,6 @@
 #include "platform/linux/xfce_panel_brightness.hpp"
 
-#include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
+#include "platform/linux/bus_call.hpp"
 
 namespace vorn {
 namespace {
@@ -23,14 +21,7 @@ XfcePanelBrightness::XfcePanelBrightness(const QDBusConnection& bus, const Deskt
     // Without the service's name, since Qt would wait for the bus to say who that is.
     m_bus.connect({}, kPath, kSettings, QStringLiteral("PropertyChanged"), this,
                   SLOT(settingChanged(QString, QString, QDBusVariant)));
-    auto message =
-        QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/"),
-                                       QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetNameOwner"));
-    message.setArguments({kPanel});
-    auto* watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(message), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
-        watcher->deleteLater();
-        const QDBusPendingReply<QString> owner = *watcher;
+    ask<QString>(m_bus, busCall("GetNameOwner", {kPanel}), this, [this](const auto& owner) {
         if (!owner.isError()) {
             ownerChanged(owner.value());
         }
@@ -49,10 +40,7 @@ void XfcePanelBrightness::ownerChanged(const QString& owner) {
 void XfcePanelBrightness::readSetting() {
     auto message = QDBusMessage::createMethodCall(kSettings, kPath, kSettings, QStringLiteral("GetProperty"));
     message.setArguments({kChannel, kDarkMode});
-    auto* watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(message), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
-        watcher->deleteLater();
-        const QDBusPendingReply<QDBusVariant> reply = *watcher;
+    ask<QDBusVariant>(m_bus, message, this, [this](const auto& reply) {
         settingChanged(kChannel, kDarkMode, reply.isError() ? QDBusVariant(true) : reply.value());
     });
 }

@@ -154,17 +154,12 @@ void AppDelegate::connectDesktop() {
 }
 
 void AppDelegate::observePreferences() {
-    const auto recompute = [this] {
-        m_model->recompute();
-    };
-    connect(&m_preferences, &Preferences::colorWhenAtRiskChanged, this, recompute);
-    connect(&m_preferences, &Preferences::glyphStyleChanged, this, recompute);
-    connect(&m_preferences, &Preferences::menuBarLayoutChanged, this, recompute);
-    connect(&m_preferences, &Preferences::trayCellsChanged, this, recompute);
-    connect(&m_preferences, &Preferences::useLocalActivityChanged, this, recompute);
-    connect(&m_preferences, &Preferences::notifyAtRiskChanged, this, recompute);
-    connect(&m_preferences, &Preferences::notifyLimitedChanged, this, recompute);
-    connect(&m_preferences, &Preferences::notifyResetChanged, this, recompute);
+    for (const auto changed :
+         {&Preferences::colorWhenAtRiskChanged, &Preferences::glyphStyleChanged, &Preferences::menuBarLayoutChanged,
+          &Preferences::trayCellsChanged, &Preferences::useLocalActivityChanged, &Preferences::notifyAtRiskChanged,
+          &Preferences::notifyLimitedChanged, &Preferences::notifyResetChanged}) {
+        connect(&m_preferences, changed, m_model.get(), &UsageModel::recompute);
+    }
     connect(&m_preferences, &Preferences::claudePathOverrideChanged, m_model.get(), &UsageModel::probeAnew);
 }
 

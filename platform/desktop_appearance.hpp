@@ -8,9 +8,6 @@ namespace vorn {
 /// How the user wants things to look. Main thread only; changes live.
 class DesktopAppearance : public QObject {
     Q_OBJECT
-    Q_PROPERTY(bool isDark READ isDark NOTIFY changed)
-    Q_PROPERTY(bool highContrast READ highContrast NOTIFY changed)
-    Q_PROPERTY(bool reducedMotion READ reducedMotion NOTIFY changed)
 
 public:
     struct Look {

@@ -101,19 +101,13 @@ TEST_F(PreferencesTest, StoresAtOnceAndNotifiesOnlyOfRealChanges) {
     EXPECT_THAT(preferences->menuBarItems(), ElementsAre(tightestRing, sessionPercent));
     EXPECT_FALSE(fs::exists(m_file));
     int notices = 0;
-    const auto count = [&] {
-        ++notices;
-    };
-    QObject::connect(preferences.get(), &Preferences::refreshMinutesChanged, count);
-    QObject::connect(preferences.get(), &Preferences::colorWhenAtRiskChanged, count);
-    QObject::connect(preferences.get(), &Preferences::notifyAtRiskChanged, count);
-    QObject::connect(preferences.get(), &Preferences::notifyLimitedChanged, count);
-    QObject::connect(preferences.get(), &Preferences::notifyResetChanged, count);
-    QObject::connect(preferences.get(), &Preferences::claudePathOverrideChanged, count);
-    QObject::connect(preferences.get(), &Preferences::useLocalActivityChanged, count);
-    QObject::connect(preferences.get(), &Preferences::glyphStyleChanged, count);
-    QObject::connect(preferences.get(), &Preferences::trayCellsChanged, count);
-    QObject::connect(preferences.get(), &Preferences::menuBarLayoutChanged, count);
+    for (const auto changed :
+         {&Preferences::refreshMinutesChanged, &Preferences::colorWhenAtRiskChanged, &Preferences::notifyAtRiskChanged,
+          &Preferences::notifyLimitedChanged, &Preferences::notifyResetChanged, &Preferences::claudePathOverrideChanged,
+          &Preferences::useLocalActivityChanged, &Preferences::glyphStyleChanged, &Preferences::trayCellsChanged,
+          &Preferences::menuBarLayoutChanged}) {
+        QObject::connect(preferences.get(), changed, [&] { ++notices; });
+    }
     const QString path = QStringLiteral("/opt/my, \"own\" Clöde\\n=;%41/claude ");
     const auto set = [&](double minutes, bool on) {
         preferences->setRefreshMinutes(minutes);

@@ -13,10 +13,6 @@ class LoginItem;
 /// are as fresh as the last `refresh`.
 class Integrations : public QObject {
     Q_OBJECT
-    Q_PROPERTY(bool launchAtLogin READ launchAtLogin NOTIFY changed)
-    Q_PROPERTY(QString statusLineError READ statusLineError NOTIFY changed)
-    Q_PROPERTY(QString loginItemError READ loginItemError NOTIFY changed)
-    Q_PROPERTY(bool hasDownstreamCommand READ hasDownstreamCommand NOTIFY changed)
 
 public:
     /// `loginItem`: null where the system has none; must outlive this.

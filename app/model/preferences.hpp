@@ -18,15 +18,6 @@ class PreferencesStore;
 /// of range) counts as not stored; it is overwritten only when the user changes that property.
 class Preferences : public QObject {
     Q_OBJECT
-    Q_PROPERTY(double refreshMinutes READ refreshMinutes WRITE setRefreshMinutes NOTIFY refreshMinutesChanged)
-    Q_PROPERTY(bool colorWhenAtRisk READ colorWhenAtRisk WRITE setColorWhenAtRisk NOTIFY colorWhenAtRiskChanged)
-    Q_PROPERTY(bool notifyAtRisk READ notifyAtRisk WRITE setNotifyAtRisk NOTIFY notifyAtRiskChanged)
-    Q_PROPERTY(bool notifyLimited READ notifyLimited WRITE setNotifyLimited NOTIFY notifyLimitedChanged)
-    Q_PROPERTY(bool notifyReset READ notifyReset WRITE setNotifyReset NOTIFY notifyResetChanged)
-    Q_PROPERTY(
-        QString claudePathOverride READ claudePathOverride WRITE setClaudePathOverride NOTIFY claudePathOverrideChanged)
-    Q_PROPERTY(bool useLocalActivity READ useLocalActivity WRITE setUseLocalActivity NOTIFY useLocalActivityChanged)
-    Q_PROPERTY(QString storeProblem READ storeProblem NOTIFY storeProblemChanged)
 
 public:
     /// Takes over the store.

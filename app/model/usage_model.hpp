@@ -38,8 +38,6 @@ class Preferences;
 /// when it was written.
 class UsageModel : public QObject {
     Q_OBJECT
-    Q_PROPERTY(bool isProbing READ isProbing NOTIFY isProbingChanged)
-    Q_PROPERTY(bool isDemo READ isDemo NOTIFY isDemoChanged)
 
 public:
     struct Phase {

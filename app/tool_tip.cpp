@@ -16,13 +16,18 @@ std::string line(const WindowAssessment& assessment, Instant now) {
     return text;
 }
 
+/// What follows it is the client's own output.
+std::string firstLine(const std::string& message) {
+    return message.substr(0, message.find('\n'));
+}
+
 /// What stands there before any reading.
 std::string opening(const UsageModel& model) {
     switch (model.phase().kind) {
         case UsageModel::Phase::Kind::starting:
             return "Reading your usage…";
         case UsageModel::Phase::Kind::failed:
-            return model.phase().message;
+            return firstLine(model.phase().message);
         case UsageModel::Phase::Kind::ready:
             break;
     }
@@ -44,7 +49,7 @@ QString toolTip(const UsageModel& model) {
         text += "\n" + Format::sessionsLeft(left) + " left this week";
     }
     if (model.lastProbeError() && !model.assessments().empty()) {
-        text += "\n" + *model.lastProbeError();
+        text += "\n" + firstLine(*model.lastProbeError());
     }
     return QString::fromStdString(text);
 }

@@ -36,6 +36,13 @@ QString labelOf(const QString& text) {
     return label;
 }
 
+QVariantMap propertiesOf(const QAction& action) {
+    if (action.isSeparator()) {
+        return {{QStringLiteral("type"), QStringLiteral("separator")}};
+    }
+    return {{QStringLiteral("label"), labelOf(action.text())}, {QStringLiteral("enabled"), action.isEnabled()}};
+}
+
 }  // namespace
 
 QDBusArgument& operator<<(QDBusArgument& out, const TrayMenuNode& node) {
@@ -80,33 +87,21 @@ const QDBusArgument& operator>>(const QDBusArgument& in, TrayMenuEvent& event) {
     return in;
 }
 
-TrayMenu::TrayMenu(QMenu& menu) : m_menu(menu) {
+TrayMenuAdaptor::TrayMenuAdaptor(QMenu& menu) : QDBusAbstractAdaptor(&menu), m_menu(menu) {
     registerTypes();
-    new TrayMenuAdaptor(*this);  // NOLINT(cppcoreguidelines-owning-memory): this is its parent
 }
 
-TrayMenuNode TrayMenu::root() const {
-    TrayMenuNode root{
-        .id = 0, .properties = {{QStringLiteral("children-display"), QStringLiteral("submenu")}}, .children = {}};
-    for (int id = 1; const QAction* const entry : m_menu.actions()) {
-        const TrayMenuNode node{.id = id++, .properties = propertiesOf(*entry), .children = {}};
-        root.children.append(QDBusVariant(QVariant::fromValue(node)));
-    }
-    return root;
-}
-
-QAction* TrayMenu::action(int id) const {
+QAction* TrayMenuAdaptor::action(int id) const {
     return m_menu.actions().value(qsizetype{id} - 1);
 }
 
-QVariantMap TrayMenu::propertiesOf(const QAction& action) {
-    if (action.isSeparator()) {
-        return {{QStringLiteral("type"), QStringLiteral("separator")}};
+QList<TrayMenuProperties> TrayMenuAdaptor::entries() const {
+    QList<TrayMenuProperties> entries;
+    for (const QAction* const entry : m_menu.actions()) {
+        entries.append({.id = static_cast<int>(entries.size()) + 1, .properties = propertiesOf(*entry)});
     }
-    return {{QStringLiteral("label"), labelOf(action.text())}, {QStringLiteral("enabled"), action.isEnabled()}};
+    return entries;
 }
-
-TrayMenuAdaptor::TrayMenuAdaptor(TrayMenu& menu) : QDBusAbstractAdaptor(&menu), m_menu(menu) {}
 
 QString TrayMenuAdaptor::textDirection() const {
     return QGuiApplication::isRightToLeft() ? QStringLiteral("rtl") : QStringLiteral("ltr");
@@ -114,47 +109,47 @@ QString TrayMenuAdaptor::textDirection() const {
 
 uint TrayMenuAdaptor::GetLayout(int parentId, int recursionDepth, const QStringList& /*propertyNames*/,
                                 TrayMenuNode& layout) {
-    if (parentId == 0) {
-        layout = m_menu.root();
-        if (recursionDepth == 0) {
-            layout.children.clear();
+    if (const QAction* const entry = action(parentId)) {
+        layout = {.id = parentId, .properties = propertiesOf(*entry), .children = {}};
+        return kRevision;
+    }
+    layout.properties = {{QStringLiteral("children-display"), QStringLiteral("submenu")}};
+    if (parentId == 0 && recursionDepth != 0) {
+        for (const auto& [id, properties] : entries()) {
+            const TrayMenuNode child{.id = id, .properties = properties, .children = {}};
+            layout.children.append(QDBusVariant(QVariant::fromValue(child)));
         }
-    } else if (const QAction* const action = m_menu.action(parentId)) {
-        layout = {.id = parentId, .properties = TrayMenu::propertiesOf(*action), .children = {}};
     }
     return kRevision;
 }
 
 QList<TrayMenuProperties> TrayMenuAdaptor::GetGroupProperties(const QList<int>& ids,
                                                               const QStringList& /*propertyNames*/) {
-    QList<TrayMenuProperties> all;
-    for (const QDBusVariant& child : m_menu.root().children) {
-        const auto node = child.variant().value<TrayMenuNode>();
-        if (ids.isEmpty() || ids.contains(node.id)) {
-            all.append({.id = node.id, .properties = node.properties});
-        }
+    QList<TrayMenuProperties> wanted = entries();
+    if (!ids.isEmpty()) {
+        wanted.removeIf([&](const TrayMenuProperties& entry) { return !ids.contains(entry.id); });
     }
-    return all;
+    return wanted;
 }
 
 QDBusVariant TrayMenuAdaptor::GetProperty(int id, const QString& name) {
-    const QAction* const action = m_menu.action(id);
-    const QVariant value = action == nullptr ? QVariant() : TrayMenu::propertiesOf(*action).value(name);
+    const QAction* const entry = action(id);
+    const QVariant value = entry == nullptr ? QVariant() : propertiesOf(*entry).value(name);
     return QDBusVariant(value.isValid() ? value : QVariant(QString()));
 }
 
 void TrayMenuAdaptor::Event(int id, const QString& eventId, const QDBusVariant& /*data*/, uint /*timestamp*/) {
-    QAction* const action = m_menu.action(id);
-    if (action != nullptr && eventId == QStringLiteral("clicked")) {
+    QAction* const entry = action(id);
+    if (entry != nullptr && eventId == QStringLiteral("clicked")) {
         // The host waits for the answer to this call; what the entry does may take longer.
-        QMetaObject::invokeMethod(action, &QAction::trigger, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(entry, &QAction::trigger, Qt::QueuedConnection);
     }
 }
 
 QList<int> TrayMenuAdaptor::EventGroup(const QList<TrayMenuEvent>& events) {
     QList<int> unknown;
     for (const TrayMenuEvent& event : events) {
-        if (event.id != 0 && m_menu.action(event.id) == nullptr) {
+        if (event.id != 0 && action(event.id) == nullptr) {
             unknown.append(event.id);
         }
         Event(event.id, event.event, event.data, event.timestamp);

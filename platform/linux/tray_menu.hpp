@@ -38,24 +38,7 @@ struct TrayMenuEvent {
 QDBusArgument& operator<<(QDBusArgument& out, const TrayMenuEvent& event);
 const QDBusArgument& operator>>(const QDBusArgument& in, TrayMenuEvent& event);
 
-/// A menu for tray hosts to draw: the entries of a QMenu, without submenus.
-class TrayMenu : public QObject {
-    Q_OBJECT
-
-public:
-    /// `menu` must outlive this, and stay as it is from when the first host sees it.
-    explicit TrayMenu(QMenu& menu);
-
-    [[nodiscard]] TrayMenuNode root() const;
-    /// `id`: its place, from 1 on. Null when there is no such entry.
-    [[nodiscard]] QAction* action(int id) const;
-    [[nodiscard]] static QVariantMap propertiesOf(const QAction& action);
-
-private:
-    QMenu& m_menu;
-};
-
-/// The interface that hosts call; named as they name things.
+/// Has tray hosts draw a menu: its entries, without submenus. What they call is named as they name things.
 class TrayMenuAdaptor : public QDBusAbstractAdaptor {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.canonical.dbusmenu")
@@ -65,7 +48,8 @@ class TrayMenuAdaptor : public QDBusAbstractAdaptor {
     Q_PROPERTY(QStringList IconThemePath READ iconThemePath)
 
 public:
-    explicit TrayMenuAdaptor(TrayMenu& menu);
+    /// Belongs to the menu, which must stay as it is from when the first host sees it.
+    explicit TrayMenuAdaptor(QMenu& menu);
 
     [[nodiscard]] uint version() const { return 3; }
     [[nodiscard]] QString status() const { return QStringLiteral("normal"); }
@@ -82,7 +66,11 @@ public slots:
     QList<int> AboutToShowGroup(const QList<int>& ids, QList<int>& idErrors);
 
 private:
-    TrayMenu& m_menu;
+    /// `id`: its place, from 1 on. Null when there is no such entry.
+    [[nodiscard]] QAction* action(int id) const;
+    [[nodiscard]] QList<TrayMenuProperties> entries() const;
+
+    QMenu& m_menu;
 };
 
 }  // namespace vorn

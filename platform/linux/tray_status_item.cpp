@@ -7,6 +7,8 @@
 #include <chrono>
 #include <utility>
 
+#include "platform/linux/tray_menu.hpp"
+
 namespace vorn {
 
 using namespace std::chrono_literals;
@@ -44,7 +46,8 @@ QIcon iconOf(const std::vector<QImage>& images) {
 
 }  // namespace
 
-TrayStatusItem::TrayStatusItem(QMenu& menu) : m_menu(menu), m_trayMenu(menu) {
+TrayStatusItem::TrayStatusItem(QMenu& menu) : m_menu(menu) {
+    new TrayMenuAdaptor(menu);  // NOLINT(cppcoreguidelines-owning-memory): the menu is its parent
     m_enrolling.setSingleShot(true);
     connect(&m_enrolling, &QTimer::timeout, this, &TrayStatusItem::enrollNext);
     connect(&m_host, &TrayHost::restarted, this, &TrayStatusItem::rebuild);
@@ -97,7 +100,7 @@ void TrayStatusItem::update() {
 void TrayStatusItem::addCell() {
     Cell cell;
     if (m_host.kind() == TrayHost::Kind::notifier) {
-        cell.item = std::make_unique<NotifierItem>(QStringLiteral("vorn-%1").arg(m_cells.size() + 1), m_trayMenu);
+        cell.item = std::make_unique<NotifierItem>(QStringLiteral("vorn-%1").arg(m_cells.size() + 1), m_menu);
         connect(cell.item.get(), &NotifierItem::activated, this, &StatusItem::activated);
         connect(cell.item.get(), &NotifierItem::read, this, [this] {
             if (m_enrolling.isActive()) {

@@ -9,7 +9,6 @@
 
 #include "platform/linux/notifier_item.hpp"
 #include "platform/linux/tray_host.hpp"
-#include "platform/linux/tray_menu.hpp"
 #include "platform/status_item.hpp"
 
 namespace vorn {
@@ -47,7 +46,6 @@ private:
     void enrollNext();
 
     QMenu& m_menu;
-    TrayMenu m_trayMenu;
     TrayHost m_host;
     std::vector<Images> m_images;  ///< Left to right.
     QString m_toolTip;

@@ -6,6 +6,8 @@
 #include <QGuiApplication>
 #include <utility>
 
+#include "platform/linux/bus_structure.hpp"
+
 namespace vorn {
 
 namespace {
@@ -43,31 +45,19 @@ TrayPixmap pixmapOf(const QImage& image) {
 }  // namespace
 
 QDBusArgument& operator<<(QDBusArgument& out, const TrayPixmap& pixmap) {
-    out.beginStructure();
-    out << pixmap.width << pixmap.height << pixmap.bytes;
-    out.endStructure();
-    return out;
+    return putStructure(out, pixmap.width, pixmap.height, pixmap.bytes);
 }
 
 const QDBusArgument& operator>>(const QDBusArgument& in, TrayPixmap& pixmap) {
-    in.beginStructure();
-    in >> pixmap.width >> pixmap.height >> pixmap.bytes;
-    in.endStructure();
-    return in;
+    return takeStructure(in, pixmap.width, pixmap.height, pixmap.bytes);
 }
 
 QDBusArgument& operator<<(QDBusArgument& out, const TrayToolTip& toolTip) {
-    out.beginStructure();
-    out << toolTip.iconName << toolTip.icons << toolTip.title << toolTip.text;
-    out.endStructure();
-    return out;
+    return putStructure(out, toolTip.iconName, toolTip.icons, toolTip.title, toolTip.text);
 }
 
 const QDBusArgument& operator>>(const QDBusArgument& in, TrayToolTip& toolTip) {
-    in.beginStructure();
-    in >> toolTip.iconName >> toolTip.icons >> toolTip.title >> toolTip.text;
-    in.endStructure();
-    return in;
+    return takeStructure(in, toolTip.iconName, toolTip.icons, toolTip.title, toolTip.text);
 }
 
 NotifierItem::NotifierItem(QString id, QObject& menu) : m_id(std::move(id)), m_bus(newConnection()) {

@@ -5,6 +5,8 @@
 #include <QGuiApplication>
 #include <QMenu>
 
+#include "platform/linux/bus_structure.hpp"
+
 namespace vorn {
 
 namespace {
@@ -46,45 +48,27 @@ QVariantMap propertiesOf(const QAction& action) {
 }  // namespace
 
 QDBusArgument& operator<<(QDBusArgument& out, const TrayMenuNode& node) {
-    out.beginStructure();
-    out << node.id << node.properties << node.children;
-    out.endStructure();
-    return out;
+    return putStructure(out, node.id, node.properties, node.children);
 }
 
 const QDBusArgument& operator>>(const QDBusArgument& in, TrayMenuNode& node) {
-    in.beginStructure();
-    in >> node.id >> node.properties >> node.children;
-    in.endStructure();
-    return in;
+    return takeStructure(in, node.id, node.properties, node.children);
 }
 
 QDBusArgument& operator<<(QDBusArgument& out, const TrayMenuProperties& properties) {
-    out.beginStructure();
-    out << properties.id << properties.properties;
-    out.endStructure();
-    return out;
+    return putStructure(out, properties.id, properties.properties);
 }
 
 const QDBusArgument& operator>>(const QDBusArgument& in, TrayMenuProperties& properties) {
-    in.beginStructure();
-    in >> properties.id >> properties.properties;
-    in.endStructure();
-    return in;
+    return takeStructure(in, properties.id, properties.properties);
 }
 
 QDBusArgument& operator<<(QDBusArgument& out, const TrayMenuEvent& event) {
-    out.beginStructure();
-    out << event.id << event.event << event.data << event.timestamp;
-    out.endStructure();
-    return out;
+    return putStructure(out, event.id, event.event, event.data, event.timestamp);
 }
 
 const QDBusArgument& operator>>(const QDBusArgument& in, TrayMenuEvent& event) {
-    in.beginStructure();
-    in >> event.id >> event.event >> event.data >> event.timestamp;
-    in.endStructure();
-    return in;
+    return takeStructure(in, event.id, event.event, event.data, event.timestamp);
 }
 
 TrayMenuAdaptor::TrayMenuAdaptor(QMenu& menu) : QDBusAbstractAdaptor(&menu), m_menu(menu) {

@@ -8,7 +8,6 @@
 #include <ctime>
 #include <fstream>
 #include <future>
-#include <iostream>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -25,6 +24,7 @@
 #include "core/support/process.hpp"
 #include "tests/support/repeated.hpp"
 #include "tests/support/temporary_directory.hpp"
+#include "tests/support/wait_until.hpp"
 
 namespace vorn {
 namespace {
@@ -33,6 +33,7 @@ namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 using Kind = InstanceServer::Start::Kind;
 using test::readAll;
+using test::waitUntil;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -91,17 +92,10 @@ protected:
     }
     /// Until it answers.
     [[nodiscard]] bool isReady() const {
-        for (int i = 0; i < 1000; ++i) {
-            if (request("ping") == kOk) {
-                return true;
-            }
-            ::usleep(5000);
-        }
-        return false;
+        return waitUntil([&] { return request("ping") == kOk; });
     }
     [[nodiscard]] std::string noted(const char* name) const {
-        std::ifstream file(m_home / name);
-        return {std::istreambuf_iterator<char>(file), {}};
+        return fs::exists(m_home / name) ? readAll(m_home / name) : "";
     }
 
     const test::TemporaryDirectory m_dir;
@@ -202,21 +196,12 @@ protected:
         EXPECT_EQ(::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
         return socket;
     }
-    /// Runs the event loop until then, or for a time that is long enough.
-    template <typename Condition>
-    static void runUntil(Condition isMet, std::chrono::milliseconds atMost = 10s) {
-        const auto deadline = std::chrono::steady_clock::now() + atMost;
-        while (!isMet() && std::chrono::steady_clock::now() < deadline) {
-            QTimer::singleShot(10, [] {});
-            QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
-        }
-    }
     /// What the server answers, while its event loop runs.
     std::string answerTo(std::string line) {
         auto reply = std::async(std::launch::async, [this, line = std::move(line)] {
             return sendRequest(*findLocalSocket(m_home), line, 10s).value_or("nothing");
         });
-        runUntil([&] { return reply.wait_for(0s) == std::future_status::ready; });
+        waitUntil([&] { return reply.wait_for(0s) == std::future_status::ready; });
         return reply.get();
     }
 
@@ -264,8 +249,7 @@ TEST_F(InstanceConnectionTest, IsHeldUpByNobody) {
     };
     EXPECT_TRUE(isClosed(clients.front()));
     EXPECT_FALSE(isClosed(clients.back()));
-    runUntil([&] { return isClosed(clients.back()); });
-    EXPECT_TRUE(isClosed(clients.back()));
+    EXPECT_TRUE(waitUntil([&] { return isClosed(clients.back()); }));
 
     // No descriptor left: it rests instead of turning in circles, and then goes on.
     clients.clear();
@@ -278,11 +262,11 @@ TEST_F(InstanceConnectionTest, IsHeldUpByNobody) {
     const rlimit none{.rlim_cur = static_cast<rlim_t>(next.get()), .rlim_max = limit.rlim_max};
     ::setrlimit(RLIMIT_NOFILE, &none);
     const std::clock_t before = std::clock();
-    runUntil([] { return false; }, 400ms);
-    EXPECT_LT(std::clock() - before, CLOCKS_PER_SEC / 10);
+    waitUntil([] { return false; }, 400ms);
+    EXPECT_LT(std::clock() - before, CLOCKS_PER_SEC / 5);
     ::setrlimit(RLIMIT_NOFILE, &limit);
     EXPECT_EQ(m_handled, "activate ");
-    runUntil([&] { return m_handled != "activate "; });
+    waitUntil([&] { return m_handled != "activate "; });
     EXPECT_EQ(m_handled, "show-popover ");
 }
 

@@ -115,10 +115,7 @@ public slots:
     void Scroll(int delta, const QString& orientation);
 
 signals:
-    void NewTitle();
     void NewIcon();
-    void NewAttentionIcon();
-    void NewOverlayIcon();
     void NewToolTip();
     void NewStatus(const QString& status);
 

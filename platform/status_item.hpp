@@ -13,7 +13,8 @@ class QMenu;
 
 namespace vorn {
 
-/// Draws one image for a square or a strip of that height, in device pixels.
+/// Draws one image for a square or a strip of that height, in device pixels; always the same one. Owns what it draws,
+/// since it may be asked at any later time.
 using StatusImage = std::function<QImage(int height)>;
 
 struct StatusContent {

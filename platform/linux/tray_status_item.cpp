@@ -23,19 +23,6 @@ constexpr std::array kSizes{64, 48, 44, 32, 24, 22, 16};
 constexpr std::chrono::milliseconds kSettled = 50ms;
 constexpr std::chrono::milliseconds kPatience = 500ms;
 
-/// `before` again where nothing changed, for which the largest size speaks.
-std::vector<QImage> imagesOf(const StatusImage& draw, const std::vector<QImage>& before) {
-    std::vector<QImage> images{draw(kSizes.front())};
-    if (!before.empty() && before.front() == images.front()) {
-        return before;
-    }
-    images.reserve(kSizes.size());
-    for (std::size_t i = 1; i < kSizes.size(); ++i) {
-        images.push_back(draw(kSizes[i]));
-    }
-    return images;
-}
-
 QIcon iconOf(const std::vector<QImage>& images) {
     QIcon icon;
     for (const QImage& image : images) {
@@ -55,10 +42,7 @@ TrayStatusItem::TrayStatusItem(QMenu& menu) : m_menu(menu) {
 }
 
 void TrayStatusItem::show(StatusContent content) {
-    m_images.resize(content.images.size());
-    for (std::size_t i = 0; i < m_images.size(); ++i) {
-        m_images[i] = imagesOf(content.images[i], m_images[i]);
-    }
+    m_images = std::move(content.images);
     if (std::exchange(m_toolTip, content.toolTip) != content.toolTip) {
         for (const Cell& cell : m_cells) {
             setToolTip(cell);
@@ -121,12 +105,16 @@ void TrayStatusItem::addCell() {
     m_cells.push_back(std::move(cell));
 }
 
-/// Nothing, as long as it would be the same: an idle program wakes no panel.
-void TrayStatusItem::draw(Cell& cell, const Images& images) {
-    if (cell.shown == images) {
+/// Nothing, as long as it would be the same, for which the largest size speaks: an idle program wakes no panel.
+void TrayStatusItem::draw(Cell& cell, const StatusImage& image) {
+    std::vector<QImage> images{image(kSizes.front())};
+    if (images.front() == cell.shown) {
         return;
     }
-    cell.shown = images;
+    cell.shown = images.front();
+    for (std::size_t i = 1; i < kSizes.size(); ++i) {
+        images.push_back(image(kSizes[i]));
+    }
     if (cell.item) {
         cell.item->setImages(images);
     } else {

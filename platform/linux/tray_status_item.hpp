@@ -28,26 +28,24 @@ public:
     [[nodiscard]] std::optional<QRect> geometry() const override;
 
 private:
-    /// What a cell shows, in the sizes that hosts ask for.
-    using Images = std::vector<QImage>;
     /// One of the two, as the host has it.
     struct Cell {
         std::unique_ptr<NotifierItem> item;
         std::unique_ptr<QSystemTrayIcon> embedded;
-        Images shown;
+        QImage shown;  ///< In the largest size.
     };
 
     void rebuild();
     void update();
     void addCell();
-    static void draw(Cell& cell, const Images& images);
+    static void draw(Cell& cell, const StatusImage& image);
     static void setShown(const Cell& cell, bool isShown);
     void setToolTip(const Cell& cell) const;
     void enrollNext();
 
     QMenu& m_menu;
     TrayHost m_host;
-    std::vector<Images> m_images;  ///< Left to right.
+    std::vector<StatusImage> m_images;  ///< Left to right; drawn when there is a host.
     QString m_toolTip;
     std::vector<Cell> m_cells;   ///< As they came.
     std::size_t m_enrolled = 0;  ///< How many of them the host was told of.

@@ -2,10 +2,10 @@
 
 #include <QCoreApplication>
 #include <algorithm>
-#include <cstdlib>
-#include <cstring>
 
 #include <xcb/xcb.h>
+
+#include "platform/linux/xcb_reply.hpp"
 
 namespace vorn {
 
@@ -16,12 +16,6 @@ constexpr std::uint16_t kModifierBits = 0xff;  // Above them are mouse buttons a
 constexpr std::uint32_t kRepeatWithin = 2000;
 constexpr std::uint8_t kNewKeyboard = 0;
 constexpr std::uint8_t kNewMap = 1;
-
-struct Free {
-    void operator()(void* memory) const { std::free(memory); }
-};
-template <typename T>
-using Reply = std::unique_ptr<T, Free>;
 
 std::vector<std::uint32_t> rootWindows(xcb_connection_t* connection) {
     std::vector<std::uint32_t> roots;
@@ -34,7 +28,7 @@ std::vector<std::uint32_t> rootWindows(xcb_connection_t* connection) {
 std::optional<std::uint8_t> keyboardEvents(xcb_connection_t* connection) {
     static constexpr char kName[] = "XKEYBOARD";
     const auto cookie = xcb_query_extension(connection, sizeof(kName) - 1, kName);
-    const Reply<xcb_query_extension_reply_t> reply(xcb_query_extension_reply(connection, cookie, nullptr));
+    const XcbReply<xcb_query_extension_reply_t> reply(xcb_query_extension_reply(connection, cookie, nullptr));
     if (!reply || reply->present == 0) {
         return std::nullopt;
     }
@@ -46,8 +40,9 @@ X11Keyboard readKeyboard(xcb_connection_t* connection) {
     const auto count = static_cast<std::uint8_t>(setup->max_keycode - setup->min_keycode + 1);
     const auto keysCookie = xcb_get_keyboard_mapping(connection, setup->min_keycode, count);
     const auto modifiersCookie = xcb_get_modifier_mapping(connection);
-    const Reply<xcb_get_keyboard_mapping_reply_t> keys(xcb_get_keyboard_mapping_reply(connection, keysCookie, nullptr));
-    const Reply<xcb_get_modifier_mapping_reply_t> modifiers(
+    const XcbReply<xcb_get_keyboard_mapping_reply_t> keys(
+        xcb_get_keyboard_mapping_reply(connection, keysCookie, nullptr));
+    const XcbReply<xcb_get_modifier_mapping_reply_t> modifiers(
         xcb_get_modifier_mapping_reply(connection, modifiersCookie, nullptr));
 
     X11Keyboard keyboard{.firstKeycode = setup->min_keycode};
@@ -129,7 +124,7 @@ bool X11HotKey::grab(const std::vector<X11Key>& combinations) {
     }
     bool isGranted = true;
     for (const auto& cookie : cookies) {
-        const Reply<xcb_generic_error_t> error(xcb_request_check(m_connection, cookie));
+        const XcbReply<xcb_generic_error_t> error(xcb_request_check(m_connection, cookie));
         isGranted = isGranted && !error;
     }
     if (!isGranted) {

@@ -2,7 +2,6 @@
 
 #include <QObject>
 #include <QString>
-#include <cstdint>
 #include <functional>
 #include <memory>
 
@@ -10,11 +9,9 @@ namespace vorn {
 
 /// One notice to the user.
 struct Notice {
-    enum class Urgency : std::uint8_t { low, normal, critical };
     QString id;  ///< A later notice with the same identifier replaces the earlier one where it is still shown.
     QString title;
     QString body;  ///< Plain text.
-    Urgency urgency = Urgency::normal;
 };
 
 /// The desktop's notifications. Main thread only; nothing here blocks on the desktop.

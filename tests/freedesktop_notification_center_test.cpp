@@ -80,12 +80,12 @@ TEST_F(FreedesktopNotificationCenterTest, SaysWhatTheServerCanShow) {
         {{}, "1 < 2 & it's", {}},
     };
     const QVariantMap hints{
-        {"urgency", QVariant::fromValue<uchar>(0)}, {"sound-name", "message"}, {"desktop-entry", "vorn"}};
+        {"urgency", QVariant::fromValue<uchar>(1)}, {"sound-name", "message"}, {"desktop-entry", "vorn"}};
     for (const auto& c : cases) {
         serve(c.capabilities);
         start(bus.connection());
         expect({true});
-        center->post({.id = "a", .title = "Week <all>", .body = "1 < 2 & it's", .urgency = Notice::Urgency::low});
+        center->post({.id = "a", .title = "Week <all>", .body = "1 < 2 & it's"});
         auto arguments = notice(1);
         EXPECT_EQ(qdbus_cast<QVariantMap>(arguments[6]), hints);
         arguments.remove(6);

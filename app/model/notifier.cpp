@@ -126,8 +126,6 @@ void Notifier::send(std::string_view prefix, const UsageWindow& window, std::str
     }
     const std::string id = identifier(prefix, window.kind, number);
     m_sent.insert(id);
-    // No notice is critical: desktops keep such a one on the screen until it is dismissed, over full-screen windows and
-    // in spite of "do not disturb", and there is nothing that the user would have to do at once.
     m_center->post({.id = toQString(id), .title = toQString(title), .body = toQString(body)});
 }
 

@@ -175,8 +175,11 @@ QVariantList FreedesktopNotificationCenter::notifyArguments(const Notice& notice
     const bool readsMarkup = m_capabilities.contains("body-markup");
     const QStringList actions =
         m_capabilities.contains("actions") ? QStringList{kDefaultAction, QStringLiteral("Open Vorn")} : QStringList();
+    // Desktops keep a critical notice on the screen until it is dismissed, over full-screen windows and in spite of "do
+    // not disturb", and there is never anything that the user would have to do at once.
+    constexpr uchar kNormal = 1;
     const QVariantMap hints{
-        {"urgency", QVariant::fromValue(static_cast<uchar>(notice.urgency))},  // The protocol counts like the type.
+        {"urgency", QVariant::fromValue(kNormal)},
         {"sound-name", "message"},
         {"desktop-entry", "vorn"},
     };

@@ -7,6 +7,7 @@
 #include <QStringList>
 #include <QTimer>
 #include <chrono>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <vector>

@@ -70,9 +70,6 @@ public:
         content.title = notice.title.toNSString();
         content.body = notice.body.toNSString();
         content.sound = UNNotificationSound.defaultSound;
-        // What would break through a focus needs an entitlement of its own.
-        content.interruptionLevel = notice.urgency == Notice::Urgency::low ? UNNotificationInterruptionLevelPassive
-                                                                           : UNNotificationInterruptionLevelActive;
         NSString* identifier = notice.id.toNSString();
         UNNotificationRequest* request = [UNNotificationRequest requestWithIdentifier:identifier
                                                                               content:content

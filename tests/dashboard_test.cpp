@@ -277,9 +277,10 @@ protected:
         }
     }
     /// Where the line of even pace of a chart reaches 100 %, in seconds since the chart begins.
-    static double evenPaceEnd(const QQuickItem* chart) {
+    static double evenPaceEnd(QQuickItem* chart) {
         QPointF end(-1, 0);
-        QObject* const line = qmlContext(chart->childItems().front())->objectForName("evenPace");
+        const QQuickItem* const series = itemsNamed(chart, "ChartSeries").front();
+        QObject* const line = qmlContext(series->childItems().front())->objectForName("evenPace");
         QMetaObject::invokeMethod(line, "at", Q_RETURN_ARG(QPointF, end), Q_ARG(int, 1));
         return end.x();
     }

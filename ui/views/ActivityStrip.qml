@@ -76,7 +76,7 @@ Card {
             LayoutMirroring.enabled: false
             LayoutMirroring.childrenInherit: true
             width: parent.width
-            height: bars.height + marks.height
+            height: bars.height + Theme.sizes.near + times.height
             visible: strip.hasBars
             activeFocusOnTab: true
             Accessible.role: Accessible.Chart
@@ -130,77 +130,30 @@ Card {
                 }
             }
 
-            Item {
-                id: marks
-
-                /// Every how many of them there is room for, by the widest.
-                readonly property int step: {
-                    const all = strip.presenter.marks;
-                    let widest = 1;
-                    for (let i = 0; i < all.length; ++i) {
-                        widest = Math.max(widest, metrics.advanceWidth(all[i].text) + Theme.sizes.gap);
-                    }
-                    const apart = all.length > 1 ? (all[1].position - all[0].position) * width : width;
-                    return Math.max(1, Math.ceil(widest / Math.max(1, apart)));
-                }
-
-                function widthOf(index: int): real {
-                    return metrics.advanceWidth(strip.presenter.marks[index]?.text ?? "");
-                }
-                function centreOf(index: int): real {
-                    return Math.round((strip.presenter.marks[index]?.position ?? 0) * width);
-                }
-                /// Within the strip, at its ends too.
-                function leftOf(index: int): real {
-                    return Math.max(0, Math.min(centreOf(index) - widthOf(index) / 2, width - widthOf(index)));
-                }
-                /// Not where it is so near an end that it would be pushed against its neighbour.
-                function hasText(index: int): bool {
-                    const natural = centreOf(index) - widthOf(index) / 2;
-                    const left = leftOf(index);
-                    const before = index - step;
-                    const after = index + step;
-                    return !(left < natural && before >= 0 && leftOf(before) + widthOf(before) + Theme.sizes.gap > left) && !(left > natural && after < strip.presenter.marks.length && left + widthOf(index) + Theme.sizes.gap > leftOf(after));
-                }
+            TimeLabels {
+                id: times
 
                 y: bars.height + Theme.sizes.near
                 width: parent.width
-                height: Theme.sizes.caption + Theme.sizes.gap
+                texts: Array.from(strip.presenter.marks, mark => mark.text)
+                places: Array.from(strip.presenter.marks, mark => Math.round(mark.position * width))
+                from: 0
+                to: width
+            }
 
-                FontMetrics {
-                    id: metrics
+            Repeater {
+                model: times.places
 
-                    font.pixelSize: Theme.sizes.caption
-                }
+                Rectangle {
+                    required property int index
+                    required property real modelData
 
-                Repeater {
-                    model: strip.presenter.marks
-
-                    delegate: Item {
-                        id: mark
-
-                        required property int index
-                        required property var modelData
-
-                        x: marks.centreOf(index)
-                        visible: index % marks.step === 0
-
-                        Rectangle {
-                            y: -Theme.sizes.near
-                            width: Theme.sizes.hair
-                            height: Theme.sizes.near
-                            color: Theme.colors.fieldLine
-                        }
-
-                        Label {
-                            visible: marks.hasText(mark.index)
-                            x: marks.leftOf(mark.index) - mark.x
-                            font.pixelSize: Theme.sizes.caption
-                            color: Theme.colors.secondText
-                            text: mark.modelData.text
-                            Accessible.ignored: true
-                        }
-                    }
+                    visible: index % times.keep === 0
+                    x: modelData
+                    y: bars.height
+                    width: Theme.sizes.hair
+                    height: Theme.sizes.near
+                    color: Theme.colors.fieldLine
                 }
             }
 

@@ -66,11 +66,21 @@ Item {
         font: name.visible ? name.font : explanation.font
     }
 
-    Row {
+    // Wraps where long words leave no room for all beside each other.
+    Flow {
         id: slot
+
+        readonly property real natural: {
+            let sum = 0;
+            for (let i = 0; i < visibleChildren.length; ++i) {
+                sum += (i > 0 ? spacing : 0) + visibleChildren[i].width;
+            }
+            return sum;
+        }
 
         anchors.right: parent.right
         anchors.rightMargin: Theme.sizes.between
+        width: Math.min(natural, row.width - row.indent - 2 * Theme.sizes.between)
         y: row.isStacked ? row.height - row.inset - height : Math.round((row.height - height) / 2)
         spacing: Theme.sizes.gap
     }

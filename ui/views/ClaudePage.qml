@@ -33,7 +33,6 @@ SettingsPage {
             TextButton {
                 text: qsTr("Check now")
                 enabled: page.claude.canCheck
-                opacity: enabled ? 1 : 0.5
                 onTriggered: page.claude.check()
             }
         }
@@ -97,7 +96,6 @@ SettingsPage {
             TextButton {
                 visible: page.claude.lineState !== ClaudePresenter.Connected
                 enabled: !page.isDemonstration
-                opacity: enabled ? 1 : 0.5
                 primary: true
                 text: page.claude.lineState === ClaudePresenter.NeedsReconnecting ? qsTr("Reconnect") : qsTr("Connect")
                 onTriggered: page.claude.connectLine()
@@ -106,7 +104,6 @@ SettingsPage {
             TextButton {
                 visible: page.claude.lineState !== ClaudePresenter.NotConnected
                 enabled: !page.isDemonstration
-                opacity: enabled ? 1 : 0.5
                 text: qsTr("Disconnect")
                 onTriggered: page.claude.disconnectLine()
             }

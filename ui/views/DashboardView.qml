@@ -29,7 +29,6 @@ FocusScope {
     readonly property bool isNarrow: measure < 920
     readonly property bool isTiny: measure < 640
     readonly property bool isWide: measure > 1400
-    readonly property Item focused: Window.activeFocusItem
 
     implicitWidth: preferredWidth
     implicitHeight: isReady ? scroll.y + scroll.contentHeight : head.height + page.implicitHeight
@@ -39,7 +38,6 @@ FocusScope {
     Accessible.role: Accessible.Pane
     Accessible.name: qsTr("Dashboard")
     Keys.onEscapePressed: closeRequested()
-    onFocusedChanged: scroll.reveal(focused)
 
     Rectangle {
         anchors.fill: parent
@@ -105,7 +103,7 @@ FocusScope {
         onChooseClaudeRequested: dashboard.chooseClaudeRequested()
     }
 
-    Flickable {
+    ScrollArea {
         id: scroll
 
         anchors {
@@ -115,25 +113,7 @@ FocusScope {
         width: parent.width
         visible: dashboard.isReady
         contentHeight: content.height
-        clip: true
-        boundsBehavior: Flickable.StopAtBounds
-
-        function reveal(item: Item) {
-            let ancestor = item;
-            while (ancestor && ancestor !== content) {
-                ancestor = ancestor.parent;
-            }
-            if (!ancestor) {
-                return;
-            }
-            const top = item.mapToItem(content, 0, 0).y - Theme.sizes.between;
-            const bottom = top + item.height + 2 * Theme.sizes.between;
-            if (top < contentY) {
-                contentY = Math.max(0, top);
-            } else if (bottom > contentY + height) {
-                contentY = Math.max(0, Math.min(top, bottom - height));
-            }
-        }
+        margin: Theme.sizes.between
 
         DashboardPage {
             id: content
@@ -148,10 +128,6 @@ FocusScope {
             isNarrow: dashboard.isNarrow
             isTiny: dashboard.isTiny
             isWide: dashboard.isWide
-        }
-
-        ScrollMark {
-            flickable: scroll
         }
     }
 

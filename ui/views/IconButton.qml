@@ -2,23 +2,17 @@ import QtQuick
 import Vorn
 
 /// A button that is only a drawing, with its name in a hint.
-Item {
+Pressable {
     id: button
 
     required property string name
     property alias symbol: icon.symbol
     property alias iconRotation: icon.rotation
-    signal triggered
 
     implicitWidth: Theme.sizes.iconButton
     implicitHeight: Theme.sizes.iconButton
-    activeFocusOnTab: true
-    Accessible.role: Accessible.Button
+    opacity: enabled ? 1 : 0.35
     Accessible.name: name
-    Accessible.onPressAction: triggered()
-    Keys.onReturnPressed: triggered()
-    Keys.onEnterPressed: triggered()
-    Keys.onSpacePressed: triggered()
 
     PressArea {
         id: area

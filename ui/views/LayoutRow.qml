@@ -28,6 +28,7 @@ Item {
     Accessible.onToggleAction: tickRequested(!isOn)
     Keys.onSpacePressed: tickRequested(!isOn)
     Keys.onReturnPressed: tickRequested(!isOn)
+    Keys.onEnterPressed: tickRequested(!isOn)
     Keys.onPressed: event => {
         const by = event.key === Qt.Key_Up ? -1 : event.key === Qt.Key_Down ? 1 : 0;
         const to = index + by;
@@ -142,7 +143,6 @@ Item {
             implicitHeight: Theme.sizes.edge
             activeFocusOnTab: false
             enabled: row.index > 0
-            opacity: enabled ? 1 : 0.35
             name: qsTr("Move %1 up").arg(row.label)
             symbol: Icon.ChevronUp
             onTriggered: row.stepRequested(-1)
@@ -158,7 +158,6 @@ Item {
             implicitHeight: Theme.sizes.edge
             activeFocusOnTab: false
             enabled: row.index < row.count - 1
-            opacity: enabled ? 1 : 0.35
             name: qsTr("Move %1 down").arg(row.label)
             symbol: Icon.ChevronDown
             onTriggered: row.stepRequested(1)

@@ -2,21 +2,15 @@ import QtQuick
 import Vorn
 
 /// A thing to do within a line of text.
-Item {
+Pressable {
     id: link
 
     required property string text
-    signal triggered
 
+    opacity: enabled ? 1 : 0.5
     implicitWidth: label.implicitWidth
     implicitHeight: Theme.sizes.edge
-    activeFocusOnTab: true
-    Accessible.role: Accessible.Button
     Accessible.name: text
-    Accessible.onPressAction: triggered()
-    Keys.onReturnPressed: triggered()
-    Keys.onEnterPressed: triggered()
-    Keys.onSpacePressed: triggered()
 
     Label {
         id: label

@@ -59,34 +59,29 @@ FocusScope {
 
                 model: menu.entries
 
-                Item {
+                Pressable {
                     id: entry
 
                     required property int index
                     required property var modelData
 
-                    function choose() {
-                        menu.close();
-                        modelData.choose();
-                    }
                     function focusEntry(by: int) {
                         repeater.itemAt((index + by + repeater.count) % repeater.count).forceActiveFocus();
                     }
 
                     width: widest.width + 2 * Theme.sizes.between
                     height: Theme.sizes.control
-                    activeFocusOnTab: true
                     Accessible.role: Accessible.MenuItem
                     Accessible.name: modelData.text
-                    Accessible.onPressAction: choose()
-                    Keys.onReturnPressed: choose()
-                    Keys.onEnterPressed: choose()
-                    Keys.onSpacePressed: choose()
                     Keys.onDownPressed: focusEntry(1)
                     Keys.onUpPressed: focusEntry(-1)
+                    onTriggered: {
+                        menu.close();
+                        modelData.choose();
+                    }
 
                     PressArea {
-                        onTriggered: entry.choose()
+                        onTriggered: entry.triggered()
                     }
 
                     Label {

@@ -67,7 +67,6 @@ Item {
         anchors.topMargin: -Theme.sizes.near
         visible: notice.canRetry
         enabled: !notice.isBusy
-        opacity: enabled ? 1 : 0.5
         text: qsTr("Try again")
         onTriggered: notice.retryRequested()
     }

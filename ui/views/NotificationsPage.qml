@@ -39,7 +39,6 @@ SettingsPage {
             TextButton {
                 text: qsTr("Send test")
                 enabled: page.works
-                opacity: enabled ? 1 : 0.5
                 onTriggered: page.settings.sendTest()
             }
         }

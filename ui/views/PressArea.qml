@@ -1,7 +1,7 @@
 import QtQuick
 import Vorn
 
-/// Makes its parent answer to the mouse, Return and Space alike, and shows where the mouse and the keyboard are.
+/// Makes its parent answer to the mouse, and shows that it does.
 MouseArea {
     id: area
 

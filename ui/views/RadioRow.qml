@@ -25,6 +25,7 @@ SettingsRow {
     Accessible.onPressAction: chosen()
     Keys.onSpacePressed: chosen()
     Keys.onReturnPressed: chosen()
+    Keys.onEnterPressed: chosen()
 
     PressArea {
         parent: row

@@ -126,7 +126,6 @@ Card {
 
                 anchors.right: parent.right
                 enabled: card.presenter.banked > 0 && !card.isRedeeming
-                opacity: enabled ? 1 : 0.5
                 text: qsTr("Redeem…")
                 onTriggered: {
                     card.isAdding = false;

@@ -2,13 +2,12 @@ import QtQuick
 import Vorn
 
 /// One page in the list of pages. The arrow keys go from one to the next.
-Item {
+Pressable {
     id: tab
 
     required property string text
     required property int symbol
     required property bool isCurrent
-    signal chosen
     signal stepped(int by)
 
     // As wide as it is as the current one, so that the list keeps its width.
@@ -19,11 +18,8 @@ Item {
     Accessible.name: text
     Accessible.checkable: true
     Accessible.checked: isCurrent
-    Accessible.onPressAction: chosen()
     Keys.onDownPressed: stepped(1)
     Keys.onUpPressed: stepped(-1)
-    Keys.onSpacePressed: chosen()
-    Keys.onReturnPressed: chosen()
 
     Rectangle {
         anchors.fill: parent
@@ -35,7 +31,7 @@ Item {
     }
 
     PressArea {
-        onTriggered: tab.chosen()
+        onTriggered: tab.triggered()
     }
 
     Icon {

@@ -94,7 +94,7 @@ FocusScope {
                     text: modelData
                     symbol: [Icon.General, Icon.MenuBar, Icon.Bell, Icon.Terminal][index]
                     isCurrent: index === view.page
-                    onChosen: view.choose(index)
+                    onTriggered: view.choose(index)
                     onStepped: by => view.choose(index + by)
                 }
             }

@@ -1,7 +1,7 @@
 import QtQuick
 import Vorn
 
-Item {
+Pressable {
     id: choice
 
     required property LiveGlyph glyph
@@ -9,7 +9,6 @@ Item {
     required property string title
     required property string description
     required property bool isCurrent
-    signal chosen
     signal stepped(int by)
 
     implicitHeight: Math.max(sample.height, name.height) + 2 * Theme.sizes.gap
@@ -19,9 +18,6 @@ Item {
     Accessible.description: description
     Accessible.checkable: true
     Accessible.checked: isCurrent
-    Accessible.onPressAction: chosen()
-    Keys.onSpacePressed: chosen()
-    Keys.onReturnPressed: chosen()
     Keys.onRightPressed: stepped(LayoutMirroring.enabled ? -1 : 1)
     Keys.onLeftPressed: stepped(LayoutMirroring.enabled ? 1 : -1)
     Keys.onDownPressed: stepped(1)
@@ -37,7 +33,7 @@ Item {
     }
 
     PressArea {
-        onTriggered: choice.chosen()
+        onTriggered: choice.triggered()
     }
 
     GlyphPreview {

@@ -38,7 +38,7 @@ Item {
                 title: modelData
                 description: picker.descriptions[index]
                 isCurrent: index === picker.current
-                onChosen: picker.picked(index)
+                onTriggered: picker.picked(index)
                 onStepped: by => picker.step(index + by)
             }
         }

@@ -2,7 +2,7 @@ import QtQuick
 import Vorn
 
 /// On or off. It shows what is so; who is asked to change it decides.
-Item {
+Pressable {
     id: control
 
     required property string name
@@ -13,21 +13,13 @@ Item {
     implicitWidth: Math.round(34 * Theme.sizes.scale)
     implicitHeight: Math.round(20 * Theme.sizes.scale)
     opacity: enabled ? 1 : 0.5
-    activeFocusOnTab: true
     Accessible.role: Accessible.CheckBox
     Accessible.name: name
     Accessible.description: description
     Accessible.checkable: true
     Accessible.checked: checked
-    Accessible.onPressAction: toggle()
-    Accessible.onToggleAction: toggle()
-    Keys.onSpacePressed: toggle()
-    Keys.onReturnPressed: toggle()
-    Keys.onEnterPressed: toggle()
-
-    function toggle() {
-        toggled(!checked);
-    }
+    Accessible.onToggleAction: triggered()
+    onTriggered: toggled(!checked)
 
     Rectangle {
         anchors.fill: parent
@@ -57,7 +49,7 @@ Item {
 
     PressArea {
         radius: height / 2
-        onTriggered: control.toggle()
+        onTriggered: control.triggered()
     }
 
     FocusRing {

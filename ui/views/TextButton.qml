@@ -1,22 +1,16 @@
 import QtQuick
 import Vorn
 
-Item {
+Pressable {
     id: button
 
     required property string text
     property bool primary: false
-    signal triggered
 
+    opacity: enabled ? 1 : 0.5
     implicitWidth: label.implicitWidth + 2 * Theme.sizes.between
     implicitHeight: Theme.sizes.control
-    activeFocusOnTab: true
-    Accessible.role: Accessible.Button
     Accessible.name: text
-    Accessible.onPressAction: triggered()
-    Keys.onReturnPressed: triggered()
-    Keys.onEnterPressed: triggered()
-    Keys.onSpacePressed: triggered()
 
     Rectangle {
         anchors.fill: parent

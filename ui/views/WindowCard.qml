@@ -3,7 +3,7 @@ import Vorn
 
 /// One limit: how much, how far, what will happen, when, how fast. Compact, it is three short lines that open on a
 /// click or Return.
-Item {
+Pressable {
     id: card
 
     required property string title
@@ -26,15 +26,9 @@ Item {
     readonly property bool compact: foldable && !isOpen
 
     implicitHeight: content.height + 2 * (compact ? Theme.sizes.gap + Theme.sizes.tight : Theme.sizes.inset - Theme.sizes.tight)
-    activeFocusOnTab: true
     Accessible.role: foldable ? Accessible.Button : Accessible.ListItem
     Accessible.name: spoken
-    Accessible.onPressAction: toggle()
-    Keys.onReturnPressed: toggle()
-    Keys.onEnterPressed: toggle()
-    Keys.onSpacePressed: toggle()
-
-    function toggle() {
+    onTriggered: {
         if (foldable) {
             isOpen = !isOpen;
         }
@@ -43,7 +37,7 @@ Item {
     PressArea {
         enabled: card.foldable
         radius: 0
-        onTriggered: card.toggle()
+        onTriggered: card.triggered()
     }
 
     Column {

@@ -2,33 +2,15 @@ import QtQuick
 import Vorn
 
 /// The cards of all windows.
-Flickable {
+ScrollArea {
     id: list
 
     required property WindowListModel windows
-    readonly property Item focused: Window.activeFocusItem
 
     implicitHeight: cards.height
     contentHeight: cards.height
-    clip: contentHeight > height
-    boundsBehavior: Flickable.StopAtBounds
-    interactive: contentHeight > height
     Accessible.role: Accessible.List
     Accessible.name: qsTr("Limits")
-
-    onFocusedChanged: {
-        if (focused && focused.parent === cards) {
-            reveal(focused);
-        }
-    }
-
-    function reveal(card: Item) {
-        if (card.y < contentY) {
-            contentY = card.y;
-        } else if (card.y + card.height > contentY + height) {
-            contentY = Math.min(card.y, card.y + card.height - height);
-        }
-    }
 
     Column {
         id: cards
@@ -51,9 +33,5 @@ Flickable {
                 }
             }
         }
-    }
-
-    ScrollMark {
-        flickable: list
     }
 }

@@ -20,12 +20,14 @@ Item {
     readonly property int edge: Theme.sizes.edge
     readonly property int spacing: Theme.sizes.between
     readonly property real inner: width - 2 * edge
-    /// The cards stand beside the panels.
-    readonly property bool hasSide: !isNarrow
+    readonly property int panelColumns: isWide ? 2 : 1
+    /// The cards stand in the cell that an odd number of panels leaves empty.
+    readonly property bool fillsCell: isWide && repeater.count % 2 === 1
+    /// They stand in a column beside all panels.
+    readonly property bool hasSide: !isNarrow && !fillsCell
     readonly property real sideWidth: Math.round(288 * Theme.sizes.scale)
     readonly property real panelsWidth: hasSide ? inner - sideWidth - spacing : inner
-    readonly property int panelColumns: isWide && repeater.count > 1 ? 2 : 1
-    readonly property real under: Math.max(limits.height, hasSide ? side.height : 0)
+    readonly property real panelWidth: (panelsWidth - (panelColumns - 1) * spacing) / panelColumns
 
     height: rest.y + rest.height + edge
 
@@ -47,7 +49,7 @@ Item {
                 required property LimitPanelPresenter panel
                 required property int index
 
-                width: (page.panelsWidth - (page.panelColumns - 1) * page.spacing) / page.panelColumns
+                width: page.panelWidth
                 presenter: panel
                 namesEvenPace: index === 0
                 pixelRatio: page.pixelRatio
@@ -59,24 +61,27 @@ Item {
         }
     }
 
-    // Session and week, and the resets: beside the panels, or side by side under them.
+    // Session and week, and the resets.
     Grid {
         id: side
 
-        readonly property real cardWidth: page.hasSide ? page.sideWidth : page.isTiny ? page.inner : (page.inner - page.spacing) / 2
+        readonly property real room: page.fillsCell ? page.panelWidth : page.hasSide ? page.sideWidth : page.inner
+        readonly property real cardWidth: (room - (columns - 1) * spacing) / columns
+        readonly property real lastPanel: repeater.itemAt(repeater.count - 1)?.y ?? 0
+        // Two beside each other are equally high, and as high as a panel beside them.
+        readonly property real cardHeight: columns === 1 ? 0 : Math.max(sessionWeekCard.implicitHeight, resetsCard.implicitHeight, page.fillsCell ? limits.height - lastPanel : 0)
 
         anchors.left: parent.left
-        anchors.leftMargin: page.edge + (page.hasSide ? page.panelsWidth + page.spacing : 0)
-        y: page.hasSide ? page.spacing : limits.y + limits.height + page.spacing
+        anchors.leftMargin: page.edge + page.inner - room
+        y: page.fillsCell ? limits.y + lastPanel : page.hasSide ? limits.y : limits.y + limits.height + page.spacing
         columns: page.hasSide || page.isTiny ? 1 : 2
         spacing: page.spacing
 
-        // Two beside each other are equally high.
         SessionWeekCard {
             id: sessionWeekCard
 
             width: side.cardWidth
-            height: side.columns === 2 ? Math.max(implicitHeight, resetsCard.implicitHeight) : implicitHeight
+            height: Math.max(implicitHeight, side.cardHeight)
             presenter: page.sessionWeek
         }
 
@@ -84,7 +89,7 @@ Item {
             id: resetsCard
 
             width: side.cardWidth
-            height: side.columns === 2 ? Math.max(implicitHeight, sessionWeekCard.implicitHeight) : implicitHeight
+            height: Math.max(implicitHeight, side.cardHeight)
             presenter: page.resets
         }
     }
@@ -96,7 +101,7 @@ Item {
         anchors.left: parent.left
         anchors.leftMargin: page.edge
         width: page.inner
-        y: page.hasSide ? limits.y + page.under + page.spacing : side.y + side.height + page.spacing
+        y: Math.max(limits.y + limits.height, side.y + side.height) + page.spacing
         spacing: page.spacing
 
         ActivityStrip {

@@ -629,6 +629,8 @@ TEST_F(SettingsWindowTest, RemembersItsPageAndPlaceAndLetsGoOfTheEngine) {
     EXPECT_TRUE(find("Send test"));
     EXPECT_EQ(m_shown->size(), QSize(600, 500));
     EXPECT_LT(m_shown->x(), 800) << "that screen is gone";
+    open(Page::claudeCode);
+    EXPECT_EQ(focused(), "Claude Code") << "asked for from elsewhere";
     m_shown->close();
     EXPECT_FALSE(m_window.isOpen());
 }

@@ -94,20 +94,15 @@ FocusScope {
                     text: modelData
                     symbol: [Icon.General, Icon.MenuBar, Icon.Bell, Icon.Terminal][index]
                     isCurrent: index === view.page
-                    onTriggered: view.choose(index)
-                    onStepped: by => view.choose(index + by)
+                    onTriggered: view.page = index
+                    onStepped: by => view.page = Math.max(0, Math.min(index + by, view.titles.length - 1))
                 }
             }
         }
     }
 
-    function choose(index: int) {
-        if (index >= 0 && index < titles.length) {
-            page = index;
-            repeater.itemAt(index).forceActiveFocus();
-        }
-    }
-
+    // What had the keyboard may be gone with the page before.
+    onPageChanged: repeater.itemAt(page)?.forceActiveFocus()
     Component.onCompleted: repeater.itemAt(page).focus = true
 
     Loader {

@@ -16,13 +16,11 @@
 #include "tests/support/qt_warnings.hpp"
 #include "tests/support/view_looks.hpp"
 #include "tests/support/view_states.hpp"
-#include "ui/views/freshness_presenter.hpp"
+#include "ui/views/popover_content.hpp"
 #include "ui/views/popover_window.hpp"
 #include "ui/views/snapshot.hpp"
-#include "ui/views/steer_presenter.hpp"
 #include "ui/views/view_engine.hpp"
 #include "ui/views/view_picture.hpp"
-#include "ui/views/window_list_model.hpp"
 
 namespace vorn {
 namespace {
@@ -56,19 +54,16 @@ QImage picture(UsageModel& model, const PictureLook& with) {
     appearance.setLook(with.look);
     ViewEngine engine(appearance);
     const auto hold = engine.hold();
-    SteerPresenter steer(model);
-    WindowListModel windows(model);
-    FreshnessPresenter freshness(model);
+    PopoverContent content(model);
     if (with.inManyWords) {
-        lengthen(windows, model);
+        lengthen(content.windows(), model);
     }
-    return pictureOf(*hold, {.view = QUrl("qrc:/qt/qml/Vorn/PopoverView.qml"),
-                             .properties = {{"steer", QVariant::fromValue(&steer)},
-                                            {"windows", QVariant::fromValue(&windows)},
-                                            {"freshness", QVariant::fromValue(&freshness)},
-                                            {"hasDashboard", true},
-                                            {"hasSettings", true}},
-                             .pixelRatio = with.pixelRatio});
+    QVariantMap properties = content.properties();
+    properties.insert("hasDashboard", true);
+    properties.insert("hasSettings", true);
+    return pictureOf(
+        *hold,
+        {.view = QUrl("qrc:/qt/qml/Vorn/PopoverView.qml"), .properties = properties, .pixelRatio = with.pixelRatio});
 }
 
 TEST(PopoverView, ShowsEveryStateWithoutAWarning) {

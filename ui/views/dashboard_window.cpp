@@ -14,26 +14,8 @@ constexpr QSize kLeastSize{560, 420};
 
 }  // namespace
 
-/// The window with what it shows.
-class DashboardWindow::Content : public View {
-public:
-    Content(ViewEngine::Hold hold, UsageModel& model) : View(std::move(hold)), m_content(model) {
-        setTitle("Dashboard");
-        setResizeMode(SizeRootObjectToView);
-        setInitialProperties(m_content.properties());
-        setSource(QUrl(kViewUrl));
-    }
-    ~Content() override {
-        // What is shown goes before what it shows.
-        setSource({});
-    }
-
-private:
-    DashboardContent m_content;
-};
-
 DashboardWindow::DashboardWindow(UsageModel& model, ViewEngine& engine, WindowPlaceStore place, QObject* parent)
-    : ViewWindow(engine, std::move(place), parent), m_model(model) {}
+    : ViewWindow(engine, parent), m_model(model), m_place(std::move(place)) {}
 
 DashboardWindow::~DashboardWindow() {
     discardViews();
@@ -41,26 +23,26 @@ DashboardWindow::~DashboardWindow() {
 
 void DashboardWindow::setHasSettings(bool has) {
     m_hasSettings = has;
-    if (isOpen()) {
-        view()->rootObject()->setProperty("hasSettings", has);
-    }
+    setViewProperty("hasSettings", has);
 }
 
-std::unique_ptr<ViewWindow::View> DashboardWindow::makeView(ViewEngine::Hold hold) {
-    return std::make_unique<Content>(std::move(hold), m_model);
+ViewWindow::Shown DashboardWindow::shown() {
+    const auto content = std::make_shared<DashboardContent>(m_model);
+    return {.title = "Dashboard", .url = kViewUrl, .properties = content->properties(), .content = content};
 }
 
-ViewWindow::Sizes DashboardWindow::sizesFor(const QQuickItem& /*root*/) const {
-    return {.usual = kSize, .least = kLeastSize};
-}
-
-void DashboardWindow::prepare(View& view) {
+void DashboardWindow::prepare(QQuickView& view) {
+    restorePlace(view, m_place, {.usual = kSize, .least = kLeastSize});
     setHasSettings(m_hasSettings);
     const QQuickItem* const root = view.rootObject();
     connect(root, SIGNAL(refreshRequested()), this, SIGNAL(refreshRequested()));
     connect(root, SIGNAL(settingsRequested()), this, SIGNAL(settingsRequested()));
     connect(root, SIGNAL(chooseClaudeRequested()), this, SIGNAL(chooseClaudeRequested()));
     connect(root, SIGNAL(exportRequested(QString, QString)), this, SIGNAL(exportRequested(QString, QString)));
+}
+
+void DashboardWindow::leave(QQuickView& view) {
+    savePlace(view, m_place);
 }
 
 }  // namespace vorn

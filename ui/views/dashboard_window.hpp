@@ -1,9 +1,9 @@
 #pragma once
 
 #include <QString>
-#include <memory>
 
 #include "ui/views/view_window.hpp"
+#include "ui/views/window_place.hpp"
 
 namespace vorn {
 
@@ -30,15 +30,13 @@ signals:
     void exportRequested(const QString& content, const QString& format);
 
 protected:
-    [[nodiscard]] std::unique_ptr<View> makeView(ViewEngine::Hold hold) override;
-    [[nodiscard]] Sizes sizesFor(const QQuickItem& root) const override;
-    void prepare(View& view) override;
-    void leave(View& /*view*/) override {}
+    [[nodiscard]] Shown shown() override;
+    void prepare(QQuickView& view) override;
+    void leave(QQuickView& view) override;
 
 private:
-    class Content;
-
     UsageModel& m_model;
+    WindowPlaceStore m_place;
     bool m_hasSettings = false;
 };
 

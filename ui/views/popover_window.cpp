@@ -2,18 +2,13 @@
 
 #include <QGuiApplication>
 #include <QMouseEvent>
-#include <QPointer>
-#include <QQmlEngine>
 #include <QQuickItem>
-#include <QQuickView>
 #include <QScreen>
 
 #include "app/model/usage_model.hpp"
 #include "platform/translucency.hpp"
-#include "ui/views/freshness_presenter.hpp"
+#include "ui/views/popover_content.hpp"
 #include "ui/views/settled_size.hpp"
-#include "ui/views/steer_presenter.hpp"
-#include "ui/views/window_list_model.hpp"
 
 namespace vorn {
 namespace {
@@ -48,89 +43,24 @@ QScreen* screenOf(const PopoverAnchor& anchor) {
 
 }  // namespace
 
-/// The window with what it shows; holds the engine as long as it exists.
-class PopoverWindow::View : public QQuickView {
-public:
-    View(ViewEngine::Hold hold, UsageModel& model)
-        : QQuickView(hold.get(), nullptr),
-          m_hold(std::move(hold)),
-          m_steer(model),
-          m_windows(model),
-          m_freshness(model) {
-        setTitle("Vorn");
-        setFlags(popoverFlags());
-        setColor(Qt::transparent);
-        setResizeMode(SizeRootObjectToView);
-        setInitialProperties({{"steer", QVariant::fromValue(&m_steer)},
-                              {"windows", QVariant::fromValue(&m_windows)},
-                              {"freshness", QVariant::fromValue(&m_freshness)},
-                              {"rounded", windowsCanBeTranslucent()}});
-        setSource(QUrl(kViewUrl));
-    }
-    ~View() override {
-        // What is shown goes before what it shows.
-        setSource({});
-    }
-
-private:
-    ViewEngine::Hold m_hold;
-    SteerPresenter m_steer;
-    WindowListModel m_windows;
-    FreshnessPresenter m_freshness;
-};
-
 PopoverWindow::PopoverWindow(UsageModel& model, ViewEngine& engine, QObject* parent)
-    : QObject(parent), m_model(model), m_engine(engine) {
-    connect(&engine, &ViewEngine::aboutToUnload, this, [this] {
-        m_view.reset();
-        m_closing.clear();
-    });
+    : ViewWindow(engine, parent), m_model(model) {
     connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, [this](QWindow* focused) {
-        if (!m_view) {
-            return;
-        }
-        if (focused == m_view.get()) {
+        if (isOpen() && focused == view()) {
             m_hadFocus = true;
-        } else if (m_hadFocus) {
+        } else if (isOpen() && m_hadFocus) {
             closeByOutsideClick();
         }
     });
 }
 
-PopoverWindow::~PopoverWindow() = default;
+PopoverWindow::~PopoverWindow() {
+    discardViews();
+}
 
 void PopoverWindow::open(const PopoverAnchor& anchor) {
     m_anchor = anchor;
-    const bool wasOpen = isOpen();
-    if (!wasOpen && !createView()) {
-        return;
-    }
-    place();
-    m_view->show();
-    m_view->requestActivate();
-    if (isX11()) {
-        m_view->raise();
-        grabMouse(kGrabAttempts);
-    }
-    if (!wasOpen) {
-        emit opened();
-    }
-}
-
-void PopoverWindow::close() {
-    if (!m_view) {
-        return;
-    }
-    m_view->removeEventFilter(this);
-    if (isX11()) {
-        m_view->setMouseGrabEnabled(false);
-    }
-    m_view->hide();
-    // It may be what called.
-    m_closing.push_back(std::move(m_view));
-    QMetaObject::invokeMethod(
-        this, [this] { m_closing.clear(); }, Qt::QueuedConnection);
-    emit closed();
+    open();
 }
 
 void PopoverWindow::closeByOutsideClick() {
@@ -150,37 +80,30 @@ void PopoverWindow::toggle(const PopoverAnchor& anchor) {
     open(anchor);
 }
 
-bool PopoverWindow::isOpen() const {
-    return m_view != nullptr;
-}
-
 void PopoverWindow::setHasDashboard(bool has) {
     m_hasDashboard = has;
-    if (m_view) {
-        m_view->rootObject()->setProperty("hasDashboard", has);
-    }
+    setViewProperty("hasDashboard", has);
 }
 
 void PopoverWindow::setHasSettings(bool has) {
     m_hasSettings = has;
-    if (m_view) {
-        m_view->rootObject()->setProperty("hasSettings", has);
-    }
+    setViewProperty("hasSettings", has);
 }
 
-bool PopoverWindow::createView() {
+ViewWindow::Shown PopoverWindow::shown() {
+    const auto content = std::make_shared<PopoverContent>(m_model);
+    QVariantMap properties = content->properties();
+    properties.insert("rounded", windowsCanBeTranslucent());
+    return {.title = "Vorn", .url = kViewUrl, .properties = properties, .content = content};
+}
+
+void PopoverWindow::prepare(QQuickView& view) {
     m_hadFocus = false;
-    m_view = std::make_unique<View>(m_engine.hold(), m_model);
-    if (!m_view->rootObject()) {
-        // Parts of Qt are not installed; the view has told which.
-        m_view.reset();
-        return false;
-    }
-    m_view->installEventFilter(this);
+    view.setFlags(popoverFlags());
+    view.setColor(Qt::transparent);
     setHasDashboard(m_hasDashboard);
     setHasSettings(m_hasSettings);
-    const QQuickItem* const root = m_view->rootObject();
-    connect(root, SIGNAL(closeRequested()), this, SLOT(close()));
+    const QQuickItem* const root = view.rootObject();
     connect(root, SIGNAL(refreshRequested()), this, SIGNAL(refreshRequested()));
     connect(root, SIGNAL(dashboardRequested()), this, SIGNAL(dashboardRequested()));
     connect(root, SIGNAL(settingsRequested()), this, SIGNAL(settingsRequested()));
@@ -189,39 +112,54 @@ bool PopoverWindow::createView() {
     // Later: placing it lays it out once more, which must not happen while it is being laid out.
     connect(root, &QQuickItem::implicitHeightChanged, this, &PopoverWindow::place, Qt::QueuedConnection);
     connect(root, &QQuickItem::implicitWidthChanged, this, &PopoverWindow::place, Qt::QueuedConnection);
-    return true;
+}
+
+void PopoverWindow::present(QQuickView& view) {
+    place();
+    view.show();
+    view.requestActivate();
+    if (isX11()) {
+        view.raise();
+        grabMouse(kGrabAttempts);
+    }
+}
+
+void PopoverWindow::leave(QQuickView& view) {
+    if (isX11()) {
+        view.setMouseGrabEnabled(false);
+    }
 }
 
 void PopoverWindow::place() {
     const QScreen* const screen = screenOf(m_anchor);
-    if (!m_view || !screen) {
+    if (!isOpen() || !screen) {
         return;
     }
     const QRect available = screen->availableGeometry();
     const int maximumHeight = qRound(available.height() * kMostOfHeight);
-    m_view->rootObject()->setProperty("maximumHeight", maximumHeight);
-    const QRect rect = popoverRect(m_anchor, settledSize(*m_view->rootObject()), screen->geometry(), available);
-    m_view->setMinimumSize(rect.size());
-    m_view->setMaximumSize(rect.size());
-    m_view->setGeometry(rect);
+    setViewProperty("maximumHeight", maximumHeight);
+    const QRect rect = popoverRect(m_anchor, settledSize(*view()->rootObject()), screen->geometry(), available);
+    view()->setMinimumSize(rect.size());
+    view()->setMaximumSize(rect.size());
+    view()->setGeometry(rect);
 }
 
 void PopoverWindow::grabMouse(int attemptsLeft) {
-    if (!m_view || attemptsLeft == 0 || m_view->setMouseGrabEnabled(true)) {
+    if (!isOpen() || attemptsLeft == 0 || view()->setMouseGrabEnabled(true)) {
         return;
     }
-    QTimer::singleShot(kGrabRetry, m_view.get(), [this, attemptsLeft] { grabMouse(attemptsLeft - 1); });
+    QTimer::singleShot(kGrabRetry, view(), [this, attemptsLeft] { grabMouse(attemptsLeft - 1); });
 }
 
 bool PopoverWindow::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::MouseButtonPress && watched == m_view.get()) {
+    if (event->type() == QEvent::MouseButtonPress && watched == view()) {
         const auto& press = static_cast<const QMouseEvent&>(*event);
-        if (!QRect(QPoint(), m_view->size()).contains(press.position().toPoint())) {
+        if (!QRect(QPoint(), view()->size()).contains(press.position().toPoint())) {
             closeByOutsideClick();
             return true;
         }
     }
-    return QObject::eventFilter(watched, event);
+    return ViewWindow::eventFilter(watched, event);
 }
 
 }  // namespace vorn

@@ -1,20 +1,17 @@
 #pragma once
 
 #include <QElapsedTimer>
-#include <QObject>
-#include <memory>
-#include <vector>
 
 #include "ui/views/popover_placement.hpp"
-#include "ui/views/view_engine.hpp"
+#include "ui/views/view_window.hpp"
 
 namespace vorn {
 
 class UsageModel;
 
 /// The popover over the tray: a small frameless window that closes on a click outside it, on Escape and on a second
-/// click on the tray. It decides nothing; what people ask of it comes out as signals. Main thread only.
-class PopoverWindow : public QObject {
+/// click on the tray. It decides nothing; what people ask of it comes out as signals.
+class PopoverWindow : public ViewWindow {
     Q_OBJECT
 
 public:
@@ -24,19 +21,15 @@ public:
 
     /// Shows it with the keyboard focus; moves it when it is shown already. Stays closed where it cannot be loaded.
     void open(const PopoverAnchor& anchor);
-    Q_SLOT void close();
     /// For a click on the tray or the hot key. The click that closes the popover by being outside it may arrive here as
     /// well: it does not open it again.
     void toggle(const PopoverAnchor& anchor);
-    [[nodiscard]] bool isOpen() const;
 
     /// Whether there is such a window to ask for; without, its button is absent. Both are false at first.
     void setHasDashboard(bool has);
     void setHasSettings(bool has);
 
 signals:
-    void opened();
-    void closed();
     void refreshRequested();
     void dashboardRequested();
     void settingsRequested();
@@ -44,21 +37,19 @@ signals:
     void quitRequested();
 
 protected:
+    [[nodiscard]] Shown shown() override;
+    void prepare(QQuickView& view) override;
+    void present(QQuickView& view) override;
+    void leave(QQuickView& view) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    class View;
-
-    /// Whether it could be made.
-    bool createView();
+    using ViewWindow::open;
     void closeByOutsideClick();
     void place();
     void grabMouse(int attemptsLeft);
 
     UsageModel& m_model;
-    ViewEngine& m_engine;
-    std::unique_ptr<View> m_view;                  ///< While open.
-    std::vector<std::unique_ptr<View>> m_closing;  ///< Until the events that closed them are through.
     PopoverAnchor m_anchor;
     QElapsedTimer m_sinceOutsideClick;  ///< Runs since a click outside closed it.
     bool m_hadFocus = false;

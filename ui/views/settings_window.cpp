@@ -15,28 +15,8 @@ constexpr double kLeastShare = 0.75;
 
 }  // namespace
 
-/// The window with what it shows.
-class SettingsWindow::Content : public View {
-public:
-    Content(ViewEngine::Hold hold, const SettingsWindow::Deps& deps, ClaudeFinder& finder, Page page)
-        : View(std::move(hold)), m_pages(deps, finder) {
-        setTitle("Settings");
-        setFlags(Qt::Window);
-        setResizeMode(SizeRootObjectToView);
-        setInitialProperties(m_pages.properties(page));
-        setSource(QUrl(kViewUrl));
-    }
-    ~Content() override {
-        // What is shown goes before what it shows.
-        setSource({});
-    }
-
-private:
-    SettingsPages m_pages;
-};
-
 SettingsWindow::SettingsWindow(const Deps& deps, ViewEngine& engine, QObject* parent)
-    : ViewWindow(engine, deps.place, parent), m_deps(deps), m_finder(std::make_unique<ClaudeFinder>()) {}
+    : ViewWindow(engine, parent), m_deps(deps), m_finder(std::make_unique<ClaudeFinder>()) {}
 
 SettingsWindow::~SettingsWindow() {
     discardViews();
@@ -44,23 +24,20 @@ SettingsWindow::~SettingsWindow() {
 
 void SettingsWindow::open(Page page) {
     m_page = page;
-    if (isOpen()) {
-        view()->rootObject()->setProperty("page", static_cast<int>(page));
-    }
+    setViewProperty("page", static_cast<int>(page));
     open();
 }
 
-std::unique_ptr<ViewWindow::View> SettingsWindow::makeView(ViewEngine::Hold hold) {
+ViewWindow::Shown SettingsWindow::shown() {
     m_deps.integrations.refresh();
-    return std::make_unique<Content>(std::move(hold), m_deps, *m_finder, m_page);
+    const auto content = std::make_shared<SettingsPages>(m_deps, *m_finder);
+    return {.title = "Settings", .url = kViewUrl, .properties = content->properties(m_page), .content = content};
 }
 
-ViewWindow::Sizes SettingsWindow::sizesFor(const QQuickItem& root) const {
-    const QSize size(qRound(root.implicitWidth()), qRound(root.implicitHeight()));
-    return {.usual = size, .least = size * kLeastShare};
-}
-
-void SettingsWindow::prepare(View& view) {
+void SettingsWindow::prepare(QQuickView& view) {
+    const QSizeF wanted(view.rootObject()->implicitWidth(), view.rootObject()->implicitHeight());
+    const QSize size = wanted.toSize();
+    restorePlace(view, m_deps.place, {.usual = size, .least = size * kLeastShare});
     // Who comes back to the window may have changed things elsewhere.
     connect(&view, &QWindow::activeChanged, this, [this] {
         if (isOpen() && this->view()->isActive()) {
@@ -70,7 +47,8 @@ void SettingsWindow::prepare(View& view) {
     connect(view.rootObject(), SIGNAL(chooseClaudeRequested()), this, SIGNAL(chooseClaudeRequested()));
 }
 
-void SettingsWindow::leave(View& view) {
+void SettingsWindow::leave(QQuickView& view) {
+    savePlace(view, m_deps.place);
     m_page = static_cast<Page>(view.rootObject()->property("page").toInt());
 }
 

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "ui/views/view_window.hpp"
+#include "ui/views/window_place.hpp"
 
 namespace vorn {
 
@@ -50,14 +51,11 @@ signals:
     void chooseClaudeRequested();
 
 protected:
-    [[nodiscard]] std::unique_ptr<View> makeView(ViewEngine::Hold hold) override;
-    [[nodiscard]] Sizes sizesFor(const QQuickItem& root) const override;
-    void prepare(View& view) override;
-    void leave(View& view) override;
+    [[nodiscard]] Shown shown() override;
+    void prepare(QQuickView& view) override;
+    void leave(QQuickView& view) override;
 
 private:
-    class Content;
-
     const Deps m_deps;
     std::unique_ptr<ClaudeFinder> m_finder;  ///< Remembers from one opening to the next.
     Page m_page = Page::general;

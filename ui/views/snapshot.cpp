@@ -11,12 +11,10 @@
 #include "app/model/usage_model.hpp"
 #include "platform/desktop_appearance.hpp"
 #include "ui/views/dashboard_content.hpp"
-#include "ui/views/freshness_presenter.hpp"
+#include "ui/views/popover_content.hpp"
 #include "ui/views/settings_picture.hpp"
-#include "ui/views/steer_presenter.hpp"
 #include "ui/views/view_engine.hpp"
 #include "ui/views/view_picture.hpp"
-#include "ui/views/window_list_model.hpp"
 
 namespace vorn {
 namespace {
@@ -34,15 +32,12 @@ std::string fileName(const char* view, bool isDark, int pixelRatio) {
 }
 
 QImage popoverPicture(QQmlEngine& engine, const SnapshotRequest& request, int pixelRatio) {
-    SteerPresenter steer(request.model);
-    WindowListModel windows(request.model);
-    FreshnessPresenter freshness(request.model);
+    PopoverContent content(request.model);
+    QVariantMap properties = content.properties();
+    properties.insert("hasDashboard", request.hasDashboard);
+    properties.insert("hasSettings", request.hasSettings);
     return pictureOf(engine, ViewPicture{.view = QUrl("qrc:/qt/qml/Vorn/PopoverView.qml"),
-                                         .properties = {{"steer", QVariant::fromValue(&steer)},
-                                                        {"windows", QVariant::fromValue(&windows)},
-                                                        {"freshness", QVariant::fromValue(&freshness)},
-                                                        {"hasDashboard", request.hasDashboard},
-                                                        {"hasSettings", request.hasSettings}},
+                                         .properties = properties,
                                          .pixelRatio = static_cast<double>(pixelRatio)});
 }
 

@@ -6,25 +6,58 @@
 
 namespace vorn {
 
-ViewWindow::ViewWindow(ViewEngine& engine, WindowPlaceStore place, QObject* parent)
-    : QObject(parent), m_engine(engine), m_place(std::move(place)) {
+/// Holds the engine as long as it exists.
+class ViewWindow::View : public QQuickView {
+public:
+    View(ViewEngine::Hold hold, Shown shown)
+        : QQuickView(hold.get(), nullptr), m_hold(std::move(hold)), m_content(std::move(shown.content)) {
+        setTitle(shown.title);
+        setResizeMode(SizeRootObjectToView);
+        setInitialProperties(shown.properties);
+        setSource(QUrl(shown.url));
+    }
+    ~View() override {
+        // What is shown goes before what it shows.
+        setSource({});
+    }
+
+private:
+    ViewEngine::Hold m_hold;
+    std::shared_ptr<void> m_content;
+};
+
+ViewWindow::ViewWindow(ViewEngine& engine, QObject* parent) : QObject(parent), m_engine(engine) {
     connect(&engine, &ViewEngine::aboutToUnload, this, &ViewWindow::discardViews);
 }
 
 ViewWindow::~ViewWindow() = default;
+
+QQuickView* ViewWindow::view() const {
+    return m_view.get();
+}
+
+void ViewWindow::setViewProperty(const char* name, const QVariant& value) {
+    if (m_view) {
+        m_view->rootObject()->setProperty(name, value);
+    }
+}
 
 void ViewWindow::open() {
     const bool wasOpen = isOpen();
     if (!wasOpen && !createView()) {
         return;
     }
-    m_view->setWindowStates(m_view->windowStates() & ~Qt::WindowMinimized);
-    m_view->setVisible(true);
-    m_view->raise();
-    m_view->requestActivate();
+    present(*m_view);
     if (!wasOpen) {
         emit opened();
     }
+}
+
+void ViewWindow::present(QQuickView& view) {
+    view.setWindowStates(view.windowStates() & ~Qt::WindowMinimized);
+    view.setVisible(true);
+    view.raise();
+    view.requestActivate();
 }
 
 void ViewWindow::close() {
@@ -33,9 +66,6 @@ void ViewWindow::close() {
     }
     m_view->removeEventFilter(this);
     leave(*m_view);
-    if (m_place.save) {
-        m_place.save(placeOf(*m_view, lastPlace()));
-    }
     m_view->hide();
     // It may be what called.
     m_closing.push_back(std::move(m_view));
@@ -45,18 +75,14 @@ void ViewWindow::close() {
 }
 
 bool ViewWindow::createView() {
-    m_view = makeView(m_engine.hold());
-    const QQuickItem* const root = m_view->rootObject();
-    if (!root) {
+    m_view = std::make_unique<View>(m_engine.hold(), shown());
+    if (!m_view->rootObject()) {
         // Parts of Qt are not installed; the view has told which.
         m_view.reset();
         return false;
     }
-    const Sizes sizes = sizesFor(*root);
-    m_view->setMinimumSize(sizes.least);
-    restorePlace(*m_view, lastPlace(), sizes.usual);
     m_view->installEventFilter(this);
-    connect(root, SIGNAL(closeRequested()), this, SLOT(close()));
+    connect(m_view->rootObject(), SIGNAL(closeRequested()), this, SLOT(close()));
     prepare(*m_view);
     return true;
 }

@@ -2,19 +2,17 @@
 
 #include <QObject>
 #include <QQuickView>
-#include <QSize>
+#include <QString>
+#include <QVariantMap>
 #include <memory>
 #include <vector>
 
 #include "ui/views/view_engine.hpp"
-#include "ui/views/window_place.hpp"
-
-class QQuickItem;
 
 namespace vorn {
 
-/// An ordinary window with a view of QML in it, of which there is one and which may stay open; view, presenters and
-/// engine exist only while it does. Its place is remembered. Main thread only.
+/// A window with a view of QML in it, of which there is one and which may stay open; view, presenters and engine exist
+/// only while it does. Main thread only.
 class ViewWindow : public QObject {
     Q_OBJECT
 
@@ -32,45 +30,39 @@ signals:
     void closed();
 
 protected:
-    /// What it opens with at first, and what it never gets smaller than.
-    struct Sizes {
-        QSize usual;
-        QSize least;
+    /// What a window shows.
+    struct Shown {
+        QString title;
+        const char* url;
+        QVariantMap properties;         ///< The view's initial ones.
+        std::shared_ptr<void> content;  ///< What they point into; outlives the view.
     };
 
-    /// A window's view; holds the engine as long as it exists. Who derives from it adds what is shown.
-    class View : public QQuickView {
-    public:
-        explicit View(ViewEngine::Hold hold) : QQuickView(hold.get(), nullptr), m_hold(std::move(hold)) {}
+    /// `engine` must outlive it.
+    ViewWindow(ViewEngine& engine, QObject* parent);
 
-    private:
-        ViewEngine::Hold m_hold;
-    };
-
-    /// `engine` must outlive it. `place`: where the window was last time.
-    ViewWindow(ViewEngine& engine, WindowPlaceStore place, QObject* parent);
-
-    /// With its source set.
-    [[nodiscard]] virtual std::unique_ptr<View> makeView(ViewEngine::Hold hold) = 0;
-    [[nodiscard]] virtual Sizes sizesFor(const QQuickItem& root) const = 0;
-    /// It could be made, and is not shown yet.
-    virtual void prepare(View& view) = 0;
+    [[nodiscard]] virtual Shown shown() = 0;
+    /// The view could be made, and is not shown yet.
+    virtual void prepare(QQuickView& view) = 0;
+    virtual void present(QQuickView& view);
     /// It is about to be closed.
-    virtual void leave(View& view) = 0;
+    virtual void leave(QQuickView& view) = 0;
 
-    [[nodiscard]] View* view() const { return m_view.get(); }
+    [[nodiscard]] QQuickView* view() const;
+    /// Sets a property of the view; nothing while it is closed.
+    void setViewProperty(const char* name, const QVariant& value);
     /// Before what the view refers to goes.
     void discardViews();
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    class View;
+
     /// Whether it could be made.
     bool createView();
-    [[nodiscard]] WindowPlace lastPlace() const { return m_place.load ? m_place.load() : WindowPlace{}; }
 
     ViewEngine& m_engine;
-    WindowPlaceStore m_place;
     std::unique_ptr<View> m_view;                  ///< While open.
     std::vector<std::unique_ptr<View>> m_closing;  ///< Until the events that closed them are through.
 };

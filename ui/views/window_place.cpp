@@ -21,12 +21,18 @@ const QScreen* screenHolding(const QRect& rect) {
     return found == screens.end() ? nullptr : *found;
 }
 
+WindowPlace lastPlace(const WindowPlaceStore& store) {
+    return store.load ? store.load() : WindowPlace{};
+}
+
 }  // namespace
 
-void restorePlace(QWindow& window, const WindowPlace& place, const QSize& size) {
+void restorePlace(QWindow& window, const WindowPlaceStore& store, const WindowSizes& sizes) {
+    window.setMinimumSize(sizes.least);
+    const WindowPlace place = lastPlace(store);
     const QScreen* const screen = place.rect.isValid() ? screenHolding(place.rect) : nullptr;
     const QScreen* const within = screen ? screen : QGuiApplication::primaryScreen();
-    const QSize wanted = place.rect.isValid() ? place.rect.size() : size;
+    const QSize wanted = place.rect.isValid() ? place.rect.size() : sizes.usual;
     const QSize fitting = within ? wanted.boundedTo(within->availableSize()) : wanted;
     window.resize(fitting.expandedTo(window.minimumSize()));
     if (screen) {
@@ -37,10 +43,13 @@ void restorePlace(QWindow& window, const WindowPlace& place, const QSize& size) 
     }
 }
 
-WindowPlace placeOf(const QWindow& window, const WindowPlace& previous) {
+void savePlace(const QWindow& window, const WindowPlaceStore& store) {
+    if (!store.save) {
+        return;
+    }
     const bool isPlain = !(window.windowStates() & (Qt::WindowMaximized | Qt::WindowFullScreen | Qt::WindowMinimized));
-    return {.rect = isPlain ? window.geometry() : previous.rect,
-            .isMaximized = window.windowStates().testFlag(Qt::WindowMaximized)};
+    store.save({.rect = isPlain ? window.geometry() : lastPlace(store).rect,
+                .isMaximized = window.windowStates().testFlag(Qt::WindowMaximized)});
 }
 
 }  // namespace vorn

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <QRect>
+#include <QSize>
 #include <functional>
 
-class QSize;
 class QWindow;
 
 namespace vorn {
@@ -21,11 +21,16 @@ struct WindowPlaceStore {
     std::function<void(const WindowPlace&)> save;
 };
 
-/// Puts a window that is not shown yet where it was, as far as that is on a screen; else it gets `size` and the window
-/// manager's place. It is never larger than its screen.
-void restorePlace(QWindow& window, const WindowPlace& place, const QSize& size);
+struct WindowSizes {
+    QSize usual;  ///< Where no place is known.
+    QSize least;
+};
 
-/// Of a shown window. `previous` gives the rectangle of one that is maximised.
-WindowPlace placeOf(const QWindow& window, const WindowPlace& previous);
+/// Puts a window that is not shown yet where it was, as far as that is on a screen; else it gets its usual size and the
+/// window manager's place. It is never larger than its screen.
+void restorePlace(QWindow& window, const WindowPlaceStore& store, const WindowSizes& sizes);
+
+/// Of a shown window. One that is maximised keeps the rectangle it had before.
+void savePlace(const QWindow& window, const WindowPlaceStore& store);
 
 }  // namespace vorn

@@ -123,10 +123,10 @@ TEST(WindowListModel, KeepsTheRowsOfWindowsThatStay) {
         EXPECT_EQ(inserted.size(), step.inserted);
         EXPECT_EQ(removed.size(), step.removed);
         EXPECT_EQ(changed.size(), step.changed);
-        ASSERT_EQ(list.count(), static_cast<int>(step.rows.size()));
-        for (int row = 0; row < list.count(); ++row) {
-            EXPECT_EQ(list.data(list.index(row), WindowListModel::Used),
-                      step.rows[static_cast<std::size_t>(row)].card.used);
+        ASSERT_EQ(list.rowCount({}), static_cast<int>(step.rows.size()));
+        for (int row = 0; row < list.rowCount({}); ++row) {
+            EXPECT_EQ(list.data(list.index(row), WindowListModel::Card).value<WindowCardContent>(),
+                      step.rows[static_cast<std::size_t>(row)].card);
         }
     }
 }

@@ -5,11 +5,7 @@ import Vorn
 Column {
     id: details
 
-    required property int status
-    required property string verdict
-    required property string reset
-    required property string pace
-    required property string planned
+    required property windowCard card
 
     topPadding: Theme.sizes.gap - Theme.sizes.tight
     spacing: Theme.sizes.tight
@@ -17,22 +13,22 @@ Column {
     VerdictLabel {
         width: parent.width
         wrapMode: Text.Wrap
-        status: details.status
-        text: details.verdict
+        status: details.card.status
+        text: details.card.verdict
     }
 
     DetailLabel {
-        text: details.reset
+        text: details.card.reset
     }
 
     DetailLabel {
-        text: details.pace
+        text: details.card.pace
     }
 
     Item {
         width: parent.width
         height: planned.height + Theme.sizes.near
-        visible: details.planned !== ""
+        visible: details.card.plannedReset !== ""
 
         Icon {
             id: flag
@@ -52,7 +48,7 @@ Column {
             anchors.leftMargin: Theme.sizes.gap
             y: Theme.sizes.near
             width: parent.width - flag.width - Theme.sizes.gap
-            text: details.planned
+            text: details.card.plannedReset
         }
     }
 }

@@ -5,10 +5,7 @@ import Vorn
 Item {
     id: row
 
-    required property string title
-    required property int status
-    required property string statusText
-    required property string usedText
+    required property windowCard card
     property bool compact: false
     readonly property alias isShortened: name.truncated
 
@@ -25,7 +22,7 @@ Item {
         semibold: true
         font.pixelSize: Theme.sizes.title
         elide: Text.ElideMiddle
-        text: row.title
+        text: row.card.title
         Accessible.ignored: true
     }
 
@@ -35,8 +32,8 @@ Item {
         anchors.left: name.right
         anchors.leftMargin: Theme.sizes.gap
         anchors.baseline: amount.baseline
-        status: row.status
-        text: row.statusText
+        status: row.card.status
+        text: row.card.statusText
     }
 
     // A number and its unit read from left to right wherever they stand.
@@ -55,7 +52,7 @@ Item {
 
             semibold: true
             font.pixelSize: row.compact ? Theme.sizes.title : Theme.sizes.percent
-            text: row.usedText
+            text: row.card.usedText
             Accessible.ignored: true
         }
 

@@ -5,9 +5,7 @@ import Vorn
 Item {
     id: summary
 
-    required property int status
-    required property string verdict
-    required property string shortReset
+    required property windowCard card
 
     implicitHeight: verdict.y + verdict.implicitHeight
 
@@ -20,8 +18,8 @@ Item {
         font.pixelSize: Theme.sizes.small
         medium: false
         elide: Text.ElideRight
-        status: summary.status
-        text: summary.verdict
+        status: summary.card.status
+        text: summary.card.verdict
     }
 
     Label {
@@ -30,7 +28,7 @@ Item {
         anchors.baseline: verdict.baseline
         font.pixelSize: Theme.sizes.small
         color: Theme.colors.secondText
-        text: summary.shortReset
+        text: summary.card.shortReset
         Accessible.ignored: true
     }
 }

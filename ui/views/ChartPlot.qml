@@ -15,7 +15,7 @@ Item {
     readonly property real highest: content.top
     readonly property real evenPaceTo: content.evenPaceEnd
     readonly property bool isEmpty: span <= 0
-    readonly property color statusColor: Theme.colors.status(panel.status)
+    readonly property color statusColor: Theme.colors.status(panel.card.status)
     readonly property size pixels: Qt.size(width, height)
     readonly property real rightEdge: x + width
     readonly property real bottomEdge: y + height

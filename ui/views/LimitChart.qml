@@ -15,7 +15,7 @@ Item {
     LayoutMirroring.childrenInherit: true
     activeFocusOnTab: true
     Accessible.role: Accessible.Chart
-    Accessible.name: reader.isReading ? reader.text : qsTr("%1, chart").arg(panel.title)
+    Accessible.name: reader.isReading ? reader.text : qsTr("%1, chart").arg(panel.card.title)
     Accessible.description: area.content.summary
     Keys.onLeftPressed: reader.step(-1 / 60)
     Keys.onRightPressed: reader.step(1 / 60)

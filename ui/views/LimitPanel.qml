@@ -18,7 +18,7 @@ Card {
 
     implicitHeight: title.height + body.height + 2 * Theme.sizes.inset - Theme.sizes.near
     Accessible.role: Accessible.Grouping
-    Accessible.name: presenter.spoken
+    Accessible.name: presenter.card.spoken
 
     LimitTitle {
         id: title
@@ -31,7 +31,7 @@ Card {
             rightMargin: Theme.sizes.inset
             topMargin: Theme.sizes.between
         }
-        presenter: panel.presenter
+        card: panel.presenter.card
     }
 
     Item {

@@ -6,7 +6,7 @@ import Vorn
 Item {
     id: row
 
-    required property LimitPanelPresenter presenter
+    required property windowCard card
 
     readonly property real room: width - amount.implicitWidth - Theme.sizes.inset
     readonly property real bare: name.implicitWidth + verdict.implicitWidth + Theme.sizes.mark + 3 * Theme.sizes.gap
@@ -24,7 +24,7 @@ Item {
         semibold: true
         font.pixelSize: Theme.sizes.title
         elide: Text.ElideMiddle
-        text: row.presenter.title
+        text: row.card.title
         Accessible.ignored: true
 
         HoverHandler {
@@ -46,8 +46,8 @@ Item {
         anchors.left: name.right
         anchors.leftMargin: Theme.sizes.gap + Theme.sizes.tight
         anchors.baseline: amount.baseline
-        status: row.presenter.status
-        text: row.presenter.statusText
+        status: row.card.status
+        text: row.card.statusText
         hasWord: row.hasRoomForWord || !row.isOneLine
 
         TextMetrics {
@@ -55,7 +55,7 @@ Item {
 
             font.pixelSize: Theme.sizes.small
             font.weight: Font.DemiBold
-            text: row.presenter.statusText
+            text: row.card.statusText
         }
     }
 
@@ -68,8 +68,8 @@ Item {
         width: row.isOneLine ? implicitWidth : parent.width
         wrapMode: row.isOneLine ? Text.NoWrap : Text.Wrap
         medium: false
-        status: row.presenter.status
-        text: row.presenter.verdict
+        status: row.card.status
+        text: row.card.verdict
     }
 
     Label {
@@ -78,7 +78,7 @@ Item {
         anchors.right: parent.right
         semibold: true
         font.pixelSize: Theme.sizes.percent
-        text: row.presenter.usedText
+        text: row.card.usedText
         Accessible.ignored: true
     }
 }

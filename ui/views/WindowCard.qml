@@ -4,22 +4,9 @@ import Vorn
 /// One limit: how much, how far, what will happen, when, how fast. Compact, it is three short lines that open on a
 /// click or Return.
 Pressable {
-    id: card
+    id: block
 
-    required property string title
-    required property int status
-    required property string statusText
-    required property string usedText
-    required property real used
-    required property real projected
-    required property real evenPace
-    required property int segments
-    required property string verdict
-    required property string reset
-    required property string shortReset
-    required property string pace
-    required property string planned
-    required property string spoken
+    required property windowCard card
     /// Whether it starts compact; it then opens and closes.
     required property bool foldable
     property bool isOpen: false
@@ -27,7 +14,7 @@ Pressable {
 
     implicitHeight: content.height + 2 * (compact ? Theme.sizes.gap + Theme.sizes.tight : Theme.sizes.inset - Theme.sizes.tight)
     Accessible.role: foldable ? Accessible.Button : Accessible.ListItem
-    Accessible.name: spoken
+    Accessible.name: card.spoken
     onTriggered: {
         if (foldable) {
             isOpen = !isOpen;
@@ -35,9 +22,9 @@ Pressable {
     }
 
     PressArea {
-        enabled: card.foldable
+        enabled: block.foldable
         radius: 0
-        onTriggered: card.triggered()
+        onTriggered: block.triggered()
     }
 
     Column {
@@ -55,26 +42,23 @@ Pressable {
             id: headline
 
             width: parent.width
-            title: card.title
-            status: card.status
-            statusText: card.statusText
-            usedText: card.usedText
-            compact: card.compact
+            card: block.card
+            compact: block.compact
         }
 
         UsageBar {
             width: parent.width
             height: Theme.sizes.bar + 2 * Theme.sizes.near
             barHeight: Theme.sizes.bar
-            mirrored: card.LayoutMirroring.enabled
-            color: Theme.colors.status(card.status)
-            paleColor: Theme.colors.pale(card.status)
+            mirrored: block.LayoutMirroring.enabled
+            color: Theme.colors.status(block.card.status)
+            paleColor: Theme.colors.pale(block.card.status)
             trackColor: Theme.colors.track
             tickColor: Theme.colors.text
-            used: card.used
-            projected: card.projected
-            evenPace: card.evenPace
-            segments: card.segments
+            used: block.card.used
+            projected: block.card.projected
+            evenPace: block.card.evenPace
+            segments: block.card.segments
 
             Behavior on used {
                 NumberAnimation {
@@ -92,20 +76,14 @@ Pressable {
 
         CardSummary {
             width: parent.width
-            visible: card.compact
-            status: card.status
-            verdict: card.verdict
-            shortReset: card.shortReset
+            visible: block.compact
+            card: block.card
         }
 
         CardDetails {
             width: parent.width
-            visible: !card.compact
-            status: card.status
-            verdict: card.verdict
-            reset: card.reset
-            pace: card.pace
-            planned: card.planned
+            visible: !block.compact
+            card: block.card
         }
     }
 
@@ -114,10 +92,10 @@ Pressable {
     }
 
     Hint {
-        text: headline.isShortened ? card.title : ""
+        text: headline.isShortened ? block.card.title : ""
         below: true
         y: headline.y + content.y + headline.height
-        wanted: hover.hovered || card.activeFocus
+        wanted: hover.hovered || block.activeFocus
     }
 
     FocusRing {

@@ -21,7 +21,7 @@ ScrollArea {
             model: list.windows
 
             delegate: WindowCard {
-                id: card
+                id: block
 
                 required property int index
 
@@ -29,7 +29,7 @@ ScrollArea {
 
                 Hairline {
                     width: parent.width
-                    visible: card.index > 0
+                    visible: block.index > 0
                 }
             }
         }

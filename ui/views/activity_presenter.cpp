@@ -10,7 +10,8 @@
 #include "core/support/unicode/locale_time.hpp"
 #include "core/support/unicode/time_zone.hpp"
 #include "ui/format/format.hpp"
-#include "ui/views/window_card_content.hpp"
+#include "ui/views/left_to_right.hpp"
+#include "ui/views/variants.hpp"
 
 namespace vorn {
 namespace {
@@ -135,11 +136,7 @@ QList<double> ActivityPresenter::bars() const {
 }
 
 QVariantList ActivityPresenter::marks() const {
-    QVariantList marks;
-    for (const ActivityMark& mark : m_content.marks) {
-        marks << QVariant::fromValue(mark);
-    }
-    return marks;
+    return variants(m_content.marks);
 }
 
 void ActivityPresenter::setShown(bool shown) {

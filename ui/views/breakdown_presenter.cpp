@@ -7,7 +7,8 @@
 #include "app/model/usage_model.hpp"
 #include "ui/format/format.hpp"
 #include "ui/views/activity_presenter.hpp"
-#include "ui/views/window_card_content.hpp"
+#include "ui/views/left_to_right.hpp"
+#include "ui/views/variants.hpp"
 
 namespace vorn {
 namespace {
@@ -20,15 +21,6 @@ constexpr std::size_t kMostPrinted = 5;
 
 Seconds lengthOf(BreakdownPresenter::Period period) {
     return period == BreakdownPresenter::FiveHours ? 5h : period == BreakdownPresenter::Day ? 24h : 7 * 24h;
-}
-
-template <typename Row>
-QVariantList variants(const std::vector<Row>& rows) {
-    QVariantList list;
-    for (const Row& row : rows) {
-        list << QVariant::fromValue(row);
-    }
-    return list;
 }
 
 /// The rest is recognised by its place: a project may be called "Other", too.

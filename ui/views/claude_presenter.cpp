@@ -14,7 +14,7 @@
 #include "core/sources/probe_error.hpp"
 #include "core/support/file.hpp"
 #include "ui/format/format.hpp"
-#include "ui/views/window_card_content.hpp"
+#include "ui/views/left_to_right.hpp"
 
 namespace vorn {
 namespace {

@@ -5,7 +5,7 @@
 #include "app/model/usage_model.hpp"
 #include "core/sources/probe_error.hpp"
 #include "ui/format/format.hpp"
-#include "ui/views/window_card_content.hpp"
+#include "ui/views/left_to_right.hpp"
 
 namespace vorn {
 namespace {

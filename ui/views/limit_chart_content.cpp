@@ -6,8 +6,8 @@
 
 #include "core/data/usage_state.hpp"
 #include "ui/format/format.hpp"
+#include "ui/views/left_to_right.hpp"
 #include "ui/views/time_axis.hpp"
-#include "ui/views/window_card_content.hpp"
 
 namespace vorn {
 namespace {

@@ -6,6 +6,7 @@
 #include "app/model/usage_model.hpp"
 #include "ui/format/format.hpp"
 #include "ui/views/head_window.hpp"
+#include "ui/views/left_to_right.hpp"
 
 namespace vorn {
 

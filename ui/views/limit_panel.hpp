@@ -34,12 +34,7 @@ class LimitPanelPresenter : public QObject {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("Made by the application")
-    Q_PROPERTY(QString title READ title CONSTANT FINAL)
-    Q_PROPERTY(vorn::StatusForViews::Status status READ status NOTIFY changed FINAL)
-    Q_PROPERTY(QString statusText READ statusText NOTIFY changed FINAL)
-    Q_PROPERTY(QString usedText READ usedText NOTIFY changed FINAL)
-    Q_PROPERTY(QString verdict READ verdict NOTIFY changed FINAL)
-    Q_PROPERTY(QString spoken READ spoken NOTIFY changed FINAL)
+    Q_PROPERTY(vorn::WindowCardContent card READ card NOTIFY changed FINAL)
     Q_PROPERTY(bool isTight READ isTight NOTIFY changed FINAL)
     Q_PROPERTY(vorn::LimitChartContent chart READ chart NOTIFY chartChanged FINAL)
     Q_PROPERTY(vorn::LimitChartMarks marks READ marks NOTIFY marksChanged FINAL)
@@ -48,13 +43,7 @@ class LimitPanelPresenter : public QObject {
 public:
     explicit LimitPanelPresenter(LimitPanelContent content, QObject* parent = nullptr);
 
-    [[nodiscard]] const WindowKind& kind() const { return m_content.card.kind; }
-    [[nodiscard]] const QString& title() const { return m_content.card.title; }
-    [[nodiscard]] StatusForViews::Status status() const { return m_content.card.status; }
-    [[nodiscard]] const QString& statusText() const { return m_content.card.statusText; }
-    [[nodiscard]] const QString& usedText() const { return m_content.card.usedText; }
-    [[nodiscard]] const QString& verdict() const { return m_content.card.verdict; }
-    [[nodiscard]] const QString& spoken() const { return m_content.card.spoken; }
+    [[nodiscard]] const WindowCardContent& card() const { return m_content.card; }
     [[nodiscard]] bool isTight() const { return m_content.isTight; }
     [[nodiscard]] const LimitChartContent& chart() const { return m_content.chart; }
     [[nodiscard]] const LimitChartMarks& marks() const { return m_content.chart.marks; }

@@ -40,7 +40,7 @@ void LimitPanelModel::removeGone() {
         return std::ranges::any_of(m_model.assessments(), [&](const auto& each) { return each.window.kind == kind; });
     };
     for (int row = rowCount({}) - 1; row >= 0; --row) {
-        if (!isThere(panel(row).kind())) {
+        if (!isThere(panel(row).card().kind)) {
             beginRemoveRows({}, row, row);
             m_panels.erase(m_panels.begin() + row);
             endRemoveRows();
@@ -50,7 +50,7 @@ void LimitPanelModel::removeGone() {
 
 void LimitPanelModel::setPanel(int row, LimitPanelContent content) {
     // Both are ordered by kind, and nothing is here that is not there: what differs is new.
-    if (row < rowCount({}) && panel(row).kind() == content.card.kind) {
+    if (row < rowCount({}) && panel(row).card().kind == content.card.kind) {
         m_panels[static_cast<std::size_t>(row)]->setContent(std::move(content));
         return;
     }

@@ -9,7 +9,8 @@
 #include "core/support/unicode/locale_time.hpp"
 #include "core/support/unicode/time_zone.hpp"
 #include "core/support/uuid.hpp"
-#include "ui/views/window_card_content.hpp"
+#include "ui/views/left_to_right.hpp"
+#include "ui/views/variants.hpp"
 
 namespace vorn {
 namespace {
@@ -94,11 +95,7 @@ ResetsPresenter::ResetsPresenter(UsageModel& model, QObject* parent) : QObject(p
 }
 
 QVariantList ResetsPresenter::resets() const {
-    QVariantList rows;
-    for (const ResetRow& row : m_content.resets) {
-        rows << QVariant::fromValue(row);
-    }
-    return rows;
+    return variants(m_content.resets);
 }
 
 QStringList ResetsPresenter::scopes() {

@@ -10,7 +10,7 @@
 #include "platform/hot_key.hpp"
 #include "platform/notification_center.hpp"
 #include "ui/format/format.hpp"
-#include "ui/views/window_card_content.hpp"
+#include "ui/views/left_to_right.hpp"
 
 namespace vorn {
 namespace {

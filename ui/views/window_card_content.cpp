@@ -1,12 +1,12 @@
 #include "ui/views/window_card_content.hpp"
 
-#include <QGuiApplication>
 #include <QStringList>
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 
 #include "ui/format/format.hpp"
+#include "ui/views/left_to_right.hpp"
 
 namespace vorn {
 namespace {
@@ -95,15 +95,6 @@ QString spokenText(const WindowCardContent& card, const WindowAssessment& assess
 }
 
 }  // namespace
-
-QString leftToRight(const std::string& utf8) {
-    constexpr QChar kIsolate(0x2066);
-    constexpr QChar kEnd(0x2069);
-    if (QGuiApplication::layoutDirection() != Qt::RightToLeft) {
-        return text(utf8);
-    }
-    return kIsolate + text(utf8) + kEnd;
-}
 
 WindowCardContent windowCardContent(const WindowAssessment& assessment, Instant now) {
     const UsageWindow& window = assessment.window;

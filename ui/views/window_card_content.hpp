@@ -1,6 +1,9 @@
 #pragma once
 
+#include <QObject>
 #include <QString>
+
+#include <QtQml/qqmlregistration.h>
 
 #include "core/analysis/window_assessment.hpp"
 #include "ui/views/view_enums.hpp"
@@ -9,7 +12,25 @@ namespace vorn {
 
 /// What the card of one window says and draws. Fractions are 0..1 of the bar, negative when there is nothing to draw.
 struct WindowCardContent {
-    WindowKind kind;
+    Q_GADGET
+    QML_VALUE_TYPE(windowCard)
+    Q_PROPERTY(QString title MEMBER title)
+    Q_PROPERTY(vorn::StatusForViews::Status status MEMBER status)
+    Q_PROPERTY(QString statusText MEMBER statusText)
+    Q_PROPERTY(QString usedText MEMBER usedText)
+    Q_PROPERTY(double used MEMBER used)
+    Q_PROPERTY(double projected MEMBER projected)
+    Q_PROPERTY(double evenPace MEMBER evenPace)
+    Q_PROPERTY(int segments MEMBER segments)
+    Q_PROPERTY(QString verdict MEMBER verdict)
+    Q_PROPERTY(QString reset MEMBER reset)
+    Q_PROPERTY(QString shortReset MEMBER shortReset)
+    Q_PROPERTY(QString pace MEMBER pace)
+    Q_PROPERTY(QString plannedReset MEMBER plannedReset)
+    Q_PROPERTY(QString spoken MEMBER spoken)
+
+public:
+    WindowKind kind = WindowKind::session();
     QString title;
     StatusForViews::Status status = StatusForViews::Comfortable;
     QString statusText;  ///< "At risk"
@@ -28,8 +49,5 @@ struct WindowCardContent {
 };
 
 WindowCardContent windowCardContent(const WindowAssessment& assessment, Instant now);
-
-/// Keeps numbers with signs and units, and times of day, in order inside right-to-left layouts.
-QString leftToRight(const std::string& text);
 
 }  // namespace vorn

@@ -19,7 +19,7 @@ WindowListModel::WindowListModel(UsageModel& model, QObject* parent) : QAbstract
 }
 
 int WindowListModel::rowCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : count();
+    return parent.isValid() ? 0 : static_cast<int>(m_rows.size());
 }
 
 QVariant WindowListModel::data(const QModelIndex& index, int role) const {
@@ -28,35 +28,8 @@ QVariant WindowListModel::data(const QModelIndex& index, int role) const {
     }
     const auto& [card, isFoldable] = m_rows[static_cast<std::size_t>(index.row())];
     switch (role) {
-        case Qt::DisplayRole:
-        case Title:
-            return card.title;
-        case Status:
-            return QVariant::fromValue(card.status);
-        case StatusText:
-            return card.statusText;
-        case UsedText:
-            return card.usedText;
-        case Used:
-            return card.used;
-        case Projected:
-            return card.projected;
-        case EvenPace:
-            return card.evenPace;
-        case Segments:
-            return card.segments;
-        case Verdict:
-            return card.verdict;
-        case Reset:
-            return card.reset;
-        case ShortReset:
-            return card.shortReset;
-        case Pace:
-            return card.pace;
-        case PlannedReset:
-            return card.plannedReset;
-        case Spoken:
-            return card.spoken;
+        case Card:
+            return QVariant::fromValue(card);
         case Foldable:
             return isFoldable;
         default:
@@ -65,25 +38,10 @@ QVariant WindowListModel::data(const QModelIndex& index, int role) const {
 }
 
 QHash<int, QByteArray> WindowListModel::roleNames() const {
-    return {{Title, "title"},
-            {Status, "status"},
-            {StatusText, "statusText"},
-            {UsedText, "usedText"},
-            {Used, "used"},
-            {Projected, "projected"},
-            {EvenPace, "evenPace"},
-            {Segments, "segments"},
-            {Verdict, "verdict"},
-            {Reset, "reset"},
-            {ShortReset, "shortReset"},
-            {Pace, "pace"},
-            {PlannedReset, "planned"},
-            {Spoken, "spoken"},
-            {Foldable, "foldable"}};
+    return {{Card, "card"}, {Foldable, "foldable"}};
 }
 
 void WindowListModel::setRows(std::vector<Row> rows) {
-    const int before = count();
     std::size_t at = 0;
     for (Row& row : rows) {
         while (at < m_rows.size() && m_rows[at].card.kind < row.card.kind) {
@@ -102,12 +60,9 @@ void WindowListModel::setRows(std::vector<Row> rows) {
         ++at;
     }
     if (at < m_rows.size()) {
-        beginRemoveRows({}, static_cast<int>(at), count() - 1);
-        m_rows.resize(at, {.card = {.kind = WindowKind::session()}});
+        beginRemoveRows({}, static_cast<int>(at), rowCount({}) - 1);
+        m_rows.resize(at);
         endRemoveRows();
-    }
-    if (count() != before) {
-        emit countChanged();
     }
 }
 

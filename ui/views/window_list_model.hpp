@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QAbstractListModel>
-#include <optional>
 #include <vector>
 
 #include <QtQml/qqmlregistration.h>
@@ -17,31 +16,13 @@ class WindowListModel : public QAbstractListModel {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("Made by the application")
-    Q_PROPERTY(int count READ count NOTIFY countChanged FINAL)
 
 public:
-    enum Role : int {
-        Title = Qt::UserRole,
-        Status,
-        StatusText,
-        UsedText,
-        Used,
-        Projected,
-        EvenPace,
-        Segments,
-        Verdict,
-        Reset,
-        ShortReset,
-        Pace,
-        PlannedReset,
-        Spoken,
-        Foldable,
-    };
+    enum Role : int { Card = Qt::UserRole, Foldable };
 
     /// `model` must outlive it.
     explicit WindowListModel(UsageModel& model, QObject* parent = nullptr);
 
-    [[nodiscard]] int count() const { return static_cast<int>(m_rows.size()); }
     [[nodiscard]] int rowCount(const QModelIndex& parent) const override;
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
@@ -53,9 +34,6 @@ public:
     };
     /// `rows`: ordered by kind, each kind once. Rows that are the same window are changed in place.
     void setRows(std::vector<Row> rows);
-
-signals:
-    void countChanged();
 
 private:
     void update();

@@ -50,42 +50,33 @@ std::optional<std::string> sessionsLeft(const UsageModel& model) {
     return Format::sessionsLeft(model.sessionWeekRatio()->sessionsLeft(week->window.usedPercent));
 }
 
-/// Empty for the rings, too.
-std::optional<std::string> textOf(MenuBarItem item, const UsageModel& model) {
-    switch (item) {
-        case MenuBarItem::sessionPercent:
-            return percentOf(model.session());
-        case MenuBarItem::sessionReset:
-            return untilReset(model.session(), model.now());
-        case MenuBarItem::weekPercent:
-            return percentOf(model.week());
-        case MenuBarItem::weekReset:
-            return untilReset(model.week(), model.now());
-        case MenuBarItem::paceFactor:
-            return model.steer() ? std::optional(Format::factor(*model.steer())) : std::nullopt;
-        case MenuBarItem::sessionsLeft:
-            return sessionsLeft(model);
-        case MenuBarItem::tightestRing:
-        case MenuBarItem::sessionRing:
-        case MenuBarItem::weekRing:
-            break;
-    }
-    return std::nullopt;
+std::optional<std::string> factorOf(const UsageModel& model) {
+    return model.steer() ? std::optional(Format::factor(*model.steer())) : std::nullopt;
 }
 
 std::optional<MenuBarPart> partOf(MenuBarItem item, const UsageModel& model) {
+    const auto text = [item](std::optional<std::string> words) {
+        return words ? std::optional<MenuBarPart>(TextPart{.item = item, .text = std::move(*words)}) : std::nullopt;
+    };
     switch (item) {
         case MenuBarItem::tightestRing:
             return tightest(model);
         case MenuBarItem::sessionRing:
             return ringOf(WindowKind::session(), model.session());
+        case MenuBarItem::sessionPercent:
+            return text(percentOf(model.session()));
+        case MenuBarItem::sessionReset:
+            return text(untilReset(model.session(), model.now()));
         case MenuBarItem::weekRing:
             return ringOf(WindowKind::week(), model.week());
-        default:
-            break;
-    }
-    if (auto text = textOf(item, model)) {
-        return TextPart{.item = item, .text = std::move(*text)};
+        case MenuBarItem::weekPercent:
+            return text(percentOf(model.week()));
+        case MenuBarItem::weekReset:
+            return text(untilReset(model.week(), model.now()));
+        case MenuBarItem::paceFactor:
+            return text(factorOf(model));
+        case MenuBarItem::sessionsLeft:
+            return text(sessionsLeft(model));
     }
     return std::nullopt;
 }

@@ -80,65 +80,15 @@ Item {
         Repeater {
             model: column.pace.rows.length
 
-            Item {
-                id: row
-
+            PaceRow {
                 required property int index
-                readonly property paceRow reading: column.pace.rows[index]
 
                 width: rows.width
                 height: column.rowHeight
-                Accessible.role: Accessible.StaticText
-                Accessible.name: reading.label + ", " + (reading.rate === "" ? reading.reason : reading.rate + ", " + reading.factor)
-
-                Label {
-                    anchors.left: parent.left
-                    anchors.verticalCenter: parent.verticalCenter
-                    font.pixelSize: Theme.sizes.caption
-                    color: Theme.colors.secondText
-                    text: row.reading.label
-                    Accessible.ignored: true
-                }
-
-                PaceBar {
-                    anchors.left: parent.left
-                    anchors.leftMargin: column.barStart
-                    anchors.verticalCenter: parent.verticalCenter
-                    width: column.barWidth
-                    value: row.reading.bar
-                }
-
-                Label {
-                    anchors.right: factor.left
-                    anchors.rightMargin: Theme.sizes.gap
-                    anchors.verticalCenter: parent.verticalCenter
-                    font.pixelSize: Theme.sizes.caption
-                    text: row.reading.rate
-                    Accessible.ignored: true
-                }
-
-                Label {
-                    id: factor
-
-                    anchors.right: parent.right
-                    anchors.verticalCenter: parent.verticalCenter
-                    width: Math.max(implicitWidth, Math.ceil(widestFactor.width))
-                    horizontalAlignment: Text.AlignRight
-                    font.pixelSize: Theme.sizes.caption
-                    medium: true
-                    color: row.reading.isTooFast ? Theme.colors.status(Status.AtRisk) : row.reading.rate === "" ? Theme.colors.secondText : Theme.colors.text
-                    text: row.reading.factor
-                    Accessible.ignored: true
-                }
-
-                HoverHandler {
-                    id: hover
-                }
-
-                Hint {
-                    text: row.reading.reason
-                    wanted: hover.hovered
-                }
+                reading: column.pace.rows[index]
+                barStart: column.barStart
+                barWidth: column.barWidth
+                factorWidth: Math.ceil(widestFactor.width)
             }
         }
     }
@@ -170,17 +120,19 @@ Item {
             height: Theme.sizes.near
         }
 
-        PaceLine {
+        ValueRow {
             width: parent.width
+            isSmall: true
             label: qsTr("Projected")
-            text: column.pace.projected
+            value: column.pace.projected
             isWarning: column.pace.isProjectedOver
         }
 
-        PaceLine {
+        ValueRow {
             width: parent.width
+            isSmall: true
             label: qsTr("Resets")
-            text: column.pace.resets
+            value: column.pace.resets
         }
     }
 }

@@ -68,13 +68,7 @@ Item {
         return false;
     }
 
-    Rectangle {
-        anchors.fill: parent
-        radius: Theme.sizes.controlRadius
-        color: "transparent"
-        border.color: Theme.colors.fieldLine
-        border.width: Theme.sizes.hair
-    }
+    FieldFrame {}
 
     PressArea {
         onTriggered: {

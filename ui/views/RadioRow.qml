@@ -33,19 +33,14 @@ SettingsRow {
         onTriggered: row.chosen()
     }
 
-    Rectangle {
+    RadioMark {
         id: mark
 
         parent: row
         anchors.left: parent.left
         anchors.leftMargin: Theme.sizes.between
         anchors.verticalCenter: parent.verticalCenter
-        width: Theme.sizes.icon
-        height: width
-        radius: width / 2
-        color: "transparent"
-        border.color: row.checked ? Theme.colors.accent : Theme.colors.fieldLine
-        border.width: row.checked ? Math.round(width * 0.3) : Theme.sizes.hair
+        checked: row.checked
     }
 
     FocusRing {

@@ -13,11 +13,6 @@ Card {
     Accessible.role: Accessible.Grouping
     Accessible.name: qsTr("Resets")
 
-    function closeForms() {
-        isAdding = false;
-        isRedeeming = false;
-    }
-
     Column {
         id: content
 

@@ -43,31 +43,17 @@ Item {
                     onTriggered: choice.current = option.index
                 }
 
-                Rectangle {
-                    id: knob
+                RadioMark {
+                    id: mark
 
                     anchors.left: parent.left
                     anchors.leftMargin: Theme.sizes.near
                     anchors.verticalCenter: parent.verticalCenter
-                    width: Theme.sizes.title
-                    height: width
-                    radius: width / 2
-                    color: option.isCurrent ? Theme.colors.accent : "transparent"
-                    border.color: option.isCurrent ? Theme.colors.accent : Theme.colors.fieldLine
-                    border.width: Theme.sizes.hair
-
-                    Rectangle {
-                        anchors.centerIn: parent
-                        visible: option.isCurrent
-                        width: Math.round(parent.width * 0.4)
-                        height: width
-                        radius: width / 2
-                        color: Theme.colors.textOnAccent
-                    }
+                    checked: option.isCurrent
                 }
 
                 Label {
-                    anchors.left: knob.right
+                    anchors.left: mark.right
                     anchors.leftMargin: Theme.sizes.gap
                     anchors.right: parent.right
                     anchors.verticalCenter: parent.verticalCenter

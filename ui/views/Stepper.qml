@@ -33,13 +33,7 @@ Item {
         }
     }
 
-    Rectangle {
-        anchors.fill: parent
-        radius: Theme.sizes.controlRadius
-        color: "transparent"
-        border.color: Theme.colors.fieldLine
-        border.width: Theme.sizes.hair
-    }
+    FieldFrame {}
 
     Item {
         id: less

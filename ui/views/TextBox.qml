@@ -20,12 +20,9 @@ Item {
         }
     }
 
-    Rectangle {
-        anchors.fill: parent
-        radius: Theme.sizes.controlRadius
+    FieldFrame {
         color: Theme.colors.surface
         border.color: box.problem !== "" ? Theme.colors.status(Status.Limited) : Theme.colors.fieldLine
-        border.width: Theme.sizes.hair
     }
 
     TextInput {
@@ -66,13 +63,7 @@ Item {
         Accessible.ignored: true
     }
 
-    Rectangle {
-        anchors.fill: parent
-        anchors.margins: -Theme.sizes.focusWidth
+    FocusRing {
         visible: input.activeFocus
-        color: "transparent"
-        border.color: Theme.colors.accent
-        border.width: Theme.sizes.focusWidth
-        radius: Theme.sizes.controlRadius + Theme.sizes.focusWidth
     }
 }

@@ -12,12 +12,9 @@ Pressable {
     implicitHeight: Theme.sizes.control
     Accessible.name: text
 
-    Rectangle {
-        anchors.fill: parent
-        radius: Theme.sizes.controlRadius
+    FieldFrame {
         color: button.primary ? Theme.colors.accent : "transparent"
         border.color: button.primary ? Theme.colors.accent : Theme.colors.fieldLine
-        border.width: Theme.sizes.hair
     }
 
     PressArea {

@@ -7,6 +7,9 @@ Item {
 
     required property string label
     required property string value
+    property bool isSmall: false
+    property bool isWarning: false
+    readonly property int size: isSmall ? Theme.sizes.caption : Theme.sizes.body
 
     implicitHeight: name.height
     Accessible.role: Accessible.StaticText
@@ -18,6 +21,7 @@ Item {
         anchors.left: parent.left
         width: parent.width - amount.implicitWidth - Theme.sizes.gap
         wrapMode: Text.Wrap
+        font.pixelSize: row.size
         color: Theme.colors.secondText
         text: row.label
         Accessible.ignored: true
@@ -27,7 +31,9 @@ Item {
         id: amount
 
         anchors.right: parent.right
-        medium: true
+        font.pixelSize: row.size
+        medium: row.isWarning || !row.isSmall
+        color: row.isWarning ? Theme.colors.status(Status.AtRisk) : Theme.colors.text
         text: row.value
         Accessible.ignored: true
     }

@@ -1,9 +1,10 @@
 import QtQuick
 import Vorn
 
-/// Around its parent while that has the keyboard.
+/// Around its parent while that has the keyboard. On a filled control it would not be seen without room between.
 Rectangle {
-    property int distance: Theme.sizes.focusWidth
+    /// From the parent's edge to the ring's outer one.
+    property int distance: 2 * Theme.sizes.focusWidth
 
     anchors.fill: parent
     anchors.margins: -distance

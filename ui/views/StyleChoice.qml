@@ -66,7 +66,5 @@ Pressable {
         Accessible.ignored: true
     }
 
-    FocusRing {
-        distance: Theme.sizes.tight
-    }
+    FocusRing {}
 }

@@ -1,25 +1,22 @@
-#include <QAccessible>
-#include <QGuiApplication>
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
-#include <QSignalSpy>
 #include <QTest>
-#include <cstdlib>
+#include <memory>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "core/sources/activity_summary.hpp"
 #include "platform/desktop_appearance.hpp"
-#include "tests/support/qt_warnings.hpp"
+#include "tests/support/shown_window.hpp"
 #include "tests/support/view_looks.hpp"
 #include "tests/support/view_states.hpp"
 #include "ui/views/activity_presenter.hpp"
 #include "ui/views/breakdown_presenter.hpp"
 #include "ui/views/resets_presenter.hpp"
-#include "ui/views/session_week_presenter.hpp"
+#include "ui/views/theme.hpp"
 #include "ui/views/view_engine.hpp"
 
 namespace vorn {
@@ -27,155 +24,110 @@ namespace {
 
 using namespace test;
 
-/// The cards in a window, with presenters of one model.
-class Cards {
+/// The card of resets in a window, driven by the keyboard.
+class CardOfResets {
 public:
-    explicit Cards(UsageModel& model, const DesktopAppearance::Look& look = {})
-        : resets(model), m_sessionWeek(model), m_activity(model), m_breakdown(model) {
-        m_appearance.setLook(look);
-        m_hold = m_engine.hold();
-        window.setColor(look.isDark ? "#1B1D21" : "#F3F4F6");
+    explicit CardOfResets(UsageModel& model) : presenter(model) {
+        m_window.setColor(themeColors({}).window);
+        m_window.resize(312, 700);
+        QQmlComponent component(m_hold.get(), QUrl("qrc:/qt/qml/Vorn/ResetsCard.qml"));
+        m_item.reset(qobject_cast<QQuickItem*>(component.createWithInitialProperties(
+            {{"presenter", QVariant::fromValue(&presenter)}, {"width", 288}, {"x", 12}, {"y", 12}})));
+        EXPECT_TRUE(m_item) << component.errorString().toStdString();
+        m_item->setParentItem(m_window.contentItem());
+        const auto fit = [this] {
+            m_item->setHeight(m_item->implicitHeight());
+        };
+        QObject::connect(m_item.get(), &QQuickItem::implicitHeightChanged, m_item.get(), fit);
+        fit();
+        m_window.show();
+        m_window.requestActivate();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&m_window));
     }
 
-    void add(const char* file, QObject& presenter, int width, QPoint at) {
-        QQmlComponent component(m_hold.get(), QUrl(QString("qrc:/qt/qml/Vorn/%1.qml").arg(file)));
-        auto* const item = component.isReady()
-                               ? qobject_cast<QQuickItem*>(component.createWithInitialProperties(
-                                     {{"presenter", QVariant::fromValue(&presenter)}, {"width", width}}))
-                               : nullptr;
-        ASSERT_NE(item, nullptr) << component.errorString().toStdString();
-        item->setParent(window.contentItem());
-        item->setParentItem(window.contentItem());
-        item->setPosition(at);
-        item->setHeight(item->implicitHeight());
-        QObject::connect(item, &QQuickItem::implicitHeightChanged, item,
-                         [item] { item->setHeight(item->implicitHeight()); });
-    }
-    void addAll() {
-        add("SessionWeekCard", m_sessionWeek, 288, {664, 12});
-        add("ResetsCard", resets, 288, {664, 230});
-        add("ActivityStrip", m_activity, 640, {12, 12});
-        add("BreakdownCard", m_breakdown, 640, {12, 180});
-        show({964, 840});
-    }
-    void show(QSize size) {
-        window.resize(size);
-        window.show();
-        window.requestActivate();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
-    }
-    void keep(const std::string& name) { test::keepPicture(window.grabWindow(), name); }
+    void keep(const std::string& name) { test::keepPicture(m_window.grabWindow(), name); }
     void press(Qt::Key key, int times = 1) {
         for (int i = 0; i < times; ++i) {
-            QTest::keyClick(&window, key);
+            QTest::keyClick(&m_window, key);
         }
     }
+    /// In the place of what is there.
     void type(const char* text) {
+        QTest::keySequence(&m_window, QKeySequence::SelectAll);
         for (; *text != 0; ++text) {
-            QTest::keyClick(&window, *text);
+            QTest::keyClick(&m_window, *text);
         }
-    }
-    /// What has the keyboard, by its name for those who listen.
-    static std::string focused() {
-        QAccessibleInterface* const interface = QAccessible::queryAccessibleInterface(QGuiApplication::focusObject());
-        return interface ? interface->text(QAccessible::Name).toStdString() : "";
     }
     void tabTo(const std::string& name) {
-        for (int i = 0; i < 30 && focused() != name; ++i) {
+        for (int i = 0; i < 30 && focusedName() != name; ++i) {
             press(Qt::Key_Tab);
         }
-        ASSERT_EQ(focused(), name);
+        ASSERT_EQ(focusedName(), name);
     }
 
-    ResetsPresenter resets;
-    QQuickWindow window;
+    ResetsPresenter presenter;
 
 private:
     DesktopAppearance m_appearance;
     ViewEngine m_engine{m_appearance};
-    ViewEngine::Hold m_hold;
-    SessionWeekPresenter m_sessionWeek;
-    ActivityPresenter m_activity;
-    BreakdownPresenter m_breakdown;
+    ViewEngine::Hold m_hold = m_engine.hold();
+    QQuickWindow m_window;
+    std::unique_ptr<QQuickItem> m_item;
 };
 
-TEST(Cards, ShowEveryStateWithoutAWarning) {
-    const ScopedEnvironment american("LC_ALL", "en_US.UTF-8");
-    for (const auto& [name, enter] : allViewStates()) {
-        SCOPED_TRACE(name);
-        for (const bool isDark : {false, true}) {
-            const test::Warnings warnings;
-            ViewState state;
-            enter(state);
-            Cards cards(*state.model, {.isDark = isDark});
-            QGuiApplication::setLayoutDirection(isDark && name == "watch" ? Qt::RightToLeft : Qt::LeftToRight);
-            cards.addAll();
-            cards.keep(name + (isDark ? "-dark" : "-light"));
-            EXPECT_THAT(test::Warnings::texts(), testing::IsEmpty());
-        }
-    }
-    QGuiApplication::setLayoutDirection(Qt::LeftToRight);
-}
-
-TEST(Cards, AddAndRemoveAResetByTheKeyboard) {
+TEST(ResetsCard, AddsAndRemovesByTheKeyboard) {
     const ScopedEnvironment american("LC_ALL", "en_US.UTF-8");
     const ScopedEnvironment zone("TZ", "UTC");
     ViewState state;
     state.model->startDemo(demo::makeDemo(demo::Scenario::watch, state.now));
-    Cards cards(*state.model);
-    cards.add("ResetsCard", cards.resets, 288, {12, 12});
-    cards.show({312, 700});
-    cards.tabTo("Add…");
-    cards.press(Qt::Key_Return);
-    ASSERT_EQ(Cards::focused(), "Date");
-    cards.type("yesterday");
-    cards.press(Qt::Key_Return);
-    EXPECT_EQ(cards.resets.problem().date, "Write the date like 11/23/2026");
-    EXPECT_EQ(Cards::focused(), "Date");
-    cards.keep("reset-form-problem");
-    cards.press(Qt::Key_Home);
-    QTest::keySequence(&cards.window, QKeySequence::SelectAll);
-    cards.type("11/25/2026");
-    cards.tabTo("Time");
-    cards.type("6:30 pm");
-    cards.press(Qt::Key_Tab);
-    cards.press(Qt::Key_Down, 2);
-    cards.press(Qt::Key_Tab);
-    cards.type("by mail");
-    cards.press(Qt::Key_Return);
+    CardOfResets card(*state.model);
+    card.tabTo("Add…");
+    card.press(Qt::Key_Return);
+    ASSERT_EQ(focusedName(), "Date");
+    card.type("yesterday");
+    card.press(Qt::Key_Return);
+    EXPECT_EQ(card.presenter.problem().date, "Write the date like 11/23/2026");
+    EXPECT_EQ(focusedName(), "Date");
+    card.keep("reset-form-problem");
+    card.type("11/25/2026");
+    card.tabTo("Time");
+    card.type("6:30 pm");
+    card.press(Qt::Key_Tab);
+    card.press(Qt::Key_Down, 2);
+    card.press(Qt::Key_Tab);
+    card.type("by mail");
+    card.press(Qt::Key_Return);
     ASSERT_EQ(state.model->resetPlan().planned.size(), 1U);
     const PlannedReset added = state.model->resetPlan().planned.front();
     EXPECT_EQ(formatIso8601(added.date), "2026-11-25T18:30:00Z");
     EXPECT_EQ(added.scope, PlannedReset::Scope::week);
     EXPECT_EQ(added.note, "by mail");
-    EXPECT_EQ(Cards::focused(), "Add…");
+    EXPECT_EQ(focusedName(), "Add…");
 
-    cards.press(Qt::Key_Return);
-    cards.press(Qt::Key_Escape);
-    EXPECT_EQ(Cards::focused(), "Add…");
-    cards.press(Qt::Key_Tab);
-    EXPECT_THAT(Cards::focused(), testing::StartsWith("Remove Wed, Nov 25"));
-    cards.press(Qt::Key_Space);
+    card.press(Qt::Key_Return);
+    card.press(Qt::Key_Escape);
+    EXPECT_EQ(focusedName(), "Add…");
+    card.press(Qt::Key_Tab);
+    EXPECT_THAT(focusedName(), testing::StartsWith("Remove Wed, Nov 25"));
+    card.press(Qt::Key_Space);
     EXPECT_THAT(state.model->resetPlan().planned, testing::IsEmpty());
 }
 
-TEST(Cards, RedeemOnlyAfterAskingTwice) {
+TEST(ResetsCard, RedeemsOnlyAfterAskingTwice) {
     ViewState state;
     state.model->startDemo(demo::makeDemo(demo::Scenario::watch, state.now));
-    Cards cards(*state.model);
-    cards.add("ResetsCard", cards.resets, 288, {12, 12});
-    cards.show({312, 700});
-    cards.tabTo("Banked resets, 0");
-    cards.press(Qt::Key_Up, 2);
+    CardOfResets card(*state.model);
+    card.tabTo("Banked resets, 0");
+    card.press(Qt::Key_Up, 2);
     EXPECT_EQ(state.model->resetPlan().banked, 2);
-    cards.tabTo("Redeem…");
-    cards.press(Qt::Key_Return);
-    ASSERT_EQ(Cards::focused(), "Covers, All limits");
-    cards.press(Qt::Key_Return);
+    card.tabTo("Redeem…");
+    card.press(Qt::Key_Return);
+    ASSERT_EQ(focusedName(), "Covers, All limits");
+    card.press(Qt::Key_Return);
     EXPECT_EQ(state.model->resetPlan().banked, 2);
-    cards.keep("redeem");
-    ASSERT_EQ(Cards::focused(), "Yes, redeemed");
-    cards.press(Qt::Key_Return);
+    card.keep("redeem");
+    ASSERT_EQ(focusedName(), "Yes, redeemed");
+    card.press(Qt::Key_Return);
     EXPECT_EQ(state.model->resetPlan().banked, 1);
 }
 
@@ -247,11 +199,3 @@ TEST(Activity, IsAlignedWithTheClockAndReadOut) {
 
 }  // namespace
 }  // namespace vorn
-
-int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", qEnvironmentVariable("VORN_TEST_PLATFORM", "offscreen").toUtf8());
-    testing::InitGoogleTest(&argc, argv);
-    vorn::ViewEngine::useSoftwareRendering();
-    const QGuiApplication application(argc, argv);
-    return RUN_ALL_TESTS();
-}

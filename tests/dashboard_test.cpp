@@ -1,4 +1,4 @@
-#include <QApplication>
+#include <QGuiApplication>
 #include <QImage>
 #include <QQmlContext>
 #include <QQmlProperty>
@@ -6,13 +6,12 @@
 #include <QQuickWindow>
 #include <QSignalSpy>
 #include <QTest>
-#include <cstdlib>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "platform/desktop_appearance.hpp"
-#include "tests/support/qt_warnings.hpp"
+#include "tests/support/shown_window.hpp"
 #include "tests/support/view_looks.hpp"
 #include "tests/support/view_states.hpp"
 #include "ui/views/dashboard_content.hpp"
@@ -25,8 +24,8 @@ namespace vorn {
 namespace {
 
 using namespace std::chrono_literals;
+using test::shownWindow;
 using test::ViewState;
-using test::Warnings;
 
 struct PictureLook {
     DesktopAppearance::Look look;
@@ -50,22 +49,17 @@ QImage picture(UsageModel& model, const PictureLook& with) {
 }
 
 TEST(DashboardView, ShowsEveryStateWithoutAWarning) {
-    for (const auto& [name, enter] : test::allViewStates()) {
-        SCOPED_TRACE(name);
-        ViewState state;
-        enter(state);
+    test::forEachViewState([](const std::string& name, UsageModel& model) {
         for (const PictureLook& with : {PictureLook{.look = {.reducedMotion = true}},
                                         {.look = {.isDark = true}, .width = 720},
                                         {.look = {.highContrast = true}, .width = 560},
                                         {.look = {.reducedMotion = true}, .width = 1900}}) {
-            const Warnings warnings;
-            const QImage image = picture(*state.model, with);
-            EXPECT_THAT(Warnings::texts(), testing::IsEmpty());
+            const QImage image = picture(model, with);
             EXPECT_EQ(image.width(), with.width);
             EXPECT_GT(image.height(), 200);
             test::keepPicture(image, name + "-" + std::to_string(with.width));
         }
-    }
+    });
 }
 
 TEST(DashboardView, MirrorsAndGrowsWithoutAWarning) {
@@ -78,14 +72,9 @@ TEST(DashboardView, MirrorsAndGrowsWithoutAWarning) {
     } cases[] = {{"right-to-left", Qt::RightToLeft, 10, 1}, {"large-type", Qt::LeftToRight, 16, 2}};
     for (const auto& c : cases) {
         const test::ScopedType type(c.direction, c.points);
-        for (const auto& [name, enter] : test::allViewStates()) {
-            SCOPED_TRACE(name + " " + c.name);
-            const Warnings warnings;
-            ViewState state;
-            enter(state);
-            test::keepPicture(picture(*state.model, {.pixelRatio = c.pixelRatio}), name + "-" + c.name);
-            EXPECT_THAT(Warnings::texts(), testing::IsEmpty());
-        }
+        test::forEachViewState([&c](const std::string& name, UsageModel& model) {
+            test::keepPicture(picture(model, {.pixelRatio = c.pixelRatio}), name + "-" + c.name);
+        });
     }
 }
 
@@ -227,15 +216,7 @@ protected:
     DashboardWindowTest() {
         m_state.model->startDemo(demo::makeDemo(demo::Scenario::atRisk, m_state.now));
         window.open();
-        EXPECT_TRUE(QTest::qWaitForWindowExposed(shown()));
-    }
-    [[nodiscard]] static QQuickWindow* shown() {
-        for (QWindow* const each : QGuiApplication::topLevelWindows()) {
-            if (auto* const view = qobject_cast<QQuickWindow*>(each); view && view->isVisible()) {
-                return view;
-            }
-        }
-        return nullptr;
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(shownWindow()));
     }
     static std::vector<QQuickItem*> itemsNamed(QQuickItem* under, const char* type) {
         std::vector<QQuickItem*> found;
@@ -251,7 +232,7 @@ protected:
 
     /// Of a type, by what stands on it or what it is called.
     static QQuickItem* item(const char* type, const QString& text) {
-        for (QQuickItem* const each : itemsNamed(shown()->contentItem(), type)) {
+        for (QQuickItem* const each : itemsNamed(shownWindow()->contentItem(), type)) {
             const auto says = [&](const char* property) {
                 return each->property(property).toString().startsWith(text);
             };
@@ -260,20 +241,20 @@ protected:
             }
         }
         ADD_FAILURE() << "there is no " << type << " " << text.toStdString();
-        return shown()->contentItem();
+        return shownWindow()->contentItem();
     }
     /// Presses it, scrolled into sight, where a share of its width lies.
     static void click(QQuickItem* on, double share = 0.5) {
         on->forceActiveFocus();
-        QTest::mouseClick(shown(), Qt::LeftButton, {},
+        QTest::mouseClick(shownWindow(), Qt::LeftButton, {},
                           on->mapToScene({share * on->width(), on->height() / 2}).toPoint());
     }
     static void retype(const QString& name, const char* text) {
         click(item("TextBox", name));
-        QTest::keySequence(shown(), QKeySequence::SelectAll);
-        QTest::keyClick(shown(), Qt::Key_Delete);
+        QTest::keySequence(shownWindow(), QKeySequence::SelectAll);
+        QTest::keyClick(shownWindow(), Qt::Key_Delete);
         for (; *text != 0; ++text) {
-            QTest::keyClick(shown(), *text);
+            QTest::keyClick(shownWindow(), *text);
         }
     }
     /// Where the line of even pace of a chart reaches 100 %, in seconds since the chart begins.
@@ -300,26 +281,26 @@ protected:
 
 TEST_F(DashboardWindowTest, OpensWhereItWasAndRemembersWhereItIs) {
     ASSERT_TRUE(window.isOpen());
-    EXPECT_EQ(shown()->geometry(), QRect(30, 40, 700, 500));
-    shown()->setGeometry(50, 60, 800, 550);
+    EXPECT_EQ(shownWindow()->geometry(), QRect(30, 40, 700, 500));
+    shownWindow()->setGeometry(50, 60, 800, 550);
     QSignalSpy closed(&window, &DashboardWindow::closed);
-    QTest::keyClick(shown(), Qt::Key_Escape);
+    QTest::keyClick(shownWindow(), Qt::Key_Escape);
     EXPECT_EQ(closed.count(), 1);
     EXPECT_FALSE(window.isOpen());
     EXPECT_EQ(m_place, (WindowPlace{.rect = {50, 60, 800, 550}}));
     QCoreApplication::processEvents();
     m_place = {.rect = {90'000, 90'000, 90'000, 300}};
     window.open();
-    EXPECT_EQ(shown()->size(),
-              QSize(shown()->screen()->availableSize().width(), 300).expandedTo(shown()->minimumSize()))
+    EXPECT_EQ(shownWindow()->size(),
+              QSize(shownWindow()->screen()->availableSize().width(), 300).expandedTo(shownWindow()->minimumSize()))
         << "of a screen that is gone";
-    shown()->close();
+    shownWindow()->close();
     EXPECT_EQ(closed.count(), 2);
-    EXPECT_EQ(shown(), nullptr);
+    EXPECT_EQ(shownWindow(), nullptr);
 }
 
 TEST_F(DashboardWindowTest, ReadsOutTheChart) {
-    const auto charts = itemsNamed(shown()->contentItem(), "LimitChart");
+    const auto charts = itemsNamed(shownWindow()->contentItem(), "LimitChart");
     ASSERT_EQ(charts.size(), 3U);
     QQuickItem* const chart = charts.front();
     const auto name = [&] {
@@ -327,16 +308,16 @@ TEST_F(DashboardWindowTest, ReadsOutTheChart) {
     };
     EXPECT_EQ(name(), "Session, chart");
     chart->forceActiveFocus();
-    QTest::keyClick(shown(), Qt::Key_Left);
+    QTest::keyClick(shownWindow(), Qt::Key_Left);
     EXPECT_THAT(name(), testing::ContainsRegex("11:55 · 7[01]%"));
-    QTest::keyClick(shown(), Qt::Key_End);
+    QTest::keyClick(shownWindow(), Qt::Key_End);
     EXPECT_THAT(name(), testing::HasSubstr("12:00 · 72%"));
-    QTest::keyClick(shown(), Qt::Key_Right);
+    QTest::keyClick(shownWindow(), Qt::Key_Right);
     EXPECT_THAT(name(), testing::HasSubstr("12:05 · 74%")) << "what is projected";
-    QTest::keyClick(shown(), Qt::Key_Tab);
+    QTest::keyClick(shownWindow(), Qt::Key_Tab);
     EXPECT_EQ(name(), "Session, chart");
     const auto hover = [&](double share) {
-        QTest::mouseMove(shown(), chart->mapToScene({share * chart->width(), chart->height() / 2}).toPoint());
+        QTest::mouseMove(shownWindow(), chart->mapToScene({share * chart->width(), chart->height() / 2}).toPoint());
     };
     EXPECT_TRUE(QTest::qWaitFor([&] {
         hover(0.3);
@@ -344,13 +325,13 @@ TEST_F(DashboardWindowTest, ReadsOutTheChart) {
         return name().find("10:") != std::string::npos;
     })) << name();
     EXPECT_TRUE(QTest::qWaitFor([&] {
-        QTest::mouseMove(shown(), {2, 2});
+        QTest::mouseMove(shownWindow(), {2, 2});
         return name() == "Session, chart";
     })) << name();
 }
 
 TEST_F(DashboardWindowTest, MovesTheEvenPaceToAResetThatIsPlannedAndBack) {
-    const auto charts = itemsNamed(shown()->contentItem(), "LimitChart");
+    const auto charts = itemsNamed(shownWindow()->contentItem(), "LimitChart");
     const double begins = evenPaceEnd(charts[0]);
     EXPECT_DOUBLE_EQ(begins, 5 * kHour);
     click(item("TextButton", "Add"));
@@ -378,7 +359,7 @@ TEST_F(DashboardWindowTest, MovesTheEvenPaceToAResetThatIsPlannedAndBack) {
 }
 
 TEST_F(DashboardWindowTest, SwitchesWhatTheStripAndTheBreakdownSpan) {
-    const QQuickItem* const bars = itemsNamed(shown()->contentItem(), "ActivityBars").front();
+    const QQuickItem* const bars = itemsNamed(shownWindow()->contentItem(), "ActivityBars").front();
     const auto columns = [&] {
         return bars->property("bars").value<QList<double>>().size();
     };
@@ -391,11 +372,11 @@ TEST_F(DashboardWindowTest, SwitchesWhatTheStripAndTheBreakdownSpan) {
     const QVariant hours = projects();
     click(item("Segments", "Local activity"), 0.85);
     EXPECT_NE(projects(), hours);
-    QTest::keyClick(shown(), Qt::Key_Left);
-    QTest::keyClick(shown(), Qt::Key_Left);
+    QTest::keyClick(shownWindow(), Qt::Key_Left);
+    QTest::keyClick(shownWindow(), Qt::Key_Left);
     EXPECT_EQ(projects(), hours);
     const auto finding = [&] {
-        return itemsNamed(shown()->contentItem(), "FindingRow").front()->property("finding");
+        return itemsNamed(shownWindow()->contentItem(), "FindingRow").front()->property("finding");
     };
     const QVariant day = finding();
     click(item("Segments", "Breakdown of Claude Code"), 0.75);
@@ -406,31 +387,21 @@ TEST_F(DashboardWindowTest, AsksForWhatItsMenuAndButtonsSay) {
     QSignalSpy exported(&window, &DashboardWindow::exportRequested);
     QSignalSpy settings(&window, &DashboardWindow::settingsRequested);
     window.setHasSettings(true);
-    const auto buttons = itemsNamed(shown()->contentItem(), "IconButton");
+    const auto buttons = itemsNamed(shownWindow()->contentItem(), "IconButton");
     ASSERT_EQ(buttons.size(), 2U);
     QMetaObject::invokeMethod(buttons[0], "triggered");
     EXPECT_EQ(settings.count(), 1);
     buttons[1]->forceActiveFocus();
-    QTest::keyClick(shown(), Qt::Key_Return);
-    QTest::keyClick(shown(), Qt::Key_Escape);
+    QTest::keyClick(shownWindow(), Qt::Key_Return);
+    QTest::keyClick(shownWindow(), Qt::Key_Escape);
     EXPECT_TRUE(window.isOpen()) << "Escape closes the menu first";
     EXPECT_TRUE(buttons[1]->hasActiveFocus());
-    QTest::keyClick(shown(), Qt::Key_Return);
-    QTest::keyClick(shown(), Qt::Key_Down);
-    QTest::keyClick(shown(), Qt::Key_Return);
+    QTest::keyClick(shownWindow(), Qt::Key_Return);
+    QTest::keyClick(shownWindow(), Qt::Key_Down);
+    QTest::keyClick(shownWindow(), Qt::Key_Return);
     ASSERT_EQ(exported.count(), 1);
     EXPECT_EQ(exported[0], (QVariantList{"history", "json"}));
 }
 
 }  // namespace
 }  // namespace vorn
-
-int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    qputenv("TZ", "UTC");
-    qputenv("LC_ALL", "C");
-    vorn::ViewEngine::useSoftwareRendering();
-    QApplication application(argc, argv);
-    testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}

@@ -1,19 +1,17 @@
-#include <QAccessible>
-#include <QApplication>
-#include <QFont>
+#include <QGuiApplication>
 #include <QImage>
 #include <QQmlEngine>
 #include <QQuickWindow>
 #include <QScreen>
 #include <QSignalSpy>
 #include <QTest>
-#include <cstdlib>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "platform/desktop_appearance.hpp"
 #include "tests/support/qt_warnings.hpp"
+#include "tests/support/shown_window.hpp"
 #include "tests/support/view_looks.hpp"
 #include "tests/support/view_states.hpp"
 #include "ui/views/popover_content.hpp"
@@ -67,19 +65,14 @@ QImage picture(UsageModel& model, const PictureLook& with) {
 }
 
 TEST(PopoverView, ShowsEveryStateWithoutAWarning) {
-    for (const auto& [name, enter] : test::allViewStates()) {
-        SCOPED_TRACE(name);
-        ViewState state;
-        enter(state);
+    test::forEachViewState([](const std::string& name, UsageModel& model) {
         for (const DesktopAppearance::Look look :
              {DesktopAppearance::Look{}, {.isDark = true}, {.highContrast = true, .reducedMotion = true}}) {
-            const Warnings warnings;
-            const QImage image = picture(*state.model, {.look = look, .pixelRatio = 2});
-            EXPECT_THAT(Warnings::texts(), testing::IsEmpty());
+            const QImage image = picture(model, {.look = look, .pixelRatio = 2});
             EXPECT_GT(image.height(), 300);
             test::keepPicture(image, name + (look.highContrast ? "-contrast" : look.isDark ? "-dark" : "-light"));
         }
-    }
+    });
 }
 
 TEST(PopoverView, MirrorsGrowsAndTellsTheTimeAsTheUserDoes) {
@@ -98,14 +91,10 @@ TEST(PopoverView, MirrorsGrowsAndTellsTheTimeAsTheUserDoes) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         const test::ScopedType type(c.direction, c.points);
-        for (const auto& [name, enter] : test::allViewStates()) {
-            const Warnings warnings;
-            ViewState state;
-            enter(state);
-            test::keepPicture(picture(*state.model, {.pixelRatio = c.pixelRatio, .inManyWords = c.inManyWords}),
+        test::forEachViewState([&c](const std::string& name, UsageModel& model) {
+            test::keepPicture(picture(model, {.pixelRatio = c.pixelRatio, .inManyWords = c.inManyWords}),
                               name + "-" + c.name);
-            EXPECT_THAT(Warnings::texts(), testing::IsEmpty());
-        }
+        });
     }
 }
 
@@ -117,17 +106,12 @@ protected:
 
     QQuickWindow& open() {
         m_popover.open(PopoverAnchor::inCorner({0, 0}));
-        QWindow* shown = nullptr;
-        for (QWindow* const window : QGuiApplication::topLevelWindows()) {
-            shown = window->isVisible() ? window : shown;
-        }
-        EXPECT_TRUE(QTest::qWaitForWindowActive(shown));
-        return *qobject_cast<QQuickWindow*>(shown);
+        EXPECT_TRUE(QTest::qWaitForWindowActive(test::shownWindow()));
+        return *test::shownWindow();
     }
-    /// What has the keyboard: the name it has for those who listen.
     static std::string focused() {
-        QAccessibleInterface* const interface = QAccessible::queryAccessibleInterface(QGuiApplication::focusObject());
-        return interface ? interface->text(QAccessible::Name).section(',', 0, 0).toStdString() : "";
+        const std::string name = test::focusedName();
+        return name.substr(0, name.find(','));
     }
 
     Warnings m_warnings;
@@ -233,14 +217,3 @@ TEST(Snapshot, WritesEveryViewInBothLooksAndDensities) {
 
 }  // namespace
 }  // namespace vorn
-
-int main(int argc, char** argv) {
-    testing::InitGoogleMock(&argc, argv);
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QApplication application(argc, argv);
-    if (const char* const font = std::getenv("VORN_VIEW_FONT")) {
-        QGuiApplication::setFont(QFont(font, 10));
-    }
-    vorn::ViewEngine::useSoftwareRendering();
-    return RUN_ALL_TESTS();
-}

@@ -1,5 +1,4 @@
 #include <QAbstractItemModelTester>
-#include <QGuiApplication>
 #include <QSignalSpy>
 #include <algorithm>
 #include <cmath>
@@ -291,10 +290,3 @@ TEST(Theme, GrowsWithTheSystemsFontWithinReason) {
 
 }  // namespace
 }  // namespace vorn
-
-int main(int argc, char** argv) {
-    testing::InitGoogleMock(&argc, argv);
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QGuiApplication application(argc, argv);
-    return RUN_ALL_TESTS();
-}

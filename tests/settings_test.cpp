@@ -10,7 +10,6 @@
 #include <QTest>
 #include <QTranslator>
 #include <algorithm>
-#include <cstdlib>
 #include <tuple>
 
 #include <gmock/gmock.h>
@@ -26,6 +25,7 @@
 #include "platform/notification_center.hpp"
 #include "platform/panel_brightness.hpp"
 #include "tests/support/qt_warnings.hpp"
+#include "tests/support/shown_window.hpp"
 #include "tests/support/view_looks.hpp"
 #include "tests/support/view_states.hpp"
 #include "ui/views/claude_finder.hpp"
@@ -283,12 +283,8 @@ protected:
 
     void open(Page page) {
         m_window.open(page);
-        QWindow* shown = nullptr;
-        for (QWindow* const window : QGuiApplication::topLevelWindows()) {
-            shown = window->isVisible() ? window : shown;
-        }
-        ASSERT_TRUE(shown && QTest::qWaitForWindowActive(shown));
-        m_shown = qobject_cast<QQuickWindow*>(shown);
+        m_shown = test::shownWindow();
+        ASSERT_TRUE(m_shown && QTest::qWaitForWindowActive(m_shown));
         layOut(*m_shown->contentItem());
     }
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) { QTest::keyClick(m_shown, key, modifiers); }
@@ -344,10 +340,6 @@ protected:
             all += name + "\n";
         }
         return all;
-    }
-    [[nodiscard]] static std::string focused() {
-        QAccessibleInterface* const interface = QAccessible::queryAccessibleInterface(QGuiApplication::focusObject());
-        return interface ? interface->text(QAccessible::Name).toStdString() : "";
     }
     /// "tightestRing sessionPercent -sessionRing …", as the store holds it.
     [[nodiscard]] std::string storedLayout(std::size_t count) const {
@@ -435,7 +427,7 @@ TEST_F(SettingsWindowTest, ChoosesAmongSeveral) {
     press(Qt::Key_Space);
     press(Qt::Key_Right);
     EXPECT_EQ(m_world.stored()->glyphStyle(), GlyphStyle::steer);
-    EXPECT_EQ(focused(), "Pace direction");
+    EXPECT_EQ(test::focusedName(), "Pace direction");
 }
 
 TEST_F(SettingsWindowTest, OrdersTheItemsByKeyboardArrowsAndMouse) {
@@ -451,7 +443,7 @@ TEST_F(SettingsWindowTest, OrdersTheItemsByKeyboardArrowsAndMouse) {
     press(Qt::Key_Up, Qt::AltModifier);
     EXPECT_THAT(picture(), testing::StartsWith("Now: 38%, Week\n")) << "the picture follows at once";
     EXPECT_EQ(storedLayout(3), "sessionPercent tightestRing -sessionRing");
-    EXPECT_EQ(focused(), "Session %") << "the focus goes along";
+    EXPECT_EQ(test::focusedName(), "Session %") << "the focus goes along";
     press(Qt::Key_Up, Qt::AltModifier);
     press(Qt::Key_Space);
     EXPECT_EQ(storedLayout(2), "-sessionPercent tightestRing");
@@ -459,7 +451,7 @@ TEST_F(SettingsWindowTest, OrdersTheItemsByKeyboardArrowsAndMouse) {
     press(Qt::Key_Down, Qt::AltModifier);
     EXPECT_EQ(storedLayout(3), "tightestRing -sessionRing -sessionPercent");
     press(Qt::Key_Up);
-    EXPECT_EQ(focused(), "Ring · session (5h)");
+    EXPECT_EQ(test::focusedName(), "Ring · session (5h)");
 
     click("Move Week % up");
     EXPECT_EQ(storedLayout(6), "tightestRing -sessionRing -sessionPercent -sessionReset -weekPercent -weekRing");
@@ -611,10 +603,10 @@ TEST_F(SettingsWindowTest, HoldsLongWords) {
 
 TEST_F(SettingsWindowTest, RemembersItsPageAndPlaceAndLetsGoOfTheEngine) {
     open(Page::general);
-    EXPECT_EQ(focused(), "General");
+    EXPECT_EQ(test::focusedName(), "General");
     press(Qt::Key_Down);
     press(Qt::Key_Down);
-    EXPECT_EQ(focused(), "Notifications");
+    EXPECT_EQ(test::focusedName(), "Notifications");
     EXPECT_TRUE(find("Send test"));
     m_shown->setGeometry(31, 42, 600, 500);
     const QSignalSpy closed(&m_window, &SettingsWindow::closed);
@@ -630,21 +622,10 @@ TEST_F(SettingsWindowTest, RemembersItsPageAndPlaceAndLetsGoOfTheEngine) {
     EXPECT_EQ(m_shown->size(), QSize(600, 500));
     EXPECT_LT(m_shown->x(), 800) << "that screen is gone";
     open(Page::claudeCode);
-    EXPECT_EQ(focused(), "Claude Code") << "asked for from elsewhere";
+    EXPECT_EQ(test::focusedName(), "Claude Code") << "asked for from elsewhere";
     m_shown->close();
     EXPECT_FALSE(m_window.isOpen());
 }
 
 }  // namespace
 }  // namespace vorn
-
-int main(int argc, char** argv) {
-    testing::InitGoogleMock(&argc, argv);
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QGuiApplication application(argc, argv);
-    if (const char* const font = std::getenv("VORN_VIEW_FONT")) {
-        QGuiApplication::setFont(QFont(font, 10));
-    }
-    vorn::ViewEngine::useSoftwareRendering();
-    return RUN_ALL_TESTS();
-}

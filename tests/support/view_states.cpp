@@ -3,7 +3,10 @@
 #include <QSettings>
 #include <algorithm>
 
+#include <gmock/gmock.h>
+
 #include "core/sources/probe_error.hpp"
+#include "tests/support/qt_warnings.hpp"
 
 namespace vorn::test {
 namespace {
@@ -135,6 +138,17 @@ std::vector<NamedViewState> allViewStates() {
                           }});
     }
     return states;
+}
+
+void forEachViewState(const std::function<void(const std::string&, UsageModel&)>& use) {
+    for (const auto& [name, enter] : allViewStates()) {
+        SCOPED_TRACE(name);
+        const Warnings warnings;
+        ViewState state;
+        enter(state);
+        use(name, *state.model);
+        EXPECT_THAT(Warnings::texts(), testing::IsEmpty());
+    }
 }
 
 }  // namespace vorn::test

@@ -34,6 +34,9 @@ struct NamedViewState {
 /// The demonstrations and whatever they do not show.
 std::vector<NamedViewState> allViewStates();
 
+/// Calls `use(name, model)` with each of them, in which Qt must not warn of anything.
+void forEachViewState(const std::function<void(const std::string&, UsageModel&)>& use);
+
 /// The demonstration at risk with `count` windows, one of them with a very long name.
 demo::Demo demoWithWindows(std::size_t count, Instant now);
 

@@ -387,11 +387,15 @@ TEST_F(DashboardWindowTest, AsksForWhatItsMenuAndButtonsSay) {
     QSignalSpy exported(&window, &DashboardWindow::exportRequested);
     QSignalSpy settings(&window, &DashboardWindow::settingsRequested);
     window.setHasSettings(true);
+    shownWindow()->resize(1000, 700);
     const auto buttons = itemsNamed(shownWindow()->contentItem(), "IconButton");
     ASSERT_EQ(buttons.size(), 2U);
     QMetaObject::invokeMethod(buttons[0], "triggered");
     EXPECT_EQ(settings.count(), 1);
     buttons[1]->forceActiveFocus();
+    const auto* const hint = itemsNamed(buttons[1], "Hint").front()->property("bubble").value<QQuickItem*>();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return hint->isVisible(); }));
+    EXPECT_GT(hint->y(), buttons[1]->mapToScene({0, 0}).y()) << "above, it would touch the window's edge";
     QTest::keyClick(shownWindow(), Qt::Key_Return);
     QTest::keyClick(shownWindow(), Qt::Key_Escape);
     EXPECT_TRUE(window.isOpen()) << "Escape closes the menu first";

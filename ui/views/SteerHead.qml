@@ -70,6 +70,15 @@ Item {
             height: reason.height
             visible: reason.text !== ""
 
+            HoverHandler {
+                id: hover
+            }
+
+            Hint {
+                text: reason.truncated ? reason.text : ""
+                wanted: hover.hovered || head.activeFocus
+            }
+
             Row {
                 LayoutMirroring.enabled: false
                 x: head.LayoutMirroring.enabled ? parent.width - width : 0

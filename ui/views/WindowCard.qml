@@ -44,6 +44,12 @@ Pressable {
             width: parent.width
             card: block.card
             compact: block.compact
+
+            Hint {
+                text: headline.isShortened ? block.card.title : ""
+                below: true
+                wanted: hover.hovered || block.activeFocus
+            }
         }
 
         UsageBar {
@@ -89,13 +95,6 @@ Pressable {
 
     HoverHandler {
         id: hover
-    }
-
-    Hint {
-        text: headline.isShortened ? block.card.title : ""
-        below: true
-        y: headline.y + content.y + headline.height
-        wanted: hover.hovered || block.activeFocus
     }
 
     FocusRing {

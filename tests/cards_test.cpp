@@ -157,6 +157,7 @@ TEST(ResetForm, ReadsDatesAsTheUserWritesThem) {
 
 TEST(Breakdown, KeepsTheRestLastAndSplitsFindings) {
     std::vector<ActivityEvent> events;
+    events.reserve(9);
     for (int i = 0; i < 9; ++i) {
         events.push_back(
             {.timestamp = kNow, .model = "sonnet", .cwd = "/p" + std::to_string(i), .tokens = {.input = 10 - i}});

@@ -7,7 +7,7 @@ Item {
 
     required property SteerPresenter steer
     required property FreshnessPresenter freshness
-    required property SessionsLeftPresenter sessionsLeft
+    required property SessionWeekPresenter sessionWeek
     property bool hasSettings: false
     /// Too narrow for more than the answer and the buttons.
     property bool isTiny: false
@@ -57,15 +57,15 @@ Item {
             rightMargin: Theme.sizes.edge
             verticalCenter: parent.verticalCenter
         }
-        visible: head.isReady && head.sessionsLeft.text !== "" && !head.isTiny
+        visible: head.isReady && head.sessionWeek.left !== "" && !head.isTiny
         Accessible.role: Accessible.StaticText
-        Accessible.name: head.sessionsLeft.text + " " + caption.text
+        Accessible.name: head.sessionWeek.left + " " + caption.text
 
         Label {
             anchors.right: parent.right
             semibold: true
             font.pixelSize: Theme.sizes.largeHead
-            text: head.sessionsLeft.text
+            text: head.sessionWeek.left
             Accessible.ignored: true
         }
 

@@ -7,7 +7,6 @@ FocusScope {
 
     required property SteerPresenter steer
     required property FreshnessPresenter freshness
-    required property SessionsLeftPresenter sessionsLeft
     required property LimitPanelModel panels
     required property SessionWeekPresenter sessionWeek
     required property ResetsPresenter resets
@@ -56,7 +55,7 @@ FocusScope {
         height: implicitHeight
         steer: dashboard.steer
         freshness: dashboard.freshness
-        sessionsLeft: dashboard.sessionsLeft
+        sessionWeek: dashboard.sessionWeek
         hasSettings: dashboard.hasSettings
         isTiny: dashboard.measure < 660
         isReady: dashboard.isReady

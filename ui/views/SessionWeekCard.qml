@@ -58,7 +58,7 @@ Card {
             width: parent.width
             visible: card.isKnown
             label: qsTr("sessions left this week")
-            value: card.presenter.left
+            value: card.presenter.left !== "" ? card.presenter.left : "–"
         }
 
         DetailLabel {

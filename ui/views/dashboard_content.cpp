@@ -5,7 +5,6 @@ namespace vorn {
 DashboardContent::DashboardContent(UsageModel& model)
     : m_steer(model),
       m_freshness(model),
-      m_sessionsLeft(model),
       m_panels(model),
       m_sessionWeek(model),
       m_resets(model),
@@ -13,13 +12,9 @@ DashboardContent::DashboardContent(UsageModel& model)
       m_breakdown(model) {}
 
 QVariantMap DashboardContent::properties() {
-    return {{"steer", QVariant::fromValue(&m_steer)},
-            {"freshness", QVariant::fromValue(&m_freshness)},
-            {"sessionsLeft", QVariant::fromValue(&m_sessionsLeft)},
-            {"panels", QVariant::fromValue(&m_panels)},
-            {"sessionWeek", QVariant::fromValue(&m_sessionWeek)},
-            {"resets", QVariant::fromValue(&m_resets)},
-            {"activity", QVariant::fromValue(&m_activity)},
+    return {{"steer", QVariant::fromValue(&m_steer)},        {"freshness", QVariant::fromValue(&m_freshness)},
+            {"panels", QVariant::fromValue(&m_panels)},      {"sessionWeek", QVariant::fromValue(&m_sessionWeek)},
+            {"resets", QVariant::fromValue(&m_resets)},      {"activity", QVariant::fromValue(&m_activity)},
             {"breakdown", QVariant::fromValue(&m_breakdown)}};
 }
 

@@ -8,7 +8,6 @@
 #include "ui/views/limit_panel_model.hpp"
 #include "ui/views/resets_presenter.hpp"
 #include "ui/views/session_week_presenter.hpp"
-#include "ui/views/sessions_left.hpp"
 #include "ui/views/steer_presenter.hpp"
 
 namespace vorn {
@@ -26,7 +25,6 @@ public:
 private:
     SteerPresenter m_steer;
     FreshnessPresenter m_freshness;
-    SessionsLeftPresenter m_sessionsLeft;
     LimitPanelModel m_panels;
     SessionWeekPresenter m_sessionWeek;
     ResetsPresenter m_resets;

@@ -29,7 +29,6 @@ SessionWeekPresenter::Content sessionWeekContent(const UsageModel& model) {
     SessionWeekPresenter::Content content{
         .cost = leftToRight(oneDecimal(ratio->weekPercentPerSession()).toStdString() + "%") + " of week",
         .perWeek = oneDecimal(ratio->sessionsPerWeek()),
-        .left = "–",
         .measured = QString("Measured on %1 session%2 (%3 session points) over the last 8 days.")
                         .arg(ratio->sessions)
                         .arg(ratio->sessions == 1 ? "" : "s")

@@ -27,7 +27,7 @@ public:
         QString waiting;          ///< What is missing while nothing can be said; then everything else is empty.
         QString cost;             ///< "11.4% of week"
         QString perWeek;          ///< "8.8"; "∞" when a session costs nothing.
-        QString left;             ///< "3.4"; "–" while the week is unknown.
+        QString left;             ///< "3.4"; empty while the week is unknown.
         QString measured;         ///< What it was learnt from.
         double sessions = 0;      ///< That fit into a week, for drawing; 0 when there are too many to draw.
         double usedSessions = 0;  ///< Of those.

@@ -9,9 +9,8 @@ class QPainter;
 
 namespace vorn {
 
-/// Short text in the system's font at one size in device pixels. All digits are equally wide, so that a
-/// number that counts does not move what stands beside it. Arrows and the stop square are drawn, since many fonts lack
-/// them.
+/// Short text in the system's font at one size in device pixels. All digits are equally wide, so that a number that
+/// counts does not move what stands beside it. Arrows and the stop square are drawn, since many fonts lack them.
 class GlyphText {
 public:
     struct Face {

@@ -16,8 +16,7 @@ using VornEngine::RatePoint;
 
 /// Room over the limit for projections that pass it.
 constexpr double kRaisedTop = 125;
-/// A first reading this early, as a share of the window, is joined to the
-/// window's beginning at 0 %.
+/// A first reading this early, as a share of the window, is joined to the window's beginning at 0 %.
 constexpr double kEarly = 0.1;
 
 QString text(const std::string& utf8) {
@@ -31,8 +30,7 @@ struct Frame {
     [[nodiscard]] double x(Instant at) const { return (at - begin).count(); }
 };
 
-/// Of a window whose end is not known, what was read in its last length;
-/// nothing while it has not begun.
+/// Of a window whose end is not known, what was read in its last length; nothing while it has not begun.
 std::optional<Frame> frameOf(const LimitChartInput& input) {
     const UsageWindow& window = input.assessment.window;
     const Seconds length = window.kind.length();
@@ -50,8 +48,7 @@ double drawn(double percent) {
     return std::clamp(percent, 0.0, kRaisedTop);
 }
 
-/// The readings within the frame, apart at early resets, with the latest one
-/// held up to now.
+/// The readings within the frame, apart at early resets, with the latest one held up to now.
 void addRuns(const LimitChartInput& input, const Frame& frame, LimitChartContent& chart) {
     const RatePoint* previous = nullptr;
     for (const RatePoint& point : input.readings) {

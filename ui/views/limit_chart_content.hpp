@@ -32,8 +32,7 @@ public:
     bool operator==(const LimitChartMarks&) const = default;
 };
 
-/// What the chart of one window draws. x is in seconds since the chart begins,
-/// y in percent used.
+/// What the chart of one window draws. x is in seconds since the chart begins, y in percent used.
 struct LimitChartContent {
     Q_GADGET
     QML_VALUE_TYPE(limitChart)
@@ -53,16 +52,14 @@ struct LimitChartContent {
     Q_PROPERTY(QString summary MEMBER summary)
 
 public:
-    double span = 0;   ///< How long the chart is; 0 while there is nothing to draw,
-                       ///< which `emptyText` explains.
+    double span = 0;   ///< How long the chart is; 0 while there is nothing to draw, which `emptyText` explains.
     double top = 100;  ///< The highest percent drawn.
     double now = 0;
     double used = 0;          ///< Now.
     double evenPaceEnd = -1;  ///< Where even use reaches 100 %; negative while that is not known.
     bool isCutShort = false;  ///< A planned reset ends the window there.
     bool isProjected = false;
-    QPointF projectionEnd;     ///< Where its line ends: at the horizon or where it
-                               ///< leaves the chart.
+    QPointF projectionEnd;     ///< Where its line ends: at the horizon or where it leaves the chart.
     bool isBeyondTop = false;  ///< It leaves the chart.
     QString projectionText;    ///< What it comes to at the horizon: "116%".
     double crossing = -1;      ///< Where it reaches the limit; negative when it does not.
@@ -84,8 +81,7 @@ struct LimitChartInput {
 
 LimitChartContent limitChartContent(const LimitChartInput& input);
 
-/// What the chart shows at `x`: the readings up to now, the projection after
-/// it. Empty where it shows nothing.
+/// What the chart shows at `x`: the readings up to now, the projection after it. Empty where it shows nothing.
 std::optional<double> chartValue(const LimitChartContent& chart, double x);
 
 }  // namespace vorn

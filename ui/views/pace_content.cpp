@@ -14,8 +14,7 @@ constexpr const char* kNothing = "–";
 
 QString reasonFor(RateReading::Horizon horizon, const WindowKind& kind, bool readsActivity) {
     if (horizon == RateReading::Horizon::now) {
-        return readsActivity ? "Too little was used on this computer to tell the "
-                               "pace of the last minutes."
+        return readsActivity ? "Too little was used on this computer to tell the pace of the last minutes."
                              : "Needs local activity, which is switched off.";
     }
     if (horizon == RateReading::Horizon::day && kind.isSession()) {
@@ -31,8 +30,7 @@ void addFactor(double rate, double sustainable, PaceRow& row) {
     row.isTooFast = ratio < 1;
     if (std::isfinite(ratio)) {
         constexpr double kDoublings = 2;  // a factor of four
-        constexpr double kSteps = 128;    // finer than the bar's pixels, so that it
-                                          // does not change all the time
+        constexpr double kSteps = 128;    // finer than the bar's pixels, so that it does not change all the time
         const double length = ratio > 0 ? std::clamp(-std::log2(ratio) / kDoublings, -1.0, 1.0) : 1;
         row.bar = std::round(length * kSteps) / kSteps;
     }

@@ -8,9 +8,8 @@
 
 namespace vorn {
 
-/// Hands whole lines to a chart, which QML itself can only do point by point,
-/// each time drawing everything anew. A line that is there already costs
-/// nothing.
+/// Hands whole lines to a chart, which QML itself can only do point by point, each time drawing everything anew. A line
+/// that is there already costs nothing.
 class SeriesPoints : public QObject {
     Q_OBJECT
     QML_ELEMENT

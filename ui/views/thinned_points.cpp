@@ -48,8 +48,7 @@ double bend(const QPointF& from, const QPointF& to, const QPointF& point) {
                       : std::hypot(there.x(), there.y());
 }
 
-/// Leaves out what lies on a straight line between what is kept (Ramer, Douglas
-/// and Peucker).
+/// Leaves out what lies on a straight line between what is kept (Ramer, Douglas and Peucker).
 Pixels straightened(const Pixels& line) {
     if (line.size() < 3) {
         return line;

@@ -299,6 +299,18 @@ TEST_F(DashboardWindowTest, OpensWhereItWasAndRemembersWhereItIs) {
     EXPECT_EQ(shownWindow(), nullptr);
 }
 
+TEST_F(DashboardWindowTest, PutsTheCardsIntoTheCellThatThreePanelsLeave) {
+    shownWindow()->resize(1900, 800);
+    const auto placeOf = [](const char* type, std::size_t index) {
+        const QQuickItem* const found = itemsNamed(shownWindow()->contentItem(), type).at(index);
+        return found->mapRectToScene({0, 0, found->width(), found->height()});
+    };
+    EXPECT_TRUE(QTest::qWaitFor([&] { return placeOf("LimitPanel", 1).left() > placeOf("LimitPanel", 0).right(); }));
+    const QRectF cell(placeOf("LimitPanel", 1).left(), placeOf("LimitPanel", 2).top(), placeOf("LimitPanel", 1).width(),
+                      placeOf("LimitPanel", 2).height());
+    EXPECT_EQ(placeOf("SessionWeekCard", 0) | placeOf("ResetsCard", 0), cell);
+}
+
 TEST_F(DashboardWindowTest, ReadsOutTheChart) {
     const auto charts = itemsNamed(shownWindow()->contentItem(), "LimitChart");
     ASSERT_EQ(charts.size(), 3U);

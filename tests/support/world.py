@@ -65,6 +65,9 @@ class World:
         self.drop = []
         if unprivileged and os.geteuid() == 0:
             self.drop = ["setpriv", f"--reuid={NOBODY}", f"--regid={NOBODY}", "--clear-groups"]
+            # Ours may lie where nobody may look, as in root's home.
+            shutil.copytree(self.binaries, self.root / "bin")
+            self.binaries = self.root / "bin"
         of_home = [self.home / name for name in ("bin", "run", "config")]
         for folder in (self.vorn, self.claude / "projects/-srv", *of_home):
             folder.mkdir(parents=True)

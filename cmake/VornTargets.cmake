@@ -15,7 +15,9 @@ endif()
 
 find_program(VORN_CCACHE ccache)
 if(VORN_CCACHE)
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${VORN_CCACHE})
+  # What one clone has compiled serves every other.
+  set(CMAKE_CXX_COMPILER_LAUNCHER
+    ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_NOHASHDIR=1 ${VORN_CCACHE})
 endif()
 
 add_library(vorn_options INTERFACE)

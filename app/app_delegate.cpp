@@ -228,9 +228,17 @@ void AppDelegate::updateStatusItem() {
     m_shown = std::move(wanted);
 }
 
+QFileDialog* AppDelegate::newFileDialog(const QString& title) {
+    if (m_fileDialog) {
+        m_fileDialog->close();
+    }
+    m_fileDialog = new QFileDialog(nullptr, title);
+    m_fileDialog->setAttribute(Qt::WA_DeleteOnClose);
+    return m_fileDialog;
+}
+
 void AppDelegate::chooseClaude() {
-    auto* dialog = new QFileDialog(nullptr, tr("Choose the claude executable"));
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    QFileDialog* const dialog = newFileDialog(tr("Choose the claude executable"));
     dialog->setFileMode(QFileDialog::ExistingFile);
     connect(dialog, &QFileDialog::fileSelected, this,
             [this](const QString& file) { m_preferences.setClaudePathOverride(file); });
@@ -242,8 +250,8 @@ void AppDelegate::chooseExport(const QString& content, const QString& format) {
         tell(tr("This is a demonstration with invented figures: nothing is written."));
         return;
     }
-    auto* dialog = new QFileDialog(nullptr, tr("Export as a table"), {}, "*." + format);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    QFileDialog* const dialog = newFileDialog(tr("Export as a table"));
+    dialog->setNameFilter("*." + format);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setDefaultSuffix(format);
     dialog->selectFile("vorn-" + content + "." + format);

@@ -2,6 +2,7 @@
 
 #include <QMenu>
 #include <QObject>
+#include <QPointer>
 #include <QTimer>
 #include <memory>
 #include <optional>
@@ -25,6 +26,8 @@
 #include "ui/views/dashboard_window.hpp"
 #include "ui/views/popover_window.hpp"
 #include "ui/views/settings_window.hpp"
+
+class QFileDialog;
 
 namespace vorn {
 
@@ -58,6 +61,8 @@ private:
     [[nodiscard]] PopoverAnchor anchorOfClick() const;
     void evaluateNotices();
     void updateStatusItem();
+    /// Takes the place of one that is still open; deletes itself when closed.
+    QFileDialog* newFileDialog(const QString& title);
     void chooseClaude();
     /// Asks for a file to write the table to. `content`: "history" or "activity"; `format`: "csv" or "json".
     void chooseExport(const QString& content, const QString& format);
@@ -93,6 +98,7 @@ private:
     PopoverWindow m_popover;
     DashboardWindow m_dashboard;
     SettingsWindow m_settings;
+    QPointer<QFileDialog> m_fileDialog;
     QTimer m_hostPatience;
 };
 

@@ -23,6 +23,10 @@ struct ViewState {
 
     /// Nothing read yet.
     ViewState();
+    /// Waits for what is being written, which would otherwise make its directory once more.
+    ~ViewState() { model->shutDown(); }
+    ViewState(const ViewState&) = delete;
+    ViewState& operator=(const ViewState&) = delete;
     void probe(ProbeSource::Answer what);
 };
 

@@ -1,8 +1,7 @@
 import QtQuick
 import Vorn
 
-/// The chart of one limit, from the window's beginning to its reset. It knows nothing of limits: it draws the series it
-/// is handed.
+/// The chart of one limit, from the window's beginning to its reset: layers that share one plot, the lowest first.
 Item {
     id: chart
 

@@ -5,16 +5,18 @@
 #include <QFileDialog>
 #include <QMessageBox>
 #include <QSettings>
+#include <QStringList>
 #include <chrono>
 #include <cstdio>
 
-#include "app/model/model_parts.hpp"
-#include "app/tool_tip.hpp"
 #include "core/data/vorn_paths.hpp"
-#include "core/sources/status_line_connection.hpp"
+#include "core/status_line/status_line_connection.hpp"
 #include "core/support/file.hpp"
+#include "core/transcripts/export_text.hpp"
+#include "core/wording/answer_text.hpp"
+#include "model/model_parts.hpp"
 #include "platform/memory.hpp"
-#include "ui/views/tray_look.hpp"
+#include "ui/tray/tray_look.hpp"
 
 namespace vorn {
 namespace {
@@ -41,6 +43,14 @@ void tell(const QString& text) {
     box->open();
 }
 
+QString toolTip(const Answer& answer) {
+    QStringList lines;
+    for (const std::string& line : Format::tooltipLines(answer)) {
+        lines << QString::fromStdString(line);
+    }
+    return lines.join('\n');
+}
+
 /// The items that get a cell or a place in the strip.
 std::vector<MenuBarItem> shownItems(const Preferences& preferences) {
     const bool hasSingle = StatusItem::hasCells() && preferences.trayCells() == TrayCells::singleRing;
@@ -63,11 +73,12 @@ AppDelegate::AppDelegate(std::optional<demo::Scenario> demo)
       m_statusItem(StatusItem::system(m_menu)),
       m_hotKey(HotKey::system()),
       m_viewEngine(*m_appearance),
-      m_popover(*m_model, m_viewEngine),
-      m_dashboard(*m_model, m_viewEngine, placeOf(m_preferences, "dashboard")),
+      m_popover(*m_model, m_requests, m_viewEngine),
+      m_dashboard(*m_model, m_requests, m_viewEngine, placeOf(m_preferences, "dashboard")),
       m_settings({.preferences = m_preferences,
                   .integrations = m_integrations,
                   .model = *m_model,
+                  .requests = m_requests,
                   .notifications = m_notificationCenter.get(),
                   .hotKey = *m_hotKey,
                   .appearance = *m_appearance,
@@ -86,7 +97,6 @@ AppDelegate::~AppDelegate() = default;
 void AppDelegate::finishLaunching() {
     fillMenu();
     connectModel();
-    connectPopover();
     connectWindows();
     connectDesktop();
     updateStatusItem();
@@ -116,30 +126,31 @@ void AppDelegate::connectModel() {
     connect(m_model.get(), &UsageModel::changed, this, [this] {
         updateStatusItem();
         evaluateNotices();
+        followProject();
     });
 }
 
-void AppDelegate::connectPopover() {
+void AppDelegate::followProject() {
+    const Answer& answer = m_model->answer();
+    if (answer.isDemo || !answer.activity) {
+        return;
+    }
+    if (const auto& events = answer.activity->events(); !events.empty()) {
+        m_integrations.followProject(events.back().cwd.str());
+    }
+}
+
+void AppDelegate::connectWindows() {
     connect(&m_popover, &PopoverWindow::opened, this, [this] {
         m_model->refreshIfStale();
         m_integrations.refresh();
     });
-    connect(&m_popover, &PopoverWindow::refreshRequested, m_model.get(), &UsageModel::probe);
-    connect(&m_popover, &PopoverWindow::chooseClaudeRequested, this, &AppDelegate::chooseClaude);
-    connect(&m_popover, &PopoverWindow::quitRequested, qApp, &QCoreApplication::quit);
-}
-
-void AppDelegate::connectWindows() {
-    m_popover.setHasDashboard(true);
-    m_popover.setHasSettings(true);
-    m_dashboard.setHasSettings(true);
-    connect(&m_popover, &PopoverWindow::dashboardRequested, this, &AppDelegate::openDashboard);
-    connect(&m_popover, &PopoverWindow::settingsRequested, this, &AppDelegate::openSettings);
-    connect(&m_dashboard, &DashboardWindow::settingsRequested, this, &AppDelegate::openSettings);
-    connect(&m_dashboard, &DashboardWindow::refreshRequested, m_model.get(), &UsageModel::probe);
-    connect(&m_dashboard, &DashboardWindow::chooseClaudeRequested, this, &AppDelegate::chooseClaude);
-    connect(&m_dashboard, &DashboardWindow::exportRequested, this, &AppDelegate::chooseExport);
-    connect(&m_settings, &SettingsWindow::chooseClaudeRequested, this, &AppDelegate::chooseClaude);
+    connect(&m_requests, &AppRequests::refresh, m_model.get(), &UsageModel::probe);
+    connect(&m_requests, &AppRequests::openDashboard, this, &AppDelegate::openDashboard);
+    connect(&m_requests, &AppRequests::openSettings, this, &AppDelegate::openSettings);
+    connect(&m_requests, &AppRequests::chooseClaude, this, &AppDelegate::chooseClaude);
+    connect(&m_requests, &AppRequests::exportTable, this, &AppDelegate::chooseExport);
+    connect(&m_requests, &AppRequests::quit, qApp, &QCoreApplication::quit);
 }
 
 void AppDelegate::connectDesktop() {
@@ -198,13 +209,13 @@ PopoverAnchor AppDelegate::anchorOfClick() const {
 }
 
 void AppDelegate::evaluateNotices() {
-    m_notifier.evaluate(m_model->assessments(), m_preferences, systemNow());
+    m_notifier.evaluate(m_model->answer(), m_preferences);
 }
 
 AppDelegate::Shown AppDelegate::wantedStatus() const {
-    return {.parts = MenuBarGlyph::parts(shownItems(m_preferences), *m_model),
+    return {.parts = MenuBarGlyph::parts(shownItems(m_preferences), m_model->answer()),
             .look = trayLook(m_preferences, *m_appearance, *m_panelBrightness),
-            .toolTip = toolTip(*m_model)};
+            .toolTip = toolTip(m_model->answer())};
 }
 
 void AppDelegate::updateStatusItem() {
@@ -245,25 +256,26 @@ void AppDelegate::chooseClaude() {
     dialog->open();
 }
 
-void AppDelegate::chooseExport(const QString& content, const QString& format) {
+void AppDelegate::chooseExport(AppRequests::Table table, AppRequests::TableFormat format) {
     if (m_demo) {
         tell(tr("This is a demonstration with invented figures: nothing is written."));
         return;
     }
+    const QString suffix = format == AppRequests::Json ? "json" : "csv";
     QFileDialog* const dialog = newFileDialog(tr("Export as a table"));
-    dialog->setNameFilter("*." + format);
+    dialog->setNameFilter("*." + suffix);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
-    dialog->setDefaultSuffix(format);
-    dialog->selectFile("vorn-" + content + "." + format);
-    connect(dialog, &QFileDialog::fileSelected, this, [this, content, format](const QString& file) {
-        exportTable(file, content, format == "json" ? ExportFormat::json : ExportFormat::csv);
-    });
+    dialog->setDefaultSuffix(suffix);
+    dialog->selectFile((table == AppRequests::History ? "vorn-history." : "vorn-activity.") + suffix);
+    connect(dialog, &QFileDialog::fileSelected, this,
+            [this, table, format](const QString& file) { exportTable(file, table, format); });
     dialog->open();
 }
 
-void AppDelegate::exportTable(const QString& file, const QString& content, ExportFormat format) {
-    const std::string table = content == "history" ? exportHistory(m_model->history(), format)
-                                                   : exportActivity(m_model->activity().events(), format);
+void AppDelegate::exportTable(const QString& file, AppRequests::Table wanted, AppRequests::TableFormat format) {
+    const ExportFormat form = format == AppRequests::Json ? ExportFormat::json : ExportFormat::csv;
+    const std::string table = wanted == AppRequests::History ? exportHistory(m_model->history(), form)
+                                                             : exportActivity(m_model->activity().events(), form);
     try {
         replaceFile(file.toStdString(), table);
     } catch (const std::filesystem::filesystem_error& error) {

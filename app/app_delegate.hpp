@@ -9,12 +9,11 @@
 #include <vector>
 
 #include "app/command_line.hpp"
-#include "app/model/choices_file.hpp"
-#include "app/model/integrations.hpp"
-#include "app/model/notifier.hpp"
-#include "app/model/preferences.hpp"
-#include "app/model/usage_model.hpp"
-#include "core/sources/export_text.hpp"
+#include "model/choices_file.hpp"
+#include "model/integrations.hpp"
+#include "model/notifier.hpp"
+#include "model/preferences.hpp"
+#include "model/usage_model.hpp"
 #include "platform/desktop_appearance.hpp"
 #include "platform/hot_key.hpp"
 #include "platform/login_item.hpp"
@@ -22,10 +21,11 @@
 #include "platform/panel_brightness.hpp"
 #include "platform/status_item.hpp"
 #include "platform/wake_signal.hpp"
-#include "ui/glyph/menu_bar_glyph.hpp"
-#include "ui/views/dashboard_window.hpp"
-#include "ui/views/popover_window.hpp"
-#include "ui/views/settings_window.hpp"
+#include "ui/dashboard/dashboard_window.hpp"
+#include "ui/popover/popover_window.hpp"
+#include "ui/settings/settings_window.hpp"
+#include "ui/tray/menu_bar_glyph.hpp"
+#include "ui/window/app_requests.hpp"
 
 class QFileDialog;
 
@@ -51,7 +51,7 @@ public:
 
 private:
     void connectModel();
-    void connectPopover();
+    void followProject();
     void connectWindows();
     void connectDesktop();
     void fillMenu();
@@ -64,9 +64,9 @@ private:
     /// Takes the place of one that is still open; deletes itself when closed.
     QFileDialog* newFileDialog(const QString& title);
     void chooseClaude();
-    /// Asks for a file to write the table to. `content`: "history" or "activity"; `format`: "csv" or "json".
-    void chooseExport(const QString& content, const QString& format);
-    void exportTable(const QString& file, const QString& content, ExportFormat format);
+    /// Asks for a file to write the table to.
+    void chooseExport(AppRequests::Table table, AppRequests::TableFormat format);
+    void exportTable(const QString& file, AppRequests::Table table, AppRequests::TableFormat format);
     /// Says once that nothing is to be seen of Vorn on this desktop, and what to do.
     void tellMissingHost();
 
@@ -95,6 +95,7 @@ private:
     std::optional<Shown> m_shown;
     std::unique_ptr<HotKey> m_hotKey;
     ViewEngine m_viewEngine;
+    AppRequests m_requests;
     PopoverWindow m_popover;
     DashboardWindow m_dashboard;
     SettingsWindow m_settings;

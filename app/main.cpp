@@ -1,6 +1,5 @@
 #include <QApplication>
 #include <QIcon>
-#include <QJsonObject>
 #include <QLocale>
 #include <QSocketNotifier>
 #include <csignal>
@@ -10,13 +9,13 @@
 
 #include "app/app_delegate.hpp"
 #include "app/command_line.hpp"
-#include "app/model/choices_file.hpp"
-#include "app/model/instance_server.hpp"
 #include "app/snapshot_run.hpp"
 #include "core/data/vorn_paths.hpp"
 #include "core/support/file.hpp"
 #include "core/support/interrupts.hpp"
-#include "ui/views/view_engine.hpp"
+#include "model/choices_file.hpp"
+#include "model/instance_server.hpp"
+#include "ui/window/view_engine.hpp"
 
 namespace vorn {
 namespace {
@@ -43,30 +42,27 @@ void nameProgram() {
     }
 }
 
-QJsonObject handOver(const LaunchRequest& request) {
-    return {{"request", request.showDashboard ? "show-dashboard" : request.showPopover ? "show-popover" : "activate"}};
+InstanceRequest handOver(const LaunchRequest& request) {
+    using Kind = InstanceRequest::Kind;
+    return {.kind = request.showDashboard ? Kind::showDashboard
+                    : request.showPopover ? Kind::showPopover
+                                          : Kind::activate};
 }
 
-/// What another start, or the terminal tool, asks of this one. Returns why it cannot be done.
-QString serve(AppDelegate& delegate, const QString& name, const QJsonObject& request) {
-    if (name == "activate" || name == "show-popover") {
-        delegate.showPopover();
-        return {};
+/// What another start, or the terminal tool, asks of this one.
+void serve(AppDelegate& delegate, const InstanceRequest& request) {
+    switch (request.kind) {
+        case InstanceRequest::Kind::activate:
+        case InstanceRequest::Kind::showPopover:
+            delegate.showPopover();
+            break;
+        case InstanceRequest::Kind::showDashboard:
+            delegate.openDashboard();
+            break;
+        case InstanceRequest::Kind::redeemed:
+            delegate.model().redeemedElsewhere(request.scope);
+            break;
     }
-    if (name == "show-dashboard") {
-        delegate.openDashboard();
-        return {};
-    }
-    if (name == "redeemed") {
-        const QString wanted = request.value("scope").toString();
-        for (const PlannedReset::Scope scope : PlannedReset::allScopes) {
-            if (wanted == rawValue(scope)) {
-                delegate.model().redeemedElsewhere(scope);
-                return {};
-            }
-        }
-    }
-    return "The running Vorn does not know this request. Quit it and start the new one.";
 }
 
 int run(QApplication& application, const LaunchRequest& request) {
@@ -84,8 +80,10 @@ int run(QApplication& application, const LaunchRequest& request) {
     }
     AppDelegate delegate(request.demo);
     if (instance) {
-        instance->setHandler(
-            [&](const QString& name, const QJsonObject& object) { return serve(delegate, name, object); });
+        instance->setHandler([&](const InstanceRequest& received) {
+            serve(delegate, received);
+            return QString();
+        });
     }
     QSocketNotifier interrupted(catchInterrupts().descriptor(), QSocketNotifier::Read);
     QObject::connect(&interrupted, &QSocketNotifier::activated, &application, &QApplication::quit);

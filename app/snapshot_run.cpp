@@ -7,12 +7,13 @@
 #include <chrono>
 #include <cstdio>
 
-#include "app/model/model_parts.hpp"
-#include "app/model/preferences.hpp"
+#include "app/snapshot.hpp"
 #include "core/data/vorn_paths.hpp"
 #include "core/support/file.hpp"
 #include "core/support/uuid.hpp"
-#include "ui/views/snapshot.hpp"
+#include "model/model_parts.hpp"
+#include "model/preferences.hpp"
+#include "model/usage_model.hpp"
 
 namespace vorn {
 namespace {
@@ -48,7 +49,8 @@ private:
 };
 
 bool isRead(const UsageModel& model) {
-    return model.lastProbeAt() && !model.isProbing() && model.hasScanned();
+    const Answer& answer = model.answer();
+    return answer.isJudged && answer.asking.lastAt && !answer.asking.isRunning && answer.activity;
 }
 
 void waitForReading(const UsageModel& model) {
@@ -68,8 +70,7 @@ int renderLive(const std::filesystem::path& directory) {
     UsageModel model(preferences, makeModelParts());
     model.start();
     waitForReading(model);
-    const int status =
-        renderSnapshots({.model = model, .directory = directory, .hasDashboard = true, .hasSettings = true});
+    const int status = renderSnapshots({.model = model, .preferences = preferences, .directory = directory});
     model.shutDown();
     return status;
 }
@@ -79,7 +80,7 @@ int renderDemo(const std::filesystem::path& directory, demo::Scenario scenario) 
     preferences.detachFromStore();
     UsageModel model(preferences, makeModelParts());
     model.startDemo(demo::makeDemo(scenario, systemNow()));
-    return renderSnapshots({.model = model, .directory = directory, .hasDashboard = true, .hasSettings = true});
+    return renderSnapshots({.model = model, .preferences = preferences, .directory = directory});
 }
 
 }  // namespace

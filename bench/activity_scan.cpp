@@ -18,7 +18,7 @@
 #include <fmt/format.h>
 #include <sys/resource.h>
 
-#include "core/sources/local_activity_scanner.hpp"
+#include "core/transcripts/local_activity_scanner.hpp"
 
 namespace {
 

@@ -27,11 +27,12 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include "app/model/preferences.hpp"
-#include "app/model/usage_model.hpp"
 #include "demo/demo.hpp"
+#include "model/preferences.hpp"
+#include "model/usage_model.hpp"
 #include "platform/desktop_appearance.hpp"
-#include "ui/views/dashboard_window.hpp"
+#include "ui/dashboard/dashboard_window.hpp"
+#include "ui/window/app_requests.hpp"
 
 namespace vorn {
 namespace {
@@ -264,14 +265,15 @@ int run(std::size_t samples, std::size_t replies) {
                                                     .probeRecord = ProbeRecordStore(root / "probe.json")});
     model.start();
     pull.activity.answer(pull.activity.summary());
-    while (!model.isHistoryLoaded()) {
+    while (!model.answer().isJudged) {
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
     DesktopAppearance appearance;
     appearance.setLook({.reducedMotion = true});
     ViewEngine engine(appearance, 0ms);
     const double idle = memory();
-    DashboardWindow window(model, engine);
+    AppRequests requests;
+    DashboardWindow window(model, requests, engine);
     double openings[2] = {};
     for (int i = 0; i < 2; ++i) {
         QElapsedTimer timer;

@@ -98,9 +98,9 @@ BENCHMARK(record)->Arg(50'000)->Iterations(10'000)->Unit(benchmark::kMicrosecond
 void rewrite(benchmark::State& state) {
     const HistoryOf history(static_cast<std::size_t>(state.range(0)));
     const HistoryFile file(history.path(), HistoryStore::defaultPatience);
-    auto samples = file.read();
+    auto readings = file.read();
     for (auto _ : state) {
-        benchmark::DoNotOptimize(file.rewrite(samples, samples.front().observedAt));
+        benchmark::DoNotOptimize(file.rewrite(readings, readings.samples().front().observedAt));
     }
 }
 BENCHMARK(rewrite)->Arg(50'000)->Unit(benchmark::kMillisecond);

@@ -5,8 +5,8 @@
 
 #include <benchmark/benchmark.h>
 
-#include "core/sources/usage_command_parser.hpp"
 #include "core/support/file.hpp"
+#include "core/usage_command/usage_command_parser.hpp"
 
 namespace {
 

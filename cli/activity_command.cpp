@@ -9,8 +9,8 @@
 #include "cli/commands.hpp"
 #include "cli/terminal.hpp"
 #include "cli/transcripts.hpp"
-#include "core/sources/local_activity_scanner.hpp"
 #include "core/support/json.hpp"
+#include "core/transcripts/local_activity_scanner.hpp"
 
 namespace vorn::cli {
 namespace {

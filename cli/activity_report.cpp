@@ -9,7 +9,8 @@
 #include "core/support/json.hpp"
 #include "core/support/text.hpp"
 #include "core/support/unicode/display_width.hpp"
-#include "ui/format/format.hpp"
+#include "core/wording/activity_text.hpp"
+#include "core/wording/format.hpp"
 
 namespace vorn::cli {
 namespace {
@@ -39,26 +40,6 @@ Seconds bucketFor(Seconds span, std::size_t columns) {
     };
     const auto* found = std::ranges::find_if(kWidths, fits);
     return found == kWidths.end() ? Seconds{span / static_cast<double>(columns)} : *found;
-}
-
-/// "1.2M", "34k", "560": cost-weighted tokens as people say them.
-std::string weightText(double weight) {
-    constexpr double kThousand = 1e3;
-    constexpr double kMillion = 1e6;
-    constexpr double kBillion = 1e9;
-    const auto scaled = [](double value, const char* unit) {
-        return value < 9.95 ? fmt::format("{:.1f}{}", value, unit) : fmt::format("{:.0f}{}", value, unit);
-    };
-    if (weight >= kBillion) {
-        return scaled(weight / kBillion, "G");
-    }
-    if (weight >= kMillion) {
-        return scaled(weight / kMillion, "M");
-    }
-    if (weight >= kThousand) {
-        return scaled(weight / kThousand, "k");
-    }
-    return fmt::format("{:.0f}", weight);
 }
 
 /// Upright bars over several rows, an eighth of a cell fine with colour; a single row of digits without.
@@ -104,9 +85,10 @@ std::string drawSlices(const char* title, const std::vector<ActivitySummary::Sli
     const std::size_t barCells = std::min(kShareBarCells, room - nameCells);
     std::string drawn = "\n  " + paint(terminal, Ink::strong, title) + "\n";
     for (const auto& slice : slices) {
-        drawn += fmt::format("  {}  {}  {:>4}  {}\n", fitted(slice.name, nameCells),
-                             drawBar(terminal, {.filled = slice.share, .cells = barCells}),
-                             Format::percent(slice.share * 100), paint(terminal, Ink::faint, weightText(slice.weight)));
+        drawn +=
+            fmt::format("  {}  {}  {:>4}  {}\n", fitted(slice.name, nameCells),
+                        drawBar(terminal, {.filled = slice.share, .cells = barCells}),
+                        Format::percent(slice.share * 100), paint(terminal, Ink::faint, Format::tokens(slice.weight)));
     }
     return drawn;
 }
@@ -144,12 +126,12 @@ ActivityReport reportActivity(const ActivitySummary& activity, ActivityRequest r
 }
 
 std::string renderActivity(const ActivityReport& report, const Terminal& terminal) {
-    std::string text =
-        fmt::format("Local activity of the last {} · {} {}, weight {}\n\n", Format::duration(report.since),
-                    report.events, report.events == 1 ? "reply" : "replies", weightText(report.weight));
+    std::string text = fmt::format("Local activity of the last {} · {}, weight {}\n\n", Format::duration(report.since),
+                                   Format::count(static_cast<std::int64_t>(report.events), "reply", "replies"),
+                                   Format::tokens(report.weight));
     std::string totals;
     for (const auto& total : report.totals) {
-        totals += fmt::format("{}{} {}", totals.empty() ? "" : " · ", total.label, weightText(total.weight));
+        totals += fmt::format("{}{} {}", totals.empty() ? "" : " · ", total.label, Format::tokens(total.weight));
     }
     for (const std::string& line : wrapped(totals, std::max(terminal.width, kMargin + 1) - kMargin)) {
         text += "  " + paint(terminal, Ink::faint, line) + "\n";
@@ -164,8 +146,7 @@ std::string renderActivity(const ActivityReport& report, const Terminal& termina
     text += drawSlices("Projects", report.projects, terminal);
     text += drawSlices("Models", report.models, terminal);
     if (report.lastEventAt) {
-        text += paint(terminal, Ink::faint,
-                      fmt::format("\n  Last reply {}\n", Format::clock(*report.lastEventAt, report.now)));
+        text += paint(terminal, Ink::faint, "\n  " + Format::lastReply(*report.lastEventAt, report.now).text() + "\n");
     }
     return text;
 }

@@ -6,13 +6,17 @@
 
 #include "cli/commands.hpp"
 #include "cli/line_diff.hpp"
+#include "cli/record_keeper.hpp"
+#include "cli/relay_state.hpp"
+#include "cli/runtime_file.hpp"
 #include "cli/terminal.hpp"
 #include "core/data/own_files.hpp"
 #include "core/data/vorn_paths.hpp"
-#include "core/sources/bridge_installer.hpp"
-#include "core/sources/status_line_connection.hpp"
+#include "core/status_line/bridge_installer.hpp"
+#include "core/status_line/status_line_connection.hpp"
 #include "core/support/executable_path.hpp"
 #include "core/support/unicode/display_width.hpp"
+#include "core/wording/connection_words.hpp"
 
 namespace vorn::cli {
 namespace {
@@ -23,16 +27,12 @@ using Kind = StatusLineIntegration::State::Kind;
 struct ConnectArguments {
     bool dryRun = false;
     bool purge = false;
+    bool replaces = false;
 };
 
 /// A path or a command with its control characters taken out.
 std::string shown(const fs::path& text) {
     return printable(text.string());
-}
-
-std::string downstreamText(const std::optional<std::string>& command) {
-    return command ? "then your own command:\n  " + printable(*command) + "\n"
-                   : "and nothing after it, since you have no status line command of your own.\n";
 }
 
 Ink inkOf(const std::string& line) {
@@ -48,9 +48,9 @@ Ink inkOf(const std::string& line) {
     }
 }
 
-void showPlan(const StatusLineIntegration& integration) {
+void showPlan(const StatusLineIntegration& integration, bool replaces) {
     const auto& places = integration.locations();
-    const StatusLineIntegration::Change change = integration.plannedInstall();
+    const auto [change, outcome] = StatusLineConnection::plannedConnect(integration, systemNow(), replaces);
     const fs::path relay = BridgeInstaller::find(runningExecutable());
     std::cout << "Nothing is changed. vornctl connect would copy\n  " << shown(relay) << "\nto\n  "
               << shown(places.bridge) << "\n";
@@ -65,22 +65,17 @@ void showPlan(const StatusLineIntegration& integration) {
             std::cout << paint(terminal, inkOf(line), printable(line)) << "\n";
         }
     }
-    std::cout << "\nAfter every turn Claude Code would run Vorn's relay, "
-              << downstreamText(integration.plannedDownstreamCommand());
+    std::cout << "\nAfter every turn Claude Code would run Vorn's relay, " << ConnectionWords::downstream(outcome);
 }
 
 int connect(const ConnectArguments& arguments) {
     const StatusLineIntegration integration = StatusLineConnection::current();
     if (arguments.dryRun) {
-        showPlan(integration);
+        showPlan(integration, arguments.replaces);
         return kDone;
     }
-    const Kind before = integration.state().kind;
-    StatusLineConnection::connect(integration, systemNow());
-    std::cout << (before == Kind::installed ? "Already connected; the relay was copied afresh."
-                  : before == Kind::stale   ? "Reconnected."
-                                            : "Connected.")
-              << " After every turn Claude Code runs Vorn's relay, " << downstreamText(integration.downstreamCommand());
+    const auto outcome = StatusLineConnection::connect(integration, systemNow(), arguments.replaces);
+    std::cout << ConnectionWords::connected(outcome, readRelayState().connection.unheard);
     return kDone;
 }
 
@@ -98,52 +93,53 @@ bool remove(const std::vector<fs::path>& paths) {
     return isAllGone;
 }
 
+/// Copies of the settings whose status line is what the settings hold go; any other may be the last one of its kind.
+std::vector<fs::path> sortBackups(const StatusLineIntegration& integration, OwnFiles& files) {
+    const JSONValue::Object settings = integration.readSettings();
+    const auto held = settings.find("statusLine");
+    std::vector<fs::path> staying;
+    for (const SettingsBackups::Backup& backup : integration.backups().all()) {
+        const bool isHeld = held == settings.end() ? !backup.statusLine.has_value() : backup.statusLine == held->second;
+        (backup.isReadable && isHeld ? files.own : staying).push_back(backup.path);
+    }
+    return staying;
+}
+
+void printList(const char* heading, const std::vector<fs::path>& paths) {
+    if (paths.empty()) {
+        return;
+    }
+    std::cout << heading << "\n";
+    for (const fs::path& path : paths) {
+        std::cout << "  " << shown(path) << "\n";
+    }
+    std::cout << std::flush;
+}
+
 int purge(const StatusLineIntegration& integration) {
     OwnFiles files = listOwnFiles();
+    const std::vector<fs::path> staying = sortBackups(integration, files);
     std::error_code ignored;
-    if (fs::exists(fs::symlink_status(integration.backup(), ignored))) {
-        files.own.push_back(integration.backup());
+    if (const auto record = findRuntimeFile(kRuntimeRecord); record && fs::exists(*record, ignored)) {
+        files.own.push_back(*record);
     }
     if (files.own.empty()) {
         std::cout << "There is nothing of Vorn to remove.\n";
-    } else {
-        std::cout << "Removing what Vorn keeps:\n";
-        for (const fs::path& path : files.own) {
-            std::cout << "  " << shown(path) << "\n";
-        }
-        std::cout << std::flush;
     }
+    printList("Removing what Vorn keeps:", files.own);
     const bool isAllGone = remove(files.own);
-    if (!files.others.empty()) {
-        std::cout << "Left where they are, since they are not Vorn's:\n";
-        for (const fs::path& path : files.others) {
-            std::cout << "  " << shown(path) << "\n";
-        }
-    }
+    printList("Left where they are, since they hold another status line than your settings:", staying);
+    printList("Left where they are, since they are not Vorn's:", files.others);
     return isAllGone ? kDone : kFailed;
-}
-
-void sayDisconnected(const StatusLineIntegration& integration) {
-    const auto settings = integration.readSettings();
-    const auto statusLine = settings.find("statusLine");
-    if (statusLine == settings.end()) {
-        std::cout << "Disconnected. Claude Code has no status line, as before.\n";
-        return;
-    }
-    const JSONValue* command = statusLine->second.member("command");
-    std::cout << "Disconnected. Your own status line is in its place:\n  "
-              << printable(command != nullptr && command->string() != nullptr ? *command->string()
-                                                                              : statusLine->second.dump())
-              << "\n";
 }
 
 int disconnect(const ConnectArguments& arguments) {
     const StatusLineIntegration integration = StatusLineConnection::current();
+    StatusLineConnection::requireOwnHome(integration);
     const bool hasRecord = integration.readRecord().has_value();
     // Whoever cleans up need not have been connected.
     if (!arguments.purge || hasRecord || integration.state().kind != Kind::notInstalled) {
-        StatusLineConnection::disconnect(integration);
-        sayDisconnected(integration);
+        std::cout << ConnectionWords::disconnected(StatusLineConnection::disconnect(integration)) << std::flush;
     }
     return arguments.purge ? purge(integration) : kDone;
 }
@@ -152,7 +148,7 @@ int guarded(const ConnectArguments& arguments, int (*action)(const ConnectArgume
     try {
         return action(arguments);
     } catch (const IntegrationError& error) {
-        std::cerr << "vornctl: " << printable(error.what()) << "\n";
+        std::cerr << "vornctl: " << ConnectionWords::problem(error) << "\n";
         if (error.kind() == IntegrationError::Kind::noRecord &&
             StatusLineConnection::current().state().kind != Kind::notInstalled) {
             std::cerr << "vornctl connect makes a new record; after that, vornctl disconnect takes the relay out.\n";
@@ -169,6 +165,8 @@ void addConnectCommand(CLI::App& app, CommandContext& context) {
     auto arguments = std::make_shared<ConnectArguments>();
     CLI::App* command = app.add_subcommand("connect", "Have Claude Code's status line report to Vorn after every turn");
     command->add_flag("--dry-run", arguments->dryRun, "Show what would change, and change nothing");
+    command->add_flag("--replace", arguments->replaces,
+                      "Also in place of a command around a relay, or of another Vorn's, of which a copy is kept");
     command->callback([arguments, &context] { context.exitStatus = guarded(*arguments, connect); });
 }
 

@@ -1,3 +1,4 @@
+#include <cstdint>
 #include <iostream>
 #include <memory>
 #include <sstream>
@@ -9,42 +10,42 @@
 #include "cli/commands.hpp"
 #include "cli/terminal.hpp"
 #include "cli/transcripts.hpp"
+#include "core/analysis/activity_summary.hpp"
 #include "core/data/history_file.hpp"
 #include "core/data/vorn_paths.hpp"
-#include "core/sources/activity_summary.hpp"
-#include "core/sources/export_text.hpp"
-#include "core/sources/local_activity_scanner.hpp"
 #include "core/support/file.hpp"
 #include "core/support/unicode/display_width.hpp"
+#include "core/transcripts/export_text.hpp"
+#include "core/transcripts/local_activity_scanner.hpp"
 
 namespace vorn::cli {
 namespace {
 
 using namespace std::chrono_literals;
 
+enum class Table : std::uint8_t { history, activity };
+
 struct ExportArguments {
-    std::string what;
-    std::string format = "csv";
+    Table table = Table::history;
+    ExportFormat format = ExportFormat::csv;
     Seconds since = 7 * 24h;
     std::string output;
     std::string configDirectory;
     std::optional<Instant> now;
-
-    [[nodiscard]] ExportFormat form() const { return format == "json" ? ExportFormat::json : ExportFormat::csv; }
 };
 
 std::string historyTable(const ExportArguments& arguments, Instant now) {
-    std::vector<HistorySample> samples = HistoryFile(VornPaths::history(), 0ms).read();
+    std::vector<HistorySample> samples = HistoryFile(VornPaths::history(), 0ms).read().samples();
     std::erase_if(samples, [&](const HistorySample& sample) {
         return sample.observedAt < now - arguments.since || sample.observedAt > now + kClockSlack;
     });
-    return exportHistory(samples, arguments.form());
+    return exportHistory(samples, arguments.format);
 }
 
 std::string activityTable(const ExportArguments& arguments, Instant now) {
     LocalActivityScanner scanner(transcriptsIn(arguments.configDirectory), arguments.since);
     const ActivitySummary activity(scanAtTerminal(scanner, now));
-    return exportActivity(activity.events(now - arguments.since, now + kClockSlack), arguments.form());
+    return exportActivity(activity.events(now - arguments.since, now + kClockSlack), arguments.format);
 }
 
 /// A file gets what is there. At a terminal a name from outside must not steer it.
@@ -61,7 +62,7 @@ void print(const std::string& table) {
 
 int writeTable(const ExportArguments& arguments) {
     const Instant now = arguments.now.value_or(systemNow());
-    const bool isHistory = arguments.what == "history";
+    const bool isHistory = arguments.table == Table::history;
     // A table that was there before stays when there is nothing to replace it with.
     if (!isHistory && !tellWhetherThereAre(transcriptsIn(arguments.configDirectory))) {
         return kFailed;
@@ -85,12 +86,13 @@ int writeTable(const ExportArguments& arguments) {
 void addExportCommand(CLI::App& app, CommandContext& context) {
     auto arguments = std::make_shared<ExportArguments>();
     CLI::App* command = app.add_subcommand("export", "The readings or the activity as a table for other programs");
-    command->add_option("what", arguments->what, "history or activity")
+    addChoice(*command, "what", arguments->table,
+              Choices<Table>{{"history", Table::history}, {"activity", Table::activity}}, "history or activity")
         ->required()
-        ->check(CLI::IsMember({"history", "activity"}))
         ->type_name("WHAT");
-    command->add_option("--format", arguments->format, "csv (the default) or json")
-        ->check(CLI::IsMember({"csv", "json"}))
+    addChoice(*command, "--format", arguments->format,
+              Choices<ExportFormat>{{"csv", ExportFormat::csv}, {"json", ExportFormat::json}},
+              "csv (the default) or json")
         ->type_name("FORMAT");
     addSpanOption(*command, "--since", arguments->since, "How far back to look (default 7d)");
     addRootOption(*command, arguments->configDirectory);

@@ -9,11 +9,12 @@
 #include "cli/argument_checks.hpp"
 #include "cli/commands.hpp"
 #include "cli/terminal.hpp"
+#include "core/data/instance_request.hpp"
 #include "core/data/probe_record.hpp"
 #include "core/data/reset_plan_store.hpp"
 #include "core/data/usage_state.hpp"
 #include "core/data/vorn_paths.hpp"
-#include "core/sources/usage_command_parser.hpp"
+#include "core/support/home_owner.hpp"
 #include "core/support/json.hpp"
 #include "core/support/local_socket.hpp"
 #include "core/support/text.hpp"
@@ -21,6 +22,9 @@
 #include "core/support/unicode/display_width.hpp"
 #include "core/support/unicode/time_zone.hpp"
 #include "core/support/uuid.hpp"
+#include "core/usage_command/usage_command_parser.hpp"
+#include "core/wording/connection_words.hpp"
+#include "core/wording/plan_text.hpp"
 
 namespace vorn::cli {
 namespace {
@@ -39,7 +43,7 @@ public:
 
 struct PlanArguments {
     std::string when;
-    std::string scope = "all";
+    PlannedReset::Scope scope = PlannedReset::Scope::all;
     std::string note;
     std::string which;
     std::int64_t banked = 0;
@@ -49,10 +53,12 @@ struct PlanArguments {
     [[nodiscard]] Instant moment() const { return now.value_or(systemNow()); }
 };
 
-PlannedReset::Scope scopeOf(const std::string& name) {
-    const auto* found = std::ranges::find_if(PlannedReset::allScopes,
-                                             [&](PlannedReset::Scope scope) { return name == rawValue(scope); });
-    return found == PlannedReset::allScopes.end() ? PlannedReset::Scope::all : *found;
+Choices<PlannedReset::Scope> scopes() {
+    Choices<PlannedReset::Scope> choices;
+    for (const PlannedReset::Scope scope : PlannedReset::allScopes) {
+        choices.emplace_back(rawValue(scope), scope);
+    }
+    return choices;
 }
 
 ResetPlan edit(Instant now, const std::function<void(ResetPlan&)>& change) {
@@ -76,8 +82,7 @@ std::string localTime(Instant instant) {
 void print(const ResetPlan& plan, Instant now) {
     const Terminal terminal = describeTerminal(STDOUT_FILENO);
     if (plan.planned.empty()) {
-        std::cout << "None. Add one when a reset is announced or you expect one, and Vorn will plan each limit it cuts "
-                     "short to finish by then.\n";
+        std::cout << Format::nothingPlanned() << "\n";
     }
     for (std::size_t i = 0; i < plan.planned.size(); ++i) {
         const PlannedReset& reset = plan.planned[i];
@@ -86,10 +91,12 @@ void print(const ResetPlan& plan, Instant now) {
         const std::size_t room = std::max(terminal.width, displayWidth(lead) + kNarrowestNote) - displayWidth(lead);
         std::cout << lead << (terminal.interactive ? elide(reset.note, room) : printable(reset.note)) << "\n";
         if (reset.date <= now) {
-            std::cout << paint(terminal, Ink::faint, "     has passed; dropped a day after its date") << "\n";
+            std::cout << paint(terminal, Ink::faint,
+                               "     " + Format::plannedWhen(reset, now) + "; dropped a day after its date")
+                      << "\n";
         }
     }
-    std::cout << fmt::format("{} reset{} banked\n", plan.banked, plan.banked == 1 ? "" : "s");
+    std::cout << Format::banked(plan.banked) << "\n";
 }
 
 void list(const PlanArguments& arguments) {
@@ -118,10 +125,8 @@ Instant momentIn(const std::string& text, Instant now) {
 
 void add(const PlanArguments& arguments) {
     const Instant now = arguments.moment();
-    const PlannedReset reset{.id = randomUuid(),
-                             .date = momentIn(arguments.when, now),
-                             .scope = scopeOf(arguments.scope),
-                             .note = arguments.note};
+    const PlannedReset reset{
+        .id = randomUuid(), .date = momentIn(arguments.when, now), .scope = arguments.scope, .note = arguments.note};
     print(edit(now, [&](ResetPlan& plan) { plan.planned.push_back(reset); }), now);
 }
 
@@ -169,15 +174,16 @@ void expectResets(PlannedReset::Scope scope) {
 }
 
 /// One that is running reads the plan and the announcement again; without one there is nobody to tell.
-void tellApplication(const std::string& scope) {
+void tellApplication(PlannedReset::Scope scope) {
     if (const auto socket = findLocalSocket(VornPaths::root())) {
-        sendRequest(*socket, dumpJson({{"request", "redeemed"}, {"scope", scope}}), kAnswerPatience);
+        sendRequest(*socket, encode(InstanceRequest{.kind = InstanceRequest::Kind::redeemed, .scope = scope}),
+                    kAnswerPatience);
     }
 }
 
 void redeem(const PlanArguments& arguments) {
     const Instant now = arguments.moment();
-    expectResets(scopeOf(arguments.scope));
+    expectResets(arguments.scope);
     const ResetPlan plan =
         edit(now, [](ResetPlan& edited) { edited.banked = std::max<std::int64_t>(0, edited.banked - 1); });
     tellApplication(arguments.scope);
@@ -188,6 +194,9 @@ void redeem(const PlanArguments& arguments) {
 
 int guarded(const PlanArguments& arguments, void (*action)(const PlanArguments&)) {
     try {
+        if (const auto owner = strangersHome(VornPaths::root()); owner && action != list) {
+            throw PlanError(ConnectionWords::notChangedAsRoot(VornPaths::root(), *owner));
+        }
         action(arguments);
         return kDone;
     } catch (const std::filesystem::filesystem_error& error) {
@@ -214,15 +223,13 @@ void addPlanCommand(CLI::App& app, CommandContext& context) {
     auto arguments = std::make_shared<PlanArguments>();
     CLI::App* plan = app.add_subcommand("plan", "Resets that you expect ahead of schedule, or hold and can redeem");
     plan->require_subcommand(1);
-    const auto scopes = CLI::IsMember({"all", "session", "week"}).description("");
 
     auto* adding = addAction(*plan, "add", "Plan for a reset ahead of schedule", arguments, context, add);
     adding->add_option("when", arguments->when, "2026-11-26T18:00:00Z, \"Nov 26, 6pm (Europe/Berlin)\" or 18:00")
         ->type_name("")
         ->required();
-    adding->add_option("--scope", arguments->scope, "What it resets: all, session or week")
-        ->type_name("SCOPE")
-        ->check(scopes);
+    addChoice(*adding, "--scope", arguments->scope, scopes(), "What it resets: all, session or week")
+        ->type_name("SCOPE");
     adding->add_option("--note", arguments->note, "A text of your own")->type_name("TEXT");
 
     auto* removing = addAction(*plan, "remove", "Remove a planned reset", arguments, context, removeEntry);
@@ -243,9 +250,8 @@ void addPlanCommand(CLI::App& app, CommandContext& context) {
     auto* redeeming =
         addAction(*plan, "redeem", "Tell Vorn that you redeem a banked reset now, so that it believes the drop",
                   arguments, context, redeem);
-    redeeming->add_option("--scope", arguments->scope, "What it resets: all, session or week")
-        ->type_name("SCOPE")
-        ->check(scopes);
+    addChoice(*redeeming, "--scope", arguments->scope, scopes(), "What it resets: all, session or week")
+        ->type_name("SCOPE");
 }
 
 }  // namespace vorn::cli

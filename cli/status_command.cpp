@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cstdint>
 #include <iostream>
 #include <iterator>
 #include <memory>
@@ -10,15 +11,18 @@
 
 #include "cli/argument_checks.hpp"
 #include "cli/commands.hpp"
-#include "cli/live_readings.hpp"
+#include "cli/evidence_reader.hpp"
 #include "cli/status_json.hpp"
 #include "cli/status_line.hpp"
 #include "cli/status_text.hpp"
+#include "core/data/vorn_paths.hpp"
+#include "core/support/home_owner.hpp"
 #include "core/support/interrupts.hpp"
 #include "core/support/json.hpp"
 #include "core/support/unicode/display_width.hpp"
+#include "core/wording/connection_words.hpp"
 #include "demo/demo.hpp"
-#include "ui/format/format.hpp"
+#include "demo/demo_answer.hpp"
 
 namespace vorn::cli {
 namespace {
@@ -27,11 +31,26 @@ using namespace std::chrono_literals;
 
 constexpr Seconds kWatchInterval = 5s;
 
+enum class OutputFormat : std::uint8_t { text, plain, tmux, waybar, json };
+const Choices<OutputFormat> kFormats = {{"text", OutputFormat::text},
+                                        {"plain", OutputFormat::plain},
+                                        {"tmux", OutputFormat::tmux},
+                                        {"waybar", OutputFormat::waybar},
+                                        {"json", OutputFormat::json}};
+
+Choices<demo::Scenario> scenarios() {
+    Choices<demo::Scenario> choices;
+    for (const demo::Scenario scenario : demo::allScenarios) {
+        choices.emplace_back(demo::name(scenario), scenario);
+    }
+    return choices;
+}
+
 struct StatusArguments {
-    LiveRequest live;
     std::string claudePath;
-    std::string format = "text";
-    std::string demo;
+    OutputFormat format = OutputFormat::text;
+    std::optional<demo::Scenario> demo;
+    std::optional<Instant> now;
     bool demoIfEmpty = false;
     bool json = false;
     bool rates = false;
@@ -40,109 +59,100 @@ struct StatusArguments {
     bool watch = false;
 };
 
-LiveRequest liveRequest(const StatusArguments& arguments) {
-    LiveRequest request = arguments.live;
-    if (!arguments.claudePath.empty()) {
-        request.claudePath = arguments.claudePath;
+/// More than a line for a bar or a prompt.
+bool showsAll(const StatusArguments& arguments) {
+    return arguments.format == OutputFormat::text || arguments.format == OutputFormat::json;
+}
+
+EvidenceRequest requestFor(const StatusArguments& arguments) {
+    EvidenceRequest request{
+        .claudePath = arguments.claudePath.empty() ? std::nullopt : std::optional(arguments.claudePath),
+        .probing = arguments.probe     ? Probing::always
+                   : arguments.noProbe ? Probing::never
+                                       : Probing::whenStale,
+        .wholeWeek = arguments.rates,
+        .withRatio = showsAll(arguments),
+        .now = arguments.now};
+    if (strangersHome(VornPaths::root())) {
+        request.storesNothing = true;
+        request.probing = Probing::never;  // what the client would write there as root is no better
     }
-    if (arguments.probe) {
-        request.probing = Probing::always;
-    } else if (arguments.noProbe) {
-        request.probing = Probing::never;
-    }
-    request.wholeWeek = arguments.rates;
     return request;
 }
 
-StatusReport demoReport(demo::Scenario scenario, Instant now) {
-    demo::Demo demo = demo::makeDemo(scenario, now);
-    return analyse({.windows = std::move(demo.windows),
-                    .insights = std::move(demo.insights),
-                    .history = std::move(demo.history),
-                    .activity = ActivitySummary(std::move(demo.activity)),
-                    .plan = std::move(demo.plan)},
-                   now);
+/// What is shown: the answer, and outside a demonstration how Vorn stands with the status line.
+struct Status {
+    Answer answer;
+    std::optional<RelayState> relay{};
+    std::string restriction{};  ///< Why this is all that could be done; else empty.
+};
+
+Status demoStatus(demo::Scenario scenario, Instant now) {
+    return {.answer = demo::answer(demo::makeDemo(scenario, now), now)};
 }
 
-Detail detailFor(const StatusArguments& arguments) {
-    const bool isLine = arguments.format == "plain" || arguments.format == "tmux" || arguments.format == "waybar";
-    return isLine ? Detail::line : Detail::full;
-}
-
-StatusReport readReport(const StatusArguments& arguments, const LiveRequest& request, LiveMemory& memory,
-                        const Cancellation& cancellation) {
-    if (const auto scenario = demo::scenarioNamed(arguments.demo)) {
-        return demoReport(*scenario, request.now.value_or(systemNow()));
+Status readStatus(const StatusArguments& arguments, const EvidenceRequest& request, EvidenceReader& reader) {
+    if (arguments.demo) {
+        return demoStatus(*arguments.demo, request.now.value_or(systemNow()));
     }
-    Readings readings = readLive(request, memory, cancellation);
-    StatusReport report = analyse(std::move(readings), request.now.value_or(systemNow()), detailFor(arguments));
-    report.relay = readRelayState();
-    return report;
+    const Evidence evidence = reader.read(request);
+    Status status{.answer = VornEngine::formAnswer(evidence, request.now.value_or(systemNow()))};
+    if (showsAll(arguments)) {
+        status.relay = readRelayState(status.answer.now, status.answer.activity.get());
+    }
+    if (const auto owner = strangersHome(VornPaths::root())) {
+        status.restriction = ConnectionWords::notStoredAsRoot(VornPaths::root(), *owner);
+    }
+    return status;
 }
 
-bool isForPeople(const StatusArguments& arguments) {
-    return !arguments.json && arguments.format == "text";
+/// What goes to standard error: why there is nothing, or nothing newer.
+std::string remarks(const Status& status) {
+    if (status.restriction.empty()) {
+        return complaint(status.answer);
+    }
+    return status.restriction + "\n" + (status.answer.cards.empty() ? "There is no current reading.\n" : "");
+}
+
+/// That nothing is heard of the status line is explained once, and then only mentioned.
+void noteWhatWasTold(const Status& status, const StatusArguments& arguments) {
+    const bool isShown = arguments.format == OutputFormat::text && !status.answer.cards.empty();
+    if (isShown && status.relay && status.relay->isSilenceNews && !arguments.now && status.restriction.empty()) {
+        rememberSilenceTold(status.answer.now);
+    }
 }
 
 /// What goes to standard output; empty when there is nothing to say to a person.
-std::string render(const StatusReport& report, const StatusArguments& arguments, const Terminal& terminal) {
-    if (arguments.json || arguments.format == "json") {
-        return dumpJson(statusJson(report, arguments.rates), true) + "\n";
+std::string render(const Status& status, const StatusArguments& arguments, const Terminal& terminal) {
+    switch (arguments.format) {
+        case OutputFormat::json:
+            return dumpJson(statusJson(status.answer, status.relay, arguments.rates), true) + "\n";
+        case OutputFormat::plain:
+            return plainLine(status.answer) + "\n";
+        case OutputFormat::tmux:
+            return tmuxSegment(status.answer) + "\n";
+        case OutputFormat::waybar:
+            return waybarModule(status.answer) + "\n";
+        case OutputFormat::text:
+            break;
     }
-    if (arguments.format == "plain") {
-        return plainLine(report) + "\n";
-    }
-    if (arguments.format == "tmux") {
-        return tmuxSegment(report) + "\n";
-    }
-    if (arguments.format == "waybar") {
-        return waybarModule(report) + "\n";
-    }
-    if (report.cards.empty()) {
-        return {};
-    }
-    return (arguments.demo.empty() ? "" : "Demonstration with invented figures\n\n") +
-           renderStatus(report, terminal, {.rates = arguments.rates});
-}
-
-/// Why there is nothing, or nothing newer; empty when all is well. The line breaks of an error's text are its own;
-/// everything else that could steer a terminal goes.
-std::string complaint(const StatusReport& report) {
-    std::string text = report.isHistorySaved ? "" : "The history cannot be saved.\n";
-    if (!report.failure) {
-        return report.cards.empty()
-                   ? text + "There is no current reading. Run vornctl status without --no-probe to ask Claude Code.\n"
-                   : text;
-    }
-    std::string_view rest = report.failure->message;
-    while (!rest.empty()) {
-        const auto end = rest.find('\n');
-        text += printable(rest.substr(0, end)) + "\n";
-        rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
-    }
-    if (!report.failure->advice.empty()) {
-        text += report.failure->advice + "\n";
-    }
-    if (report.failure->retryAt) {
-        text += "Not asked again before " + Format::clock(*report.failure->retryAt, report.now) +
-                "; --probe asks at once.\n";
-    }
-    return text;
+    return renderStatus(status.answer, status.relay, terminal, {.rates = arguments.rates});
 }
 
 int showOnce(const StatusArguments& arguments, const Cancellation& cancellation) {
     const Terminal terminal = describeTerminal(STDOUT_FILENO);
-    LiveMemory memory;
-    const StatusReport report = readReport(arguments, liveRequest(arguments), memory, cancellation);
-    std::cout << render(report, arguments, terminal) << std::flush;
-    std::cerr << complaint(report);
-    if (!report.cards.empty()) {
+    EvidenceReader reader(cancellation);
+    const Status status = readStatus(arguments, requestFor(arguments), reader);
+    std::cout << render(status, arguments, terminal) << std::flush;
+    std::cerr << remarks(status);
+    noteWhatWasTold(status, arguments);
+    if (!status.answer.cards.empty()) {
         return kDone;
     }
     // For a newcomer who has nothing to look at yet.
-    if (arguments.demoIfEmpty && isForPeople(arguments)) {
-        std::cout << "\nDemonstration with invented figures: this is what Vorn shows while a limit is at risk.\n\n"
-                  << renderStatus(demoReport(demo::Scenario::atRisk, report.now), terminal, {.rates = arguments.rates});
+    if (arguments.demoIfEmpty && arguments.format == OutputFormat::text) {
+        const Status demo = demoStatus(demo::Scenario::atRisk, status.answer.now);
+        std::cout << "\nThis is what Vorn shows while a limit is at risk.\n\n" << render(demo, arguments, terminal);
     }
     return kFailed;
 }
@@ -204,13 +214,13 @@ bool waitFor(Seconds time, const Cancellation& cancellation) {
 
 /// Until interrupted, which is how it is meant to end.
 int watch(const StatusArguments& arguments, const Cancellation& cancellation) try {
-    LiveRequest request = liveRequest(arguments);
-    LiveMemory memory;
+    EvidenceRequest request = requestFor(arguments);
+    EvidenceReader reader(cancellation);
     const WatchScreen screen(describeTerminal(STDOUT_FILENO).interactive);
     do {
-        const StatusReport report = readReport(arguments, request, memory, cancellation);
+        const Status status = readStatus(arguments, request, reader);
         const Terminal terminal = describeTerminal(STDOUT_FILENO);
-        screen.show(render(report, arguments, terminal), complaint(report), terminal);
+        screen.show(render(status, arguments, terminal), remarks(status), terminal);
         request.staleAfter.reset();  // from the second time on as often as the application would
         if (request.probing == Probing::always) {
             request.probing = Probing::whenStale;
@@ -234,23 +244,20 @@ void addStatusCommand(CLI::App& app, CommandContext& context) {
     command->add_flag("--no-probe", arguments->noProbe, "Never ask Claude Code, show what is known")->excludes(probe);
     command->add_flag("--rates", arguments->rates, "Add the burn rate over five horizons");
     auto* json = command->add_flag("--json", arguments->json, "Print one JSON object");
-    command->add_option("--format", arguments->format, "text, plain (one line), tmux, waybar or json")
+    addChoice(*command, "--format", arguments->format, kFormats, "text, plain (one line), tmux, waybar or json")
         ->type_name("FORMAT")
-        ->check(CLI::IsMember({"text", "plain", "tmux", "waybar", "json"}).description(""))
         ->excludes(json);
-    std::vector<std::string> scenarios;
-    std::ranges::transform(demo::allScenarios, std::back_inserter(scenarios), demo::name);
-    auto* demo =
-        command
-            ->add_option("--demo", arguments->demo,
-                         "Invented figures, writing nothing: comfortable, watch, at-risk, limited or planned-reset")
-            ->type_name("SCENARIO")
-            ->check(CLI::IsMember(scenarios).description(""));
+    auto* demo = addChoice(*command, "--demo", arguments->demo, scenarios(),
+                           "Invented figures, writing nothing: comfortable, watch, at-risk, limited or planned-reset")
+                     ->type_name("SCENARIO");
     command->add_flag("--demo-if-empty", arguments->demoIfEmpty, "Add a demonstration when there is no reading")
         ->excludes(demo);
-    addNowOption(*command, arguments->live.now);
+    addNowOption(*command, arguments->now);
     command->add_flag("--watch", arguments->watch, "Redraw every few seconds until interrupted");
     command->callback([arguments, &context] {
+        if (arguments->json) {
+            arguments->format = OutputFormat::json;
+        }
         const Cancellation& interrupted = catchInterrupts();
         context.exitStatus = arguments->watch ? watch(*arguments, interrupted) : showOnce(*arguments, interrupted);
     });

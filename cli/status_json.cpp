@@ -1,10 +1,13 @@
 #include "cli/status_json.hpp"
 
+#include <array>
 #include <cmath>
 
 #include "core/data/reset_plan.hpp"
 #include "core/support/json.hpp"
-#include "ui/format/format.hpp"
+#include "core/wording/failure_text.hpp"
+#include "core/wording/format.hpp"
+#include "core/wording/head.hpp"
 
 namespace vorn::cli {
 namespace {
@@ -12,31 +15,13 @@ namespace {
 using nlohmann::json;
 
 const char* statusKey(VornStatus status) {
-    switch (status) {
-        case VornStatus::comfortable:
-            return "comfortable";
-        case VornStatus::watch:
-            return "watch";
-        case VornStatus::atRisk:
-            return "atRisk";
-        case VornStatus::limited:
-            break;
-    }
-    return "limited";
+    constexpr std::array kKeys{"comfortable", "watch", "atRisk", "limited"};
+    return kKeys.at(static_cast<std::size_t>(status));
 }
 
 const char* directionKey(VornSteer::Direction direction) {
-    switch (direction) {
-        case VornSteer::Direction::stop:
-            return "stop";
-        case VornSteer::Direction::easeOff:
-            return "easeOff";
-        case VornSteer::Direction::onPace:
-            return "onPace";
-        case VornSteer::Direction::speedUp:
-            break;
-    }
-    return "speedUp";
+    constexpr std::array kKeys{"stop", "easeOff", "onPace", "speedUp"};
+    return kKeys.at(static_cast<std::size_t>(direction));
 }
 
 /// JSON has no infinity: such a number is left out, as an absent one is.
@@ -78,7 +63,7 @@ json ratesJson(const std::vector<RateReading>& rates) {
     return object;
 }
 
-json windowJson(const StatusReport::Card& card, Instant now, bool withRates) {
+json windowJson(const Answer::Card& card, Instant now, bool withRates) {
     const WindowAssessment& assessment = card.assessment;
     const UsageWindow& window = assessment.window;
     json object = {
@@ -112,68 +97,75 @@ json windowJson(const StatusReport::Card& card, Instant now, bool withRates) {
     return object;
 }
 
-json ratioJson(const StatusReport& report) {
-    const SessionWeekRatio& ratio = *report.ratio;
+json ratioJson(const SessionWeekRatio& ratio, std::optional<double> sessionsLeft) {
     json object = {{"sessions", ratio.sessions}};
     put(object, "sessionPoints", ratio.sessionPoints);
     put(object, "weekPercentPerSession", ratio.weekPercentPerSession());
     put(object, "sessionsPerWeek", ratio.sessionsPerWeek());
-    put(object, "sessionsLeft", report.sessionsLeft);
+    put(object, "sessionsLeft", sessionsLeft);
     return object;
 }
 
-json relayJson(const RelayState& relay) {
+json relayJson(const RelayState& relay, Instant now) {
     json object = {{"state", key(relay)}};
-    if (relay.downstream) {
-        object["downstreamCommand"] = *relay.downstream;
+    if (relay.connection.downstream) {
+        object["downstreamCommand"] = *relay.connection.downstream;
     }
-    if (!relay.problem.empty()) {
-        object["problem"] = relay.problem;
+    if (const std::string problem = problemOf(relay, now); !problem.empty()) {
+        object["problem"] = problem;
     }
     return object;
 }
 
-json failureJson(const ProbeFailure& failure) {
-    json object = {{"message", failure.message}};
-    if (!failure.advice.empty()) {
-        object["advice"] = failure.advice;
+json failureJson(const ProbeFailure& failure, std::optional<Instant> retryAt) {
+    json object = {{"kind", rawValue(failure.kind)}, {"message", description(failure)}};
+    if (const std::string whatToDo = Format::advice(failure); !whatToDo.empty()) {
+        object["advice"] = whatToDo;
     }
-    put(object, "retryAt", failure.retryAt);
+    put(object, "retryAt", retryAt);
     return object;
+}
+
+void putConclusions(json& object, const Answer& answer) {
+    const auto head = Format::head(answer);
+    if (const WindowAssessment* const urgent = answer.urgentAssessment(); head && urgent != nullptr) {
+        object["headline"] = {{"text", head->headline},
+                              {"reason", head->reason},
+                              {"kind", urgent->window.kind.key()},
+                              {"status", statusKey(urgent->status)}};
+    }
+    if (answer.steer) {
+        object["steer"] = steerJson(*answer.steer);
+    }
+    if (answer.ratio) {
+        object["sessionWeekRatio"] = ratioJson(*answer.ratio, answer.sessionsLeft);
+    }
 }
 
 }  // namespace
 
-json statusJson(const StatusReport& report, bool withRates) {
-    json object = {{"now", formatIso8601(report.now)}, {"windows", json::array()}};
-    for (const auto& card : report.cards) {
-        object["windows"].push_back(windowJson(card, report.now, withRates));
+json statusJson(const Answer& answer, const std::optional<RelayState>& relay, bool withRates) {
+    json object = {{"now", formatIso8601(answer.now)}, {"windows", json::array()}};
+    for (const Answer::Card& card : answer.cards) {
+        object["windows"].push_back(windowJson(card, answer.now, withRates));
     }
-    if (report.head && report.headline) {
-        object["headline"] = {{"text", report.head->headline},
-                              {"reason", report.head->reason},
-                              {"kind", report.headline->window.kind.key()},
-                              {"status", statusKey(report.headline->status)}};
+    putConclusions(object, answer);
+    if (answer.insights) {
+        object["insights"] = encode(*answer.insights, DateCoding::iso8601);
     }
-    if (report.steer) {
-        object["steer"] = steerJson(*report.steer);
+    object["resetPlan"] = encode(answer.plan, DateCoding::iso8601);
+    put(object, "observedAt", answer.observedAt);
+    if (answer.source) {
+        object["source"] = rawValue(*answer.source);
     }
-    if (report.ratio) {
-        object["sessionWeekRatio"] = ratioJson(report);
+    if (relay) {
+        object["statusLine"] = relayJson(*relay, answer.now);
     }
-    if (report.insights) {
-        object["insights"] = encode(*report.insights, DateCoding::iso8601);
+    if (answer.asking.failure) {
+        object["failure"] = failureJson(*answer.asking.failure, answer.asking.retryAt);
     }
-    object["resetPlan"] = encode(report.plan, DateCoding::iso8601);
-    put(object, "observedAt", report.observedAt);
-    if (report.source) {
-        object["source"] = rawValue(*report.source);
-    }
-    if (report.relay) {
-        object["statusLine"] = relayJson(*report.relay);
-    }
-    if (report.failure) {
-        object["failure"] = failureJson(*report.failure);
+    if (answer.isDemo) {
+        object["demonstration"] = true;
     }
     return object;
 }

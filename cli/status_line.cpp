@@ -1,6 +1,7 @@
 #include "cli/status_line.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include <fmt/format.h>
@@ -8,51 +9,30 @@
 #include "cli/terminal.hpp"
 #include "core/support/json.hpp"
 #include "core/support/unicode/display_width.hpp"
-#include "ui/format/format.hpp"
+#include "core/wording/answer_text.hpp"
+#include "core/wording/format.hpp"
 
 namespace vorn::cli {
 namespace {
 
 const char* cssClass(VornStatus status) {
-    switch (status) {
-        case VornStatus::comfortable:
-            return "comfortable";
-        case VornStatus::watch:
-            return "watch";
-        case VornStatus::atRisk:
-            return "at-risk";
-        case VornStatus::limited:
-            break;
-    }
-    return "limited";
+    constexpr std::array kClasses{"comfortable", "watch", "at-risk", "limited"};
+    return kClasses.at(static_cast<std::size_t>(status));
 }
 
 const char* tmuxColour(VornStatus status) {
-    switch (status) {
-        case VornStatus::comfortable:
-            return "default";
-        case VornStatus::watch:
-            return "yellow";
-        case VornStatus::atRisk:
-            return "colour208";
-        case VornStatus::limited:
-            break;
-    }
-    return "red";
+    constexpr std::array kColours{"default", "yellow", "colour208", "red"};
+    return kColours.at(static_cast<std::size_t>(status));
 }
 
 /// "5h 72%", with the arrow of the window's own steer where it has one.
-std::string shortText(const WindowAssessment& assessment) {
+std::string shortText(const WindowAssessment& assessment, bool isDemo) {
     std::string text =
         printable(assessment.window.kind.shortTitle()) + " " + Format::percent(assessment.window.usedPercent);
     if (const auto steer = assessment.steer()) {
-        text += " " + Format::factor(*steer);
+        text += " " + Format::shortFactor(*steer);
     }
-    return text;
-}
-
-std::string firstLine(const std::string& text) {
-    return text.substr(0, text.find('\n'));
+    return isDemo ? text + " demonstration" : text;
 }
 
 /// Pango markup is what a bar makes of a tooltip: names from outside must not be read as tags.
@@ -76,24 +56,10 @@ std::string escapeMarkup(std::string_view text) {
     return escaped;
 }
 
-std::string tooltip(const StatusReport& report) {
+std::string tooltip(const Answer& answer) {
     std::string text;
-    const auto addLine = [&](std::string_view line) {
-        if (!line.empty()) {
-            text += (text.empty() ? "" : "\n") + escapeMarkup(printable(line));
-        }
-    };
-    if (report.head) {
-        addLine(report.head->headline);
-        addLine(report.head->reason);
-    }
-    for (const auto& card : report.cards) {
-        const auto& window = card.assessment.window;
-        addLine(fmt::format("{} {} · {}", window.kind.title(), Format::percent(window.usedPercent),
-                            Format::verdict(card.assessment, report.now)));
-    }
-    if (report.failure) {
-        addLine(firstLine(report.failure->message));
+    for (const std::string& line : Format::tooltipLines(answer)) {
+        text += (text.empty() ? "" : "\n") + escapeMarkup(printable(line));
     }
     return text;
 }
@@ -104,33 +70,34 @@ int wholePercent(double usedPercent) {
 
 }  // namespace
 
-std::string plainLine(const StatusReport& report) {
-    if (!report.headline) {
-        const std::string message = report.failure ? report.failure->message : "no reading yet";
-        return "– " + printable(firstLine(message));
+std::string plainLine(const Answer& answer) {
+    const WindowAssessment* const urgent = answer.urgentAssessment();
+    if (urgent == nullptr) {
+        return "– " + printable(Format::tooltipLines(answer).front());
     }
-    return fmt::format("{} {} · {}", shapeFor(report.headline->status), shortText(*report.headline),
-                       Format::verdict(*report.headline, report.now));
+    return fmt::format("{} {} · {}", shapeFor(urgent->status), shortText(*urgent, answer.isDemo),
+                       Format::verdict(*urgent, answer.now));
 }
 
-std::string tmuxSegment(const StatusReport& report) {
-    if (!report.headline) {
+std::string tmuxSegment(const Answer& answer) {
+    const WindowAssessment* const urgent = answer.urgentAssessment();
+    if (urgent == nullptr) {
         return {};
     }
-    std::string text = shortText(*report.headline);
+    std::string text = shortText(*urgent, answer.isDemo);
     // tmux reads "#" as the start of a mark.
     for (std::size_t at = text.find('#'); at != std::string::npos; at = text.find('#', at + 2)) {
         text.insert(at, 1, '#');
     }
-    return fmt::format("#[fg={}]{}#[default]", tmuxColour(report.headline->status), text);
+    return fmt::format("#[fg={}]{}#[default]", tmuxColour(urgent->status), text);
 }
 
-std::string waybarModule(const StatusReport& report) {
-    nlohmann::json module = {{"text", ""}, {"class", "unknown"}, {"tooltip", tooltip(report)}, {"percentage", 0}};
-    if (report.headline) {
-        module["text"] = escapeMarkup(shortText(*report.headline));
-        module["class"] = cssClass(report.headline->status);
-        module["percentage"] = wholePercent(report.headline->window.usedPercent);
+std::string waybarModule(const Answer& answer) {
+    nlohmann::json module = {{"text", ""}, {"class", "unknown"}, {"tooltip", tooltip(answer)}, {"percentage", 0}};
+    if (const WindowAssessment* const urgent = answer.urgentAssessment()) {
+        module["text"] = escapeMarkup(shortText(*urgent, answer.isDemo));
+        module["class"] = cssClass(urgent->status);
+        module["percentage"] = wholePercent(urgent->window.usedPercent);
     }
     return dumpJson(module);
 }

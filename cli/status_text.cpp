@@ -1,13 +1,19 @@
 #include "cli/status_text.hpp"
 
 #include <algorithm>
+#include <sstream>
 #include <utility>
 #include <vector>
 
 #include <fmt/format.h>
 
 #include "core/support/unicode/display_width.hpp"
-#include "ui/format/format.hpp"
+#include "core/wording/answer_text.hpp"
+#include "core/wording/failure_text.hpp"
+#include "core/wording/format.hpp"
+#include "core/wording/head.hpp"
+#include "core/wording/plan_text.hpp"
+#include "core/wording/window_text.hpp"
 
 namespace vorn::cli {
 namespace {
@@ -33,38 +39,12 @@ std::string capitalised(std::string text) {
     return text;
 }
 
-std::string rateText(const WindowAssessment& assessment) {
-    if (!assessment.ratePerHour) {
-        return "burn rate not known yet";
-    }
-    return fmt::format("{}, {}", Format::rate(*assessment.ratePerHour, assessment.window.kind),
-                       Format::basis(assessment.rateBasis, assessment.window.kind));
-}
-
-std::string resetText(const WindowAssessment& assessment, Instant now) {
-    const auto& resetsAt = assessment.window.resetsAt;
-    if (!resetsAt || !assessment.timeToReset) {
-        return assessment.window.usedPercent > 0 ? "reset time not known" : "the next use starts it";
-    }
-    return fmt::format("resets in {} ({})", Format::duration(*assessment.timeToReset), Format::clock(*resetsAt, now));
-}
-
-std::string joined(const std::vector<std::string>& parts) {
-    std::string text;
-    for (const std::string& part : parts) {
-        if (!part.empty()) {
-            text += (text.empty() ? "" : " · ") + part;
-        }
-    }
-    return text;
-}
-
-/// Lays the report out line by line.
+/// Lays the answer out line by line.
 class StatusPage {
 public:
-    StatusPage(const StatusReport& report, const Terminal& terminal, const StatusTextOptions& options)
-        : m_report(report), m_terminal(terminal), m_options(options) {
-        for (const auto& card : report.cards) {
+    StatusPage(const Answer& answer, const Terminal& terminal, const StatusTextOptions& options)
+        : m_answer(answer), m_terminal(terminal), m_options(options) {
+        for (const auto& card : answer.cards) {
             m_titleCells = std::max(m_titleCells, displayWidth(card.assessment.window.kind.title()));
         }
         m_titleCells = std::min(m_titleCells, kWidestTitle);
@@ -76,15 +56,22 @@ public:
         m_barCells = std::clamp(roomBeside(overhead + m_titleCells), kNarrowestBar, kWidestBar);
     }
 
-    std::string render() {
+    std::string render(const std::optional<RelayState>& relay) {
+        if (m_answer.isDemo) {
+            line(Format::freshness(m_answer).text());
+            blank();
+        }
         head();
-        for (const auto& card : m_report.cards) {
+        for (const auto& card : m_answer.cards) {
             window(card);
         }
-        weekSessions();
+        blank();
+        paragraph("  ", Format::weekSessions(m_answer).text(), Ink::plain);
         plannedResets();
         insights();
-        freshness();
+        blank();
+        paragraph("  ", Format::age(m_answer), Ink::faint);
+        paragraph("  ", relay ? printable(sentence(*relay, m_answer.now)) : "", Ink::faint);
         return std::move(m_text);
     }
 
@@ -101,8 +88,12 @@ private:
     [[nodiscard]] std::size_t roomBeside(std::size_t taken) const {
         return m_terminal.width > taken ? m_terminal.width - taken : 0;
     }
-    /// Text as wide as the terminal, with something before its first line. Elsewhere it is one line.
+    /// Text as wide as the terminal, with something before its first line; nothing for an empty one. Elsewhere it is
+    /// one line.
     void paragraph(std::string_view lead, std::string_view text, Ink ink, Ink leadInk = Ink::plain) {
+        if (text.empty()) {
+            return;
+        }
         const std::size_t indent = displayWidth(lead);
         const auto parts = m_terminal.interactive ? wrapped(text, std::max(roomBeside(indent), kNarrowestText))
                                                   : std::vector{printable(text)};
@@ -119,20 +110,32 @@ private:
     void row(std::string_view text) { line(detailIndent() + paint(m_terminal, Ink::faint, text)); }
 
     void head() {
-        if (!m_report.head || !m_report.headline) {
-            return;
-        }
-        const VornStatus status = m_report.headline->status;
-        paragraph(fmt::format("{} ", shapeFor(status)), m_report.head->headline, Ink::strong, inkFor(status));
-        if (!m_report.head->reason.empty()) {
-            paragraph("  ", m_report.head->reason, Ink::plain);
+        const auto head = Format::head(m_answer);
+        const WindowAssessment* const about = m_answer.headAssessment();
+        if (head && about != nullptr) {
+            paragraph(fmt::format("{} ", shapeFor(about->status)), head->headline, Ink::strong, inkFor(about->status));
+            paragraph("  ", head->reason, Ink::plain);
         }
     }
 
-    void window(const StatusReport::Card& card) {
+    void window(const Answer::Card& card) {
         const WindowAssessment& assessment = card.assessment;
         const Ink ink = inkFor(assessment.status);
         blank();
+        gauge(assessment, ink);
+        detail(Format::verdict(assessment, m_answer.now), assessment.status >= VornStatus::atRisk ? ink : Ink::plain);
+        detail(Format::resetText(assessment, m_answer.now).text());
+        if (assessment.timeToReset) {
+            detail(Format::joined({Format::paceText(assessment).text(), landingText(assessment)}));
+        }
+        detail(Format::plannedResetNote(assessment));
+        if (m_options.rates) {
+            rates(card);
+        }
+    }
+
+    /// Title, bar, percentage and status.
+    void gauge(const WindowAssessment& assessment, Ink ink) {
         std::string row = "  " + fitted(assessment.window.kind.title(), m_titleCells) + "  ";
         row += drawBar(m_terminal, {.filled = assessment.window.usedPercent / 100,
                                     .projected = share(assessment.projectedAtReset),
@@ -144,18 +147,6 @@ private:
                      m_isNarrow ? shapeFor(assessment.status)
                                 : fmt::format("{} {}", shapeFor(assessment.status), label(assessment.status)));
         line(row);
-        detail(Format::verdict(assessment, m_report.now), assessment.status >= VornStatus::atRisk ? ink : Ink::plain);
-        detail(resetText(assessment, m_report.now));
-        if (assessment.timeToReset) {
-            detail(joined(
-                {Format::pace(assessment.paceDelta().value_or(0)), rateText(assessment), landingText(assessment)}));
-        }
-        if (assessment.plannedResetAt) {
-            detail("Vorn is planning this limit to a reset you added, ahead of the scheduled one.");
-        }
-        if (m_options.rates) {
-            rates(card);
-        }
     }
 
     static std::optional<double> share(std::optional<double> percent) {
@@ -170,67 +161,53 @@ private:
         return fmt::format("would land at {}", Format::percent(*assessment.projectedAtReset));
     }
 
-    void rates(const StatusReport::Card& card) {
+    void rates(const Answer::Card& card) {
+        const WindowKind& kind = card.assessment.window.kind;
         const auto& sustainable = card.assessment.sustainableRatePerHour;
         for (const RateReading& reading : card.rates) {
-            std::string text = fitted(label(reading.horizon), kLabelCells) + "  ";
+            const std::string title = fitted(label(reading.horizon), kLabelCells) + "  ";
             if (!reading.ratePerHour) {
-                text += "–  too little data";
-            } else {
-                text += fmt::format("{:>9}", Format::rate(*reading.ratePerHour, card.assessment.window.kind));
-                if (sustainable && *sustainable > 0) {
-                    text += "  " + Format::times(*reading.ratePerHour / *sustainable);
-                }
+                paragraph(detailIndent() + title + "–  ",
+                          Format::whyNoRate(reading.horizon, kind, m_answer.usesActivity), Ink::faint, Ink::faint);
+                continue;
             }
-            row(text);
+            const std::string room = Format::room(*reading.ratePerHour, sustainable.value_or(0));
+            row(title + fmt::format("{:>9}", Format::rate(*reading.ratePerHour, kind)) +
+                (room.empty() ? "" : "  " + room));
         }
         if (sustainable) {
-            row(fitted("Sustained", kLabelCells) +
-                fmt::format("  {:>9}", Format::rate(*sustainable, card.assessment.window.kind)));
+            row(fitted("Sustained", kLabelCells) + fmt::format("  {:>9}", Format::rate(*sustainable, kind)));
         }
-    }
-
-    void weekSessions() {
-        if (!m_report.ratio) {
-            return;
-        }
-        blank();
-        std::string text = fmt::format("A full 5-hour session ≈ {} of the week",
-                                       Format::percent(m_report.ratio->weekPercentPerSession()));
-        if (m_report.sessionsLeft) {
-            text += fmt::format(" · {} left this week", Format::sessionsLeft(*m_report.sessionsLeft));
-        }
-        paragraph("  ", text, Ink::plain);
     }
 
     void plannedResets() {
-        const ResetPlan& plan = m_report.plan;
+        const ResetPlan& plan = m_answer.plan;
         if (plan.planned.empty() && plan.banked == 0) {
             return;
         }
         blank();
-        line("  Planned resets" + (plan.banked > 0 ? fmt::format(" ({} banked)", plan.banked) : std::string()));
+        line("  Planned resets" + (plan.banked > 0 ? " · " + Format::banked(plan.banked) : std::string()));
         for (const PlannedReset& reset : plan.planned) {
-            // The weekday alone would not tell this week from next.
-            const std::string when = reset.date > m_report.now ? "in " + Format::duration(reset.date - m_report.now)
-                                                               : std::string("has passed");
-            paragraph(
-                "    ",
-                joined({Format::clock(reset.date, m_report.now) + " (" + when + ")", label(reset.scope), reset.note}),
-                Ink::plain);
+            paragraph("    ",
+                      Format::joined({Format::plannedMoment(reset).text(), Format::plannedWhen(reset, m_answer.now),
+                                      Format::plannedScope(reset)}),
+                      Ink::plain);
         }
     }
 
     void insights() {
-        if (!m_report.insights) {
+        if (!m_answer.insights) {
             return;
         }
-        for (const auto& period : m_report.insights->periods) {
+        for (const auto& period : m_answer.insights->periods) {
             blank();
             const std::string counts =
-                joined({countText(period.requests, "request"), countText(period.sessions, "session")});
+                Format::joined({countText(period.requests, "request"), countText(period.sessions, "session")});
             const std::string label = elide(period.label, kWidestPeriod);
-            paragraph("  " + label + (counts.empty() ? "" : " · "), counts, Ink::faint, Ink::strong);
+            if (counts.empty()) {
+                line(paint(m_terminal, Ink::strong, "  " + label));
+            }
+            paragraph("  " + label + " · ", counts, Ink::faint, Ink::strong);
             for (const auto& finding : period.findings) {
                 paragraph(fmt::format("  {:>5}  ", Format::percent(finding.percent)), capitalised(finding.text),
                           Ink::plain);
@@ -241,7 +218,7 @@ private:
     }
 
     static std::string countText(std::optional<std::int64_t> count, const char* noun) {
-        return count ? fmt::format("{} {}{}", *count, noun, *count == 1 ? "" : "s") : std::string();
+        return count ? Format::count(*count, noun) : std::string();
     }
 
     void shares(const char* title, const std::vector<UsageInsights::Share>& shares) {
@@ -251,27 +228,11 @@ private:
             parts.push_back(share.name + " " + Format::percent(share.percent));
         }
         if (!parts.empty()) {
-            paragraph(std::string("         ") + title, joined(parts), Ink::plain);
+            paragraph(std::string("         ") + title, Format::joined(parts), Ink::plain);
         }
     }
 
-    void freshness() {
-        blank();
-        if (m_report.observedAt) {
-            const Seconds age = m_report.now - *m_report.observedAt;
-            const char* source =
-                m_report.source == DataSource::statusLine ? "Claude Code's status line" : "claude /usage";
-            paragraph("  ",
-                      age < Seconds{60} ? fmt::format("Read just now from {}", source)
-                                        : fmt::format("Read {} ago from {}", Format::duration(age), source),
-                      Ink::faint);
-        }
-        if (m_report.relay) {
-            paragraph("  ", printable(sentence(*m_report.relay)), Ink::faint);
-        }
-    }
-
-    const StatusReport& m_report;
+    const Answer& m_answer;
     const Terminal& m_terminal;
     const StatusTextOptions& m_options;
     bool m_isNarrow = false;  ///< No room for the words that say what the shapes mean.
@@ -282,8 +243,43 @@ private:
 
 }  // namespace
 
-std::string renderStatus(const StatusReport& report, const Terminal& terminal, const StatusTextOptions& options) {
-    return StatusPage(report, terminal, options).render();
+std::string renderStatus(const Answer& answer, const std::optional<RelayState>& relay, const Terminal& terminal,
+                         const StatusTextOptions& options) {
+    return answer.cards.empty() ? std::string() : StatusPage(answer, terminal, options).render(relay);
+}
+
+std::string complaint(const Answer& answer) {
+    std::string text;
+    const auto add = [&text](std::string_view line, const char* indent = "") {
+        if (!line.empty()) {
+            text += indent + printable(line) + "\n";
+        }
+    };
+    for (const std::string& problem : Format::storageProblems(answer.unsaved)) {
+        add(problem);
+    }
+    const auto& failure = answer.asking.failure;
+    if (!failure) {
+        const Format::Placeholder nothing = Format::placeholder(answer);
+        add(nothing.title.empty() ? "" : nothing.title + ".");
+        add(nothing.text.empty() && answer.stage == Answer::Stage::starting
+                ? "vornctl status without --no-probe asks Claude Code."
+                : nothing.text);
+        return text;
+    }
+    add(Format::sentence(*failure));
+    if (const std::string quoted = Format::quoted(*failure); !quoted.empty()) {
+        add(failure->kind == ProbeFailure::Kind::unrecognizedOutput ? "It printed:" : "");
+        std::istringstream lines(quoted);
+        for (std::string line; std::getline(lines, line);) {
+            add(line, "  ");
+        }
+    }
+    add(Format::advice(*failure));
+    if (const auto retry = Format::retryText(answer); !retry.isEmpty()) {
+        add(retry.text() + "; --probe asks at once.");
+    }
+    return text;
 }
 
 }  // namespace vorn::cli

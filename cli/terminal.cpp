@@ -98,17 +98,8 @@ Terminal describeTerminal(int descriptor) {
 }
 
 Ink inkFor(VornStatus status) {
-    switch (status) {
-        case VornStatus::comfortable:
-            return Ink::comfortable;
-        case VornStatus::watch:
-            return Ink::watch;
-        case VornStatus::atRisk:
-            return Ink::atRisk;
-        case VornStatus::limited:
-            break;
-    }
-    return Ink::limited;
+    constexpr std::array kInks{Ink::comfortable, Ink::watch, Ink::atRisk, Ink::limited};
+    return kInks.at(static_cast<std::size_t>(status));
 }
 
 std::string paint(const Terminal& terminal, Ink ink, std::string_view text) {
@@ -119,17 +110,8 @@ std::string paint(const Terminal& terminal, Ink ink, std::string_view text) {
 }
 
 const char* shapeFor(VornStatus status) {
-    switch (status) {
-        case VornStatus::comfortable:
-            return "●";
-        case VornStatus::watch:
-            return "◆";
-        case VornStatus::atRisk:
-            return "▲";
-        case VornStatus::limited:
-            break;
-    }
-    return "■";
+    constexpr std::array kShapes{"●", "◆", "▲", "■"};
+    return kShapes.at(static_cast<std::size_t>(status));
 }
 
 std::string drawBar(const Terminal& terminal, const Bar& bar) {

@@ -8,9 +8,9 @@
 #include <unistd.h>
 
 #include "cli/terminal.hpp"
-#include "core/sources/local_activity_scanner.hpp"
 #include "core/support/file.hpp"
 #include "core/support/unicode/display_width.hpp"
+#include "core/transcripts/local_activity_scanner.hpp"
 
 namespace vorn::cli {
 namespace {

@@ -82,7 +82,7 @@ _vornctl() {
         'plan list') _vornctl_offer '--json --now --help' "$current" ;;
         'plan bank') _vornctl_offer '--help' "$current" ;;
         'plan redeem') _vornctl_offer '--scope --help' "$current" ;;
-        connect) _vornctl_offer '--dry-run --help' "$current" ;;
+        connect) _vornctl_offer '--dry-run --replace --help' "$current" ;;
         disconnect) _vornctl_offer '--purge --help' "$current" ;;
     esac
 }

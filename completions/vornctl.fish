@@ -92,4 +92,5 @@ complete -c vornctl -n '__vornctl_in plan list' -l json -d 'Print the plan as JS
 complete -c vornctl -n '__vornctl_in plan list' -l now -x -d 'Take this moment as now'
 
 complete -c vornctl -n '__vornctl_in connect' -l dry-run -d 'Show what would change, and change nothing'
+complete -c vornctl -n '__vornctl_in connect' -l replace -d 'Also in place of a command around a relay'
 complete -c vornctl -n '__vornctl_in disconnect' -l purge -d 'Then remove everything that Vorn keeps'

@@ -163,19 +163,8 @@ ResetPlan planOf(const Setting& setting, Instant now) {
 }  // namespace
 
 const char* name(Scenario scenario) {
-    switch (scenario) {
-        case Scenario::comfortable:
-            return "comfortable";
-        case Scenario::watch:
-            return "watch";
-        case Scenario::atRisk:
-            return "at-risk";
-        case Scenario::limited:
-            return "limited";
-        case Scenario::plannedReset:
-            break;
-    }
-    return "planned-reset";
+    constexpr std::array kNames{"comfortable", "watch", "at-risk", "limited", "planned-reset"};
+    return kNames.at(static_cast<std::size_t>(scenario));
 }
 
 std::optional<Scenario> scenarioNamed(std::string_view wanted) {

@@ -6,10 +6,10 @@
 #include <string_view>
 #include <vector>
 
+#include "core/data/activity_event.hpp"
 #include "core/data/history_sample.hpp"
 #include "core/data/reset_plan.hpp"
 #include "core/data/usage_insights.hpp"
-#include "core/sources/activity_event.hpp"
 
 /// Invented readings for showing what Vorn does where there are none.
 namespace vorn::demo {

@@ -1,8 +1,9 @@
 #include <nlohmann/json.hpp>
 
-#include "core/sources/probe_error.hpp"
-#include "core/sources/usage_command_probe.hpp"
-#include "core/sources/usage_envelope.hpp"
+#include "core/usage_command/probe_error.hpp"
+#include "core/usage_command/usage_command_probe.hpp"
+#include "core/usage_command/usage_envelope.hpp"
+#include "core/wording/failure_text.hpp"
 #include "fuzz/fuzz_target.hpp"
 
 /// The JSON object around that text, compared with what a reader of whole documents makes of it.
@@ -26,7 +27,8 @@ void interpret(std::string_view input) try {
     require(result.isSubscription, "an answer without a subscription is an error");
 } catch (const ProbeError& error) {
     requireUtf8(error.what());
-    requireUtf8(error.advice());
+    requireUtf8(Format::sentence(error.failure()));
+    requireUtf8(Format::quoted(error.failure()));
 }
 
 }  // namespace

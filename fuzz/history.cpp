@@ -4,7 +4,7 @@
 #include "core/data/history_file.hpp"
 #include "core/data/history_line.hpp"
 #include "core/data/history_store.hpp"
-#include "core/sources/export_text.hpp"
+#include "core/transcripts/export_text.hpp"
 #include "fuzz/fuzz_target.hpp"
 #include "fuzz/reading_checks.hpp"
 
@@ -14,13 +14,13 @@ namespace {
 
 constexpr std::chrono::milliseconds kPatience{50};
 
-void requireRoundTrip(const std::vector<HistorySample>& samples) {
+void requireRoundTrip(const RecordedReadings& readings) {
     const auto path = scratch("copy.jsonl");
     const HistoryFile copy(path, kPatience);
     writeFile(path, "torn line");
-    require(copy.append(samples) && copy.read() == samples, "a history is the same after a way through its file");
-    auto rewritten = samples;
-    require(copy.rewrite(rewritten, kNow) && rewritten == samples && copy.read() == samples,
+    require(copy.append(readings) && copy.read() == readings, "a history is the same after a way through its file");
+    auto rewritten = readings;
+    require(copy.rewrite(rewritten, kNow) && rewritten == readings && copy.read() == readings,
             "a rewrite keeps what is known");
 }
 
@@ -29,7 +29,7 @@ void requireUsable(const std::filesystem::path& path) {
     HistoryStore store(path);
     const auto samples = store.all();
     require(std::ranges::is_sorted(samples, {}, &HistorySample::observedAt), "a loaded history is in order");
-    const auto current = newestCurrent(samples, kNow);
+    const auto current = store.newestCurrent(kNow);
     for (const UsageWindow& window : current) {
         requireSound(window);
     }
@@ -48,14 +48,15 @@ void requireUsable(const std::filesystem::path& path) {
 void checkInput(std::string_view input) {
     const auto path = scratch("history.jsonl");
     writeFile(path, input);
-    const auto samples = HistoryFile(path, kPatience).read();
+    const auto readings = HistoryFile(path, kPatience).read();
+    const auto& samples = readings.samples();
     for (const HistorySample& sample : samples) {
         require(sample.isFinite(), "what was read can be written");
         requireUtf8(sample.kindKey);
     }
     requireUtf8(exportHistory(samples, ExportFormat::csv));
     requireUtf8(exportHistory(samples, ExportFormat::json));
-    requireRoundTrip(samples);
+    requireRoundTrip(readings);
     requireUsable(path);
 }
 

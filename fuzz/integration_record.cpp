@@ -1,11 +1,9 @@
-#include "core/sources/integration_record.hpp"
+#include "core/status_line/integration_record.hpp"
 
-#include <nlohmann/json.hpp>
-
-#include "core/sources/status_line_integration.hpp"
+#include "core/status_line/status_line_integration.hpp"
 #include "fuzz/fuzz_target.hpp"
 
-/// The record of the user's own status line, which the relay and the integration read each in its own way.
+/// The record of the user's own status line, which the relay runs and disconnecting puts back.
 namespace vorn::fuzz {
 
 void checkInput(std::string_view input) {
@@ -19,12 +17,11 @@ void checkInput(std::string_view input) {
     if (!record) {
         return;
     }
-    // The relay's reader knows no numbers beyond all measure, and connecting writes none.
-    if (record->originalStatusLine && nlohmann::json::accept(input)) {
+    if (record->originalStatusLine) {
         const JSONValue* own = record->originalStatusLine->member("command");
         const std::string* text = own == nullptr ? nullptr : own->string();
         const bool isOwn = text != nullptr && text->find("vorn-bridge") == std::string::npos;
-        require(command == (isOwn ? std::optional(*text) : std::nullopt), "both readers find the same command");
+        require(command == (isOwn ? std::optional(*text) : std::nullopt), "the relay runs the command of the record");
     }
     integration.writeRecord(*record);
     require(integration.readRecord() == record, "a record is the same after a way through its file");

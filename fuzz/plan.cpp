@@ -2,8 +2,8 @@
 
 #include "core/data/reset_plan_store.hpp"
 #include "core/support/json.hpp"
+#include "core/wording/format.hpp"
 #include "fuzz/fuzz_target.hpp"
-#include "ui/format/format.hpp"
 
 /// The plan's file, which people edit by hand.
 namespace vorn::fuzz {

@@ -12,14 +12,14 @@ void checkInput(std::string_view input) {
     writeFile(path, input);
     const ProbeRecordStore store(path);
     const ProbeRecord record = store.load();
-    requireUtf8(record.lastError);
+    requireUtf8(record.failure ? description(*record.failure) : std::string());
     require(record.consecutiveFailures >= 0, "failures are counted");
     for (const UsageWindow& reading : record.readings) {
         requireSound(reading);
     }
     requireAssessable(believable(record.readings, kNow), HistoryIndex());
     require(store.save(record) && store.load() == record, "a record is the same after a way through its file");
-    const ProbeRecord failed = record.afterFailure(kNow, "no");
+    const ProbeRecord failed = record.afterFailure(kNow, {.kind = ProbeFailure::Kind::timedOut});
     require(!mayRetryProbe(failed, Seconds{60}, kNow), "after a failure comes a pause");
     require(mayRetryProbe(failed, Seconds{60}, kNow + Seconds{60 * 16}), "and that has an end");
 }

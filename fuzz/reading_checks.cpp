@@ -7,8 +7,8 @@
 #include "core/analysis/assess.hpp"
 #include "core/data/history_line.hpp"
 #include "core/data/usage_state.hpp"
+#include "core/wording/format.hpp"
 #include "fuzz/fuzz_target.hpp"
-#include "ui/format/format.hpp"
 
 namespace vorn::fuzz {
 namespace {
@@ -51,10 +51,11 @@ void requireSound(const UsageWindow& window) {
             "a reading is the same after a way through JSON");
     std::string line;
     const HistorySample sample = HistorySample::of(window);
-    appendHistoryLine(line, sample);
+    appendHistoryLine(line, sample, window.source);
     const std::size_t length = line.find('\n');
     line.append(HistoryLineDecoder::padding, ' ');
-    require(HistoryLineDecoder().decode(std::string_view(line).substr(0, length)) == sample,
+    require(HistoryLineDecoder().decode(std::string_view(line).substr(0, length)) ==
+                RecordedSample{.sample = sample, .source = window.source},
             "a reading is the same after a way through the history");
     requireUtf8(formatIso8601(window.observedAt));
     if (window.resetsAt) {

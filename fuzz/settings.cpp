@@ -2,8 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "core/sources/json_value.hpp"
-#include "core/sources/status_line_integration.hpp"
+#include "core/status_line/status_line_integration.hpp"
+#include "core/support/json_value.hpp"
 #include "fuzz/fuzz_target.hpp"
 
 /// Claude Code's settings, which belong to the user: connected and disconnected again, they say what they said before.
@@ -73,8 +73,11 @@ void checkInput(std::string_view input) {
                                              .record = scratch("integration.json"),
                                              .bridge = "/opt/it's here/vorn-bridge"});
     fs::create_directories(integration.locations().settings.parent_path());
-    fs::remove(integration.backup());
+    for (const auto& backup : integration.backups().all()) {
+        fs::remove(backup.path);
+    }
     fs::remove(integration.locations().record);
+    fs::remove(integration.noteFile());
     writeFile(integration.locations().settings, input);
 
     const auto document = parse(input);
@@ -96,6 +99,9 @@ void checkInput(std::string_view input) {
     }
     require(!fs::exists(integration.backup()) || readFile(integration.backup()) == input,
             "the copy holds what the user's file held");
+    require(fs::exists(integration.backup()) || !fs::exists(integration.locations().settings) ||
+                readFile(integration.locations().settings) == input,
+            "no settings of the user's change without a copy");
 }
 
 }  // namespace vorn::fuzz

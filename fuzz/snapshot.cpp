@@ -1,6 +1,6 @@
 #include <nlohmann/json.hpp>
 
-#include "core/sources/status_line_snapshot.hpp"
+#include "core/status_line/status_line_snapshot.hpp"
 #include "fuzz/fuzz_target.hpp"
 #include "fuzz/reading_checks.hpp"
 

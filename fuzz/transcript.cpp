@@ -4,11 +4,11 @@
 #include <string>
 #include <vector>
 
-#include "core/sources/activity_summary.hpp"
-#include "core/sources/export_text.hpp"
-#include "core/sources/local_activity_scanner.hpp"
-#include "core/sources/marker_search.hpp"
+#include "core/analysis/activity_summary.hpp"
 #include "core/support/text.hpp"
+#include "core/transcripts/export_text.hpp"
+#include "core/transcripts/local_activity_scanner.hpp"
+#include "core/transcripts/marker_search.hpp"
 #include "fuzz/fuzz_target.hpp"
 
 /// Transcripts: what is found in one must not depend on how it grew, nor on where the reader's buffer happens to end.

@@ -2,8 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "core/sources/usage_command_parser.hpp"
 #include "core/support/text.hpp"
+#include "core/usage_command/usage_command_parser.hpp"
 #include "fuzz/fuzz_target.hpp"
 #include "fuzz/reading_checks.hpp"
 

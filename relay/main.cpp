@@ -9,8 +9,8 @@
 #include <unistd.h>
 
 #include "core/data/vorn_paths.hpp"
-#include "core/sources/integration_record.hpp"
-#include "core/sources/status_line_snapshot.hpp"
+#include "core/status_line/integration_record.hpp"
+#include "core/status_line/status_line_snapshot.hpp"
 #include "core/support/executable_path.hpp"
 #include "relay/signal_ignored.hpp"
 #include "relay/standard_input.hpp"

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -24,6 +25,9 @@ namespace {
 constexpr int kInput = STDIN_FILENO;
 /// A thousand times what Claude Code sends, and what a pipe can be made to hold.
 constexpr std::size_t kLongest = std::size_t{1} << 20U;
+/// For the end of the input once there is a whole object: whoever keeps the pipe open need not have forgotten it, and
+/// nobody's status line waits for him.
+constexpr std::chrono::milliseconds kPatience{100};
 constexpr std::size_t kChunk = std::size_t{64} << 10U;
 
 /// Waits for input where the descriptor does not block. -1 with errno, 0 at the end.
@@ -73,7 +77,43 @@ void closeAllAfter(int last) noexcept {
     ::closedir(open);
 }
 
+/// Whether there is something to read, or the end, before `deadline`.
+bool isReadable(int descriptor, std::chrono::steady_clock::time_point deadline) noexcept {
+    pollfd input{.fd = descriptor, .events = POLLIN, .revents = 0};
+    for (;;) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+        const int ready = ::poll(&input, 1, left.count() > 0 ? static_cast<int>(left.count()) : 0);
+        if (ready >= 0 || errno != EINTR) {
+            return ready != 0;
+        }
+    }
+}
+
 }  // namespace
+
+bool ObjectEnd::isPassed(std::string_view piece) noexcept {
+    for (std::size_t i = 0; i < piece.size() && !m_isPassed && !m_isOther; ++i) {
+        take(piece[i]);
+    }
+    return m_isPassed;
+}
+
+void ObjectEnd::take(char c) noexcept {
+    if (m_isInText) {
+        m_isInText = m_isEscaped || c != '"';
+        m_isEscaped = !m_isEscaped && c == '\\';
+    } else if (!m_hasBegun) {
+        m_hasBegun = c == '{';
+        m_isOther = !m_hasBegun && c != ' ' && c != '\t' && c != '\r' && c != '\n';
+        m_depth = 1;
+    } else if (c == '"') {
+        m_isInText = true;
+    } else if (c == '{' || c == '[') {
+        ++m_depth;
+    } else if (c == '}' || c == ']') {
+        m_isPassed = --m_depth == 0;
+    }
+}
 
 StandardInput::StandardInput() noexcept : m_kind(kindOfInput()) {
     if (m_kind == Kind::untouched) {
@@ -130,20 +170,27 @@ void StandardInput::readFile() noexcept {
 }
 
 void StandardInput::readStream() noexcept {
-    while (m_size < kLongest && !m_ended) {
+    ObjectEnd end;
+    std::chrono::steady_clock::time_point deadline;
+    while (m_size < kLongest && !m_ended && (!m_isWhole || isReadable(kInput, deadline))) {
         const ssize_t count = readSome(kInput, &m_bytes[m_size], kLongest - m_size);
         if (count < 0 && m_size == 0) {
             m_kind = Kind::untouched;  // the command shall meet the same error
             return;
         }
-        m_size += count > 0 ? static_cast<std::size_t>(count) : 0;
+        const std::string_view piece(&m_bytes[m_size], count > 0 ? static_cast<std::size_t>(count) : 0);
+        m_size += piece.size();
         // After an error nothing more comes; the command gets what came.
         m_ended = count <= 0;
+        if (!m_isWhole && end.isPassed(piece)) {
+            m_isWhole = true;
+            deadline = std::chrono::steady_clock::now() + kPatience;
+        }
     }
 }
 
 std::optional<std::string_view> StandardInput::whole() const {
-    if (!m_ended) {
+    if (!m_ended && (!m_isWhole || m_size == kLongest)) {
         return std::nullopt;
     }
     return std::string_view(m_bytes.get(), m_size);
@@ -154,7 +201,7 @@ void StandardInput::handOn() noexcept {
         return;
     }
     const std::string_view rest = fillReplacement();
-    if ((!rest.empty() || !m_ended) && !startFeeder(rest)) {
+    if ((!rest.empty() || !m_ended) && !startFeeder(m_writeEnd.get(), rest)) {
         spill();
     }
     ::dup2(m_readEnd.get(), kInput);
@@ -173,13 +220,13 @@ std::string_view StandardInput::fillReplacement() noexcept {
     return rest;
 }
 
-bool StandardInput::startFeeder(std::string_view rest) const noexcept {
+bool StandardInput::startFeeder(int output, std::string_view rest) const noexcept {
     // The parent in between ends at once, so the command gets no child that it did not start.
     const pid_t between = ::fork();
     if (between == 0) {
         const pid_t feeder = ::fork();
         if (feeder == 0) {
-            feed(rest);
+            feed(output, rest);
         }
         ::_exit(feeder < 0 ? 1 : 0);
     }
@@ -193,10 +240,10 @@ bool StandardInput::startFeeder(std::string_view rest) const noexcept {
     return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
-void StandardInput::feed(std::string_view rest) const noexcept {
+void StandardInput::feed(int output, std::string_view rest) const noexcept {
     constexpr int kOutput = STDOUT_FILENO;
     ::close(m_readEnd.get());
-    ::dup2(m_writeEnd.get(), kOutput);
+    ::dup2(output, kOutput);
     ::close(STDERR_FILENO);
     closeAllAfter(STDERR_FILENO);
     if (m_ended) {
@@ -235,6 +282,12 @@ void StandardInput::spill() noexcept {
 void StandardInput::drain() noexcept {
     if (m_kind != Kind::pipe && m_kind != Kind::socket) {
         return;
+    }
+    if (!m_ended && m_isWhole) {
+        const Descriptor nowhere(::open("/dev/null", O_WRONLY | O_CLOEXEC));
+        if (nowhere.isOpen() && startFeeder(nowhere.get(), {})) {
+            return;
+        }
     }
     while (!m_ended && readSome(kInput, m_bytes.get(), kLongest) > 0) {
     }

@@ -9,9 +9,9 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
-#include "core/sources/local_activity_scanner.hpp"
 #include "core/support/file.hpp"
 #include "core/support/json.hpp"
+#include "core/transcripts/local_activity_scanner.hpp"
 #include "tests/support/temporary_directory.hpp"
 
 namespace vorn {

@@ -1,4 +1,4 @@
-#include "core/sources/activity_summary.hpp"
+#include "core/analysis/activity_summary.hpp"
 
 #include <algorithm>
 #include <cmath>

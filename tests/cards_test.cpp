@@ -8,16 +8,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/sources/activity_summary.hpp"
+#include "demo/demo_answer.hpp"
 #include "platform/desktop_appearance.hpp"
 #include "tests/support/shown_window.hpp"
 #include "tests/support/view_looks.hpp"
 #include "tests/support/view_states.hpp"
-#include "ui/views/activity_presenter.hpp"
-#include "ui/views/breakdown_presenter.hpp"
-#include "ui/views/resets_presenter.hpp"
-#include "ui/views/theme.hpp"
-#include "ui/views/view_engine.hpp"
+#include "ui/controls/theme.hpp"
+#include "ui/dashboard/dashboard_presenter.hpp"
+#include "ui/window/view_engine.hpp"
 
 namespace vorn {
 namespace {
@@ -30,7 +28,7 @@ public:
     explicit CardOfResets(UsageModel& model) : presenter(model) {
         m_window.setColor(themeColors({}).window);
         m_window.resize(312, 700);
-        QQmlComponent component(m_hold.get(), QUrl("qrc:/qt/qml/Vorn/ResetsCard.qml"));
+        QQmlComponent component(m_hold.get(), QUrl("qrc:/qt/qml/Vorn/Dashboard/ResetsCard.qml"));
         m_item.reset(qobject_cast<QQuickItem*>(component.createWithInitialProperties(
             {{"presenter", QVariant::fromValue(&presenter)}, {"width", 288}, {"x", 12}, {"y", 12}})));
         EXPECT_TRUE(m_item) << component.errorString().toStdString();
@@ -65,7 +63,7 @@ public:
         ASSERT_EQ(focusedName(), name);
     }
 
-    ResetsPresenter presenter;
+    DashboardPresenter presenter;
 
 private:
     DesktopAppearance m_appearance;
@@ -86,7 +84,7 @@ TEST(ResetsCard, AddsAndRemovesByTheKeyboard) {
     ASSERT_EQ(focusedName(), "Date");
     card.type("yesterday");
     card.press(Qt::Key_Return);
-    EXPECT_EQ(card.presenter.problem().date, "Write the date like 11/23/2026");
+    EXPECT_EQ(card.presenter.planEditor()->problem().date, "Write the date like 11/23/2026");
     EXPECT_EQ(focusedName(), "Date");
     card.keep("reset-form-problem");
     card.type("11/25/2026");
@@ -162,40 +160,47 @@ TEST(Breakdown, KeepsTheRestLastAndSplitsFindings) {
         events.push_back(
             {.timestamp = kNow, .model = "sonnet", .cwd = "/p" + std::to_string(i), .tokens = {.input = 10 - i}});
     }
-    const auto measured = measuredBreakdown(ActivitySummary(events), kNow - 1h);
-    ASSERT_EQ(measured.projects.size(), 7U);
-    EXPECT_TRUE(measured.projects.back().isRest);
-    EXPECT_FALSE(measured.projects[5].isRest);
-    EXPECT_NE(measuredBreakdown(ActivitySummary(), kNow).nothing, "");
+    const auto measured = [](const std::vector<ActivityEvent>& replies) {
+        return measuredContent({.now = kNow + 1min, .activity = std::make_shared<ActivitySummary>(replies)},
+                               PeriodForViews::FiveHours);
+    };
+    const QVariantList projects = measured(events).projects;
+    ASSERT_EQ(projects.size(), 7);
+    EXPECT_TRUE(projects[6].value<RankedShare>().isRest);
+    EXPECT_FALSE(projects[5].value<RankedShare>().isRest);
+    EXPECT_EQ(measured({}).nothing, "No replies in the last 5 hours.");
 
     const UsageInsights insights{.periods = {{.label = "Last 24h",
                                               .requests = 1,
                                               .sessions = 2,
                                               .findings = {{71, "Check models · it · pays"}, {5, "Plain"}}}}};
-    const auto printed = printedBreakdown(&insights, 9);
+    const auto printed = printedContent(insights, 9);
+    const auto finding = [&](qsizetype at) {
+        return printed.findings[at].value<PrintedFinding>();
+    };
     EXPECT_EQ(printed.period, 0);
     EXPECT_EQ(printed.heading, "Claude Code · 1 request · 2 sessions");
-    EXPECT_EQ(printed.findings[0].title, "Check models");
-    EXPECT_EQ(printed.findings[0].detail, "it · pays");
-    EXPECT_EQ(printed.findings[1].detail, "");
-    EXPECT_NE(printedBreakdown(nullptr, 0).nothing, "");
+    EXPECT_EQ(finding(0).title, "Check models");
+    EXPECT_EQ(finding(0).detail, "it · pays");
+    EXPECT_EQ(finding(1).detail, "");
+    EXPECT_NE(printedContent({}, 0).nothing, "");
 }
 
 TEST(Activity, IsAlignedWithTheClockAndReadOut) {
     const ScopedEnvironment zone("TZ", "Asia/Kolkata");
-    ViewState state;
-    EXPECT_NE(activityContent(*state.model, ActivityPresenter::Day).nothing, "");
-    state.model->startDemo(demo::makeDemo(demo::Scenario::watch, state.now));
-    const auto day = activityContent(*state.model, ActivityPresenter::Day);
+    EXPECT_EQ(activityContent({}, PeriodForViews::Day).nothing, "Reading Claude Code's transcripts…");
+    EXPECT_EQ(activityContent({.usesActivity = false}, PeriodForViews::Day).nothing,
+              "Local activity is switched off in the settings.");
+    const Answer answer = demo::answer(demo::makeDemo(demo::Scenario::watch, kNow), kNow);
+    const auto day = activityContent(answer, PeriodForViews::Day);
     EXPECT_EQ(day.buckets.size(), 144U);
-    EXPECT_EQ(day.marks.size(), 8U);
-    const auto week = activityContent(*state.model, ActivityPresenter::Week);
+    EXPECT_EQ(day.marks.size(), 8);
+    const auto week = activityContent(answer, PeriodForViews::Week);
     EXPECT_EQ(week.buckets.size(), 84U);
-    EXPECT_EQ(week.marks.size(), 7U);
-    EXPECT_GT(week.buckets.back().start + week.width, state.now);
-    ActivityPresenter presenter(*state.model);
-    EXPECT_THAT(presenter.describe(143).toStdString(), testing::HasSubstr("17:30 – 17:40"));
-    EXPECT_EQ(presenter.describe(144), "");
+    EXPECT_EQ(week.markTexts.size(), 7);
+    EXPECT_GT(week.buckets.back().start + week.width, kNow);
+    EXPECT_THAT(day.describe(143).toStdString(), testing::HasSubstr("17:30 – 17:40"));
+    EXPECT_EQ(day.describe(144), "");
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "core/sources/claude_locator.hpp"
+#include "core/usage_command/claude_locator.hpp"
 
 #include <filesystem>
 

@@ -7,8 +7,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "core/sources/json_value.hpp"
+#include "core/status_line/status_line_snapshot.hpp"
 #include "core/support/file.hpp"
+#include "core/support/json_value.hpp"
 #include "core/support/process.hpp"
 #include "tests/support/temporary_directory.hpp"
 
@@ -131,6 +132,91 @@ TEST(Connect, respectsProtectedSettings) {
     EXPECT_EQ(readAll(home.settings), kSettings);
     ::chmod(home.settings.c_str(), 0600);
     EXPECT_EQ(home.run("connect", before).status, 0);
+}
+
+TEST(Connect, saysWhyNothingIsHeardAndOfSilenceOnce) {
+    const Home home;
+    home.put(kSettings);
+    ASSERT_EQ(home.run("connect").status, 0);
+    const auto stamp = [](Seconds age) {
+        return formatIso8601(systemNow() - age);
+    };
+    home.write("vorn/integration.json", R"({"installedAt": ")" + stamp(4h) + R"("})");
+    StatusLineSnapshot{.observedAt = systemNow() - 3h, .rateLimits = {.fiveHour = {{.usedPercentage = 41.0}}}}.write(
+        home / "vorn/statusline.json");
+    std::string transcript;
+    for (const Seconds age : {Seconds{2h}, Seconds{30min}}) {
+        transcript += R"({"type":"assistant","timestamp":")" + formatIso8601Milliseconds(systemNow() - age) +
+                      R"(","requestId":")" + stamp(age) + R"(","cwd":"/srv","message":{"id":")" + stamp(age) +
+                      R"(","model":"claude-opus-5-5","usage":{"input_tokens":5,"output_tokens":400}}})" + "\n";
+    }
+    home.write("claude/projects/-srv/a.jsonl", transcript);
+    EXPECT_THAT(home.run("status --no-probe").standardOutput, HasSubstr("Claude Code has been in use since"));
+    const std::string again = home.run("status --no-probe").standardOutput;
+    EXPECT_THAT(again,
+                testing::AllOf(HasSubstr("Status line not heard since"), testing::Not(HasSubstr("in use since"))));
+    EXPECT_THAT(home.run("status --no-probe --json").standardOutput, HasSubstr("\"state\": \"notHeard\""));
+
+    home.put(R"({"disableAllHooks": true})");
+    const ProcessResult connected = home.run("connect");
+    EXPECT_THAT(connected.standardOutput,
+                testing::AllOf(HasSubstr("not heard all the same: disableAllHooks is on in " + home.settings.string()),
+                               testing::Not(HasSubstr("Connected"))));
+    EXPECT_THAT(home.run("status --no-probe").standardOutput, HasSubstr("disableAllHooks is on"));
+}
+
+TEST(Connect, leavesAStrangersHomeAsItIs) {
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "needs root";
+    }
+    const Home home;
+    home.put(kSettings);
+    const Instant now = systemNow();
+    StatusLineSnapshot{.observedAt = now, .rateLimits = {.fiveHour = {{.usedPercentage = 41.0, .resetsAt = now + 1h}}}}
+        .write(home / "vorn/statusline.json");
+    const std::string before = home.tree();
+    constexpr uid_t kNobody = 65534;
+    for (const auto& entry : fs::recursive_directory_iterator(home.path())) {
+        ASSERT_EQ(::chown(entry.path().c_str(), kNobody, kNobody), 0);
+    }
+    for (const char* command : {"connect", "connect --dry-run", "disconnect", "disconnect --purge", "plan bank 1"}) {
+        SCOPED_TRACE(command);
+        const ProcessResult refused = home.run(command);
+        EXPECT_EQ(refused.status, 1);
+        EXPECT_THAT(refused.standardError, testing::AllOf(HasSubstr("You are root"), HasSubstr("belongs to nobody")));
+        EXPECT_EQ(home.tree(), before);
+    }
+    EXPECT_EQ(home.run("plan list").status, 0);
+    const ProcessResult status = home.run("status --probe");
+    EXPECT_EQ(status.status, 0) << status.standardError;
+    EXPECT_THAT(status.standardOutput, HasSubstr("41%"));
+    EXPECT_THAT(status.standardError, HasSubstr("nothing is stored"));
+    EXPECT_EQ(home.tree(), before);
+    EXPECT_EQ(readAll(home.settings), kSettings);
+}
+
+TEST(Disconnect, keepsACopyOfALineThatIsNotInTheSettings) {
+    const Home home;
+    home.put(kSettings);
+    ASSERT_EQ(home.run("connect").status, 0);
+    fs::remove_all(home / "vorn");
+    EXPECT_THAT(home.run("disconnect --purge").standardError, HasSubstr("vornctl connect makes a new record"));
+    EXPECT_THAT(home.run("connect").standardOutput, HasSubstr("settings.json.vorn-backup) has it:\n  echo 'mine'\n"));
+    home.put(R"({"z": 1})");
+    const ProcessResult purged = home.run("disconnect --purge");
+    EXPECT_EQ(purged.status, 0) << purged.standardError;
+    EXPECT_THAT(purged.standardOutput, HasSubstr("since you have taken it out"));
+    EXPECT_THAT(purged.standardOutput,
+                HasSubstr("another status line than your settings:\n  " + home.settings.string() + ".vorn-backup\n"));
+    EXPECT_EQ(readAll(home.settings.string() + ".vorn-backup"), kSettings);
+    EXPECT_FALSE(fs::exists(home / "vorn"));
+
+    home.put(R"({"statusLine": {"command": "echo vorn-bridge"}})");
+    const ProcessResult refused = home.run("connect");
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_THAT(refused.standardError, HasSubstr("  echo vorn-bridge\n"));
+    EXPECT_THAT(home.run("connect --replace --dry-run").standardOutput, HasSubstr("+    \"command\": \"'"));
+    EXPECT_EQ(home.run("connect --replace").status, 0);
 }
 
 TEST(Disconnect, purgesOnlyWhatIsVorns) {

@@ -10,15 +10,18 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "core/analysis/assess.hpp"
+#include "core/wording/window_text.hpp"
 #include "platform/desktop_appearance.hpp"
 #include "tests/support/shown_window.hpp"
 #include "tests/support/view_looks.hpp"
 #include "tests/support/view_states.hpp"
-#include "ui/views/dashboard_content.hpp"
-#include "ui/views/dashboard_window.hpp"
-#include "ui/views/thinned_points.hpp"
-#include "ui/views/time_axis.hpp"
-#include "ui/views/view_picture.hpp"
+#include "ui/charts/thinned_points.hpp"
+#include "ui/charts/time_axis.hpp"
+#include "ui/dashboard/dashboard_presenter.hpp"
+#include "ui/dashboard/dashboard_window.hpp"
+#include "ui/window/app_requests.hpp"
+#include "ui/window/view_picture.hpp"
 
 namespace vorn {
 namespace {
@@ -38,14 +41,14 @@ QImage picture(UsageModel& model, const PictureLook& with) {
     appearance.setLook(with.look);
     ViewEngine engine(appearance);
     const auto hold = engine.hold();
-    DashboardContent content(model);
-    QVariantMap properties = content.properties();
-    properties.insert("hasSettings", true);
-    properties.insert("preferredWidth", with.width);
-    properties.insert("pixelRatio", with.pixelRatio);
-    return pictureOf(
-        *hold,
-        {.view = QUrl("qrc:/qt/qml/Vorn/DashboardView.qml"), .properties = properties, .pixelRatio = with.pixelRatio});
+    DashboardPresenter presenter(model);
+    AppRequests requests;
+    return pictureOf(*hold, {.view = QUrl("qrc:/qt/qml/Vorn/Dashboard/DashboardView.qml"),
+                             .properties = {{"presenter", QVariant::fromValue(&presenter)},
+                                            {"requests", QVariant::fromValue(&requests)},
+                                            {"preferredWidth", with.width},
+                                            {"pixelRatio", with.pixelRatio}},
+                             .pixelRatio = with.pixelRatio});
 }
 
 TEST(DashboardView, ShowsEveryStateWithoutAWarning) {
@@ -203,11 +206,58 @@ TEST(PaceContent, MeasuresAgainstWhatCanBeSustained) {
         return pace.rows[at].value<PaceRow>();
     };
     EXPECT_EQ(row(0).factor, "–");
-    EXPECT_THAT(row(0).reason.toStdString(), testing::HasSubstr("switched off"));
+    EXPECT_EQ(row(0).reason.toStdString(), Format::whyNoRate(RateReading::Horizon::now, window.kind, false));
     EXPECT_EQ(row(1), (PaceRow{.label = "1 h", .rate = "40%/h", .factor = "×0.50", .bar = 0.5, .isTooFast = true}));
     EXPECT_EQ(row(2), (PaceRow{.label = "5 h", .rate = "10%/h", .factor = "×2.0", .bar = -0.5}));
     EXPECT_EQ(row(3), (PaceRow{.label = "24 h", .rate = "0%/h", .factor = "idle"}));
     EXPECT_EQ(row(4).bar, 1) << "full at four times the pace";
+}
+
+TEST(LimitPanel, ConcludesNothingBeforeTheReadingsAreJudged) {
+    const Evidence evidence{.windows = {test::reading(WindowKind::session(), 75, 4h)}, .isJudged = false};
+    const Answer answer = VornEngine::formAnswer(evidence, test::kNow);
+    const LimitPanelContent panel = limitPanelContent(answer, answer.cards.front());
+    EXPECT_EQ(panel.card.usedText, "75%");
+    EXPECT_EQ(panel.card.verdict, "");
+    EXPECT_EQ(panel.card.status, StatusForViews::Unknown);
+    EXPECT_FALSE(panel.chart.isProjected);
+    EXPECT_THAT(panel.pace.rows, testing::IsEmpty());
+    EXPECT_EQ(panel.pace.projected, "–");
+}
+
+TEST(DashboardPresenter, ChangesOnlyThePartsThatDiffer) {
+    ViewState state;
+    state.model->startDemo(demo::makeDemo(demo::Scenario::atRisk, state.now));
+    DashboardPresenter presenter(*state.model);
+    using P = DashboardPresenter;
+    const struct {
+        const char* name;
+        void (P::*signal)();
+    } parts[] = {{"head", &P::headChanged},         {"freshness", &P::freshnessChanged},
+                 {"resets", &P::resetsChanged},     {"sessionWeek", &P::sessionWeekChanged},
+                 {"activity", &P::activityChanged}, {"measured", &P::measuredChanged},
+                 {"printed", &P::printedChanged}};
+    std::string changed;
+    for (const auto& part : parts) {
+        QObject::connect(&presenter, part.signal, [&changed, &part] { changed += std::string(part.name) + " "; });
+    }
+    const struct {
+        const char* name;
+        std::function<void()> act;
+        const char* changed;
+    } steps[] = {{"nothing", [&] { state.model->recompute(); }, ""},
+                 {"a reset banked", [&] { presenter.planEditor()->setBanked(3); }, "resets "},
+                 {"the week's activity", [&] { presenter.chooseActivity(PeriodForViews::Week); }, "activity "},
+                 {"the day's shares", [&] { presenter.chooseMeasured(PeriodForViews::Day); }, "measured "},
+                 {"the same again", [&] { presenter.chooseMeasured(PeriodForViews::Day); }, ""},
+                 {"another printed period", [&] { presenter.choosePrinted(1); }, "printed "},
+                 {"no such period", [&] { presenter.choosePrinted(9); }, ""}};
+    for (const auto& step : steps) {
+        SCOPED_TRACE(step.name);
+        changed.clear();
+        step.act();
+        EXPECT_EQ(changed, step.changed);
+    }
 }
 
 /// The window on a screen that nobody sees.
@@ -270,7 +320,9 @@ protected:
     DesktopAppearance m_appearance;
     ViewEngine m_engine{m_appearance};
     WindowPlace m_place{.rect = {30, 40, 700, 500}};
+    AppRequests m_requests;
     DashboardWindow window{*m_state.model,
+                           m_requests,
                            m_engine,
                            {.load = [this] { return m_place; },
                             .save =
@@ -379,9 +431,9 @@ TEST_F(DashboardWindowTest, SwitchesWhatTheStripAndTheBreakdownSpan) {
     click(item("Segments", "Time shown"), 0.75);
     EXPECT_EQ(columns(), 84);
     const auto projects = [&] {
-        return item("RankedBars", "Projects")->property("shares");
+        return item("RankedBars", "Projects")->property("shares").toList();
     };
-    const QVariant hours = projects();
+    const QVariantList hours = projects();
     click(item("Segments", "Local activity"), 0.85);
     EXPECT_NE(projects(), hours);
     QTest::keyClick(shownWindow(), Qt::Key_Left);
@@ -396,9 +448,8 @@ TEST_F(DashboardWindowTest, SwitchesWhatTheStripAndTheBreakdownSpan) {
 }
 
 TEST_F(DashboardWindowTest, AsksForWhatItsMenuAndButtonsSay) {
-    QSignalSpy exported(&window, &DashboardWindow::exportRequested);
-    QSignalSpy settings(&window, &DashboardWindow::settingsRequested);
-    window.setHasSettings(true);
+    const QSignalSpy exported(&m_requests, &AppRequests::exportTable);
+    const QSignalSpy settings(&m_requests, &AppRequests::openSettings);
     shownWindow()->resize(1000, 700);
     const auto buttons = itemsNamed(shownWindow()->contentItem(), "IconButton");
     ASSERT_EQ(buttons.size(), 2U);
@@ -416,7 +467,8 @@ TEST_F(DashboardWindowTest, AsksForWhatItsMenuAndButtonsSay) {
     QTest::keyClick(shownWindow(), Qt::Key_Down);
     QTest::keyClick(shownWindow(), Qt::Key_Return);
     ASSERT_EQ(exported.count(), 1);
-    EXPECT_EQ(exported[0], (QVariantList{"history", "json"}));
+    EXPECT_EQ(exported[0][0].value<AppRequests::Table>(), AppRequests::History);
+    EXPECT_EQ(exported[0][1].value<AppRequests::TableFormat>(), AppRequests::Json);
 }
 
 }  // namespace

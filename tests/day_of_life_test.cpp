@@ -1,15 +1,12 @@
 #include <gtest/gtest.h>
 
-#include "core/analysis/assess.hpp"
-#include "core/analysis/history_index.hpp"
-#include "core/analysis/steer.hpp"
+#include "core/analysis/answer.hpp"
 #include "core/data/history_store.hpp"
-#include "core/data/reset_plan.hpp"
-#include "core/data/usage_state.hpp"
+#include "core/data/ledger.hpp"
+#include "core/wording/format.hpp"
+#include "core/wording/head.hpp"
 #include "tests/support/temporary_directory.hpp"
 #include "tests/support/working_day.hpp"
-#include "ui/format/format.hpp"
-#include "ui/format/head.hpp"
 
 namespace vorn {
 namespace {
@@ -19,9 +16,10 @@ using test::Counters;
 using test::DayEvent;
 using test::kMidnight;
 
-/// One day of readings: one every five minutes goes through the state into the history, and from there into verdicts.
+/// One day of readings: one every five minutes goes through the ledger into the history, and from there into verdicts.
 class Day {
 public:
+    Day() { m_ledger.begin({}, m_now); }
     /// Works until `end` at this many session points per hour.
     void work(Instant end, double sessionPerHour) {
         for (; m_now < end; m_now += Counters::step) {
@@ -43,7 +41,7 @@ public:
             m_counters.resetSession();
         }
         if (event == DayEvent::redeem) {
-            m_state.expectReset(std::vector{WindowKind::session()});
+            m_ledger.announce({WindowKind::session()});
         }
     }
 
@@ -55,27 +53,19 @@ public:
     Texts texts() {
         const std::vector<HistorySample> history = m_history.all();
         m_index.update(history);
-        std::vector<WindowAssessment> assessments;
-        for (const UsageWindow& window : m_state.current(m_now)) {
-            const MatchingSamples samples = m_index.matching(window);
-            assessments.push_back(VornEngine::assess(
-                window, {.history = samples, .now = m_now, .plannedResetAt = m_plan.horizon(window, m_now)}));
-        }
-        const auto steer = VornEngine::steer(assessments, m_steered, 0.1);
-        m_steered = steer ? std::optional(steer->kind) : std::nullopt;
-        const auto head = Format::head(VornEngine::headline(assessments), steer, m_now);
-        return {Format::verdict(assessments.at(0), m_now), Format::verdict(assessments.at(1), m_now),
-                head ? head->headline : ""};
+        const Answer answer = VornEngine::formAnswer(
+            {.windows = m_ledger.state().current(m_now), .history = &m_index, .plan = m_plan, .steeredBy = m_steered},
+            m_now);
+        m_steered = answer.steer ? std::optional(answer.steer->kind) : std::nullopt;
+        return {Format::verdict(answer.cards.at(0).assessment, m_now),
+                Format::verdict(answer.cards.at(1).assessment, m_now), Format::head(answer).value().headline};
     }
 
 private:
-    void read() {
-        m_state.merge(m_counters.read(m_now));
-        m_history.record(m_state.current(m_now), m_now);
-    }
+    void read() { m_history.record(m_ledger.takeAnswer(m_counters.read(m_now), std::nullopt, m_now).toRecord, m_now); }
 
     test::TemporaryDirectory m_directory;
-    UsageState m_state;
+    Ledger m_ledger;
     HistoryStore m_history{m_directory.path() / "history.jsonl"};
     HistoryIndex m_index;
     ResetPlan m_plan;

@@ -1,4 +1,4 @@
-#include "ui/glyph/day_ring.hpp"
+#include "ui/tray/day_ring.hpp"
 
 #include <QPainterPath>
 #include <cmath>

@@ -4,22 +4,13 @@
 
 #include <gtest/gtest.h>
 
-#include "cli/status_report.hpp"
+#include "demo/demo_answer.hpp"
 #include "tests/support/readings.hpp"
 
 namespace vorn::demo {
 namespace {
 
 using namespace std::chrono_literals;
-
-cli::StatusReport reportOf(const Demo& demo, Instant now) {
-    return cli::analyse({.windows = demo.windows,
-                         .insights = demo.insights,
-                         .history = demo.history,
-                         .activity = ActivitySummary(demo.activity),
-                         .plan = demo.plan},
-                        now);
-}
 
 TEST(Demo, StandsWhereItsNameSaysAtAnyMoment) {
     using enum VornSteer::Direction;
@@ -33,13 +24,14 @@ TEST(Demo, StandsWhereItsNameSaysAtAnyMoment) {
         for (int i = 0; i < 12; ++i) {
             const Instant now = test::kNow + i * 6h + i * 17min + i * 0.37s;
             SCOPED_TRACE(std::string(name(scenario)) + " at " + formatIso8601(now));
-            const cli::StatusReport report = reportOf(makeDemo(scenario, now), now);
-            ASSERT_TRUE(report.headline && report.head && report.head->steer);
-            EXPECT_EQ(report.headline->status, status);
-            EXPECT_EQ(report.head->steer->direction(), direction);
-            EXPECT_TRUE(report.sessionsLeft);
-            EXPECT_EQ(report.cards.size(), 3U);
-            EXPECT_EQ(report.cards[1].assessment.plannedResetAt.has_value(), scenario == Scenario::plannedReset);
+            const Answer shown = answer(makeDemo(scenario, now), now);
+            ASSERT_TRUE(shown.urgent && shown.head && shown.head->steer);
+            EXPECT_EQ(shown.urgentAssessment()->status, status);
+            EXPECT_EQ(shown.head->steer->direction(), direction);
+            EXPECT_EQ(shown.session()->rateBasis, RateBasis::localActivity);
+            EXPECT_TRUE(shown.isDemo && shown.sessionsLeft);
+            EXPECT_EQ(shown.cards.size(), 3U);
+            EXPECT_EQ(shown.cards[1].assessment.plannedResetAt.has_value(), scenario == Scenario::plannedReset);
         }
     }
 }

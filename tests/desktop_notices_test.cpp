@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include "app/model/notifier.hpp"
-#include "app/model/preferences.hpp"
+#include "model/notifier.hpp"
+#include "model/preferences.hpp"
 #include "platform/linux/freedesktop_notification_center.hpp"
 #include "tests/support/fake_notification_server.hpp"
 #include "tests/support/private_bus.hpp"

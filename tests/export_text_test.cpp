@@ -1,4 +1,4 @@
-#include "core/sources/export_text.hpp"
+#include "core/transcripts/export_text.hpp"
 
 #include <cmath>
 

@@ -1,13 +1,16 @@
-#include "ui/format/format.hpp"
+#include "core/wording/format.hpp"
 
 #include <cmath>
 #include <limits>
 
 #include <gtest/gtest.h>
 
+#include "core/wording/answer_text.hpp"
+#include "core/wording/failure_text.hpp"
+#include "core/wording/head.hpp"
+#include "core/wording/window_text.hpp"
 #include "tests/support/readings.hpp"
 #include "tests/support/temporary_directory.hpp"
-#include "ui/format/head.hpp"
 
 namespace vorn {
 namespace {
@@ -126,16 +129,122 @@ TEST(Format, writesVerdictsInTheUsersTime) {
     EXPECT_EQ(Format::clock(kNow + 11h, kNow), "Mon 12:00\u202fAM");
 }
 
-TEST(Format, theHeadNeverPromisesRoomAtALimit) {
-    const auto limited = assessmentOf({VornStatus::limited, 100, 2h});
-    const auto calm = assessmentOf({VornStatus::comfortable, 40, 2h, 10, 60});
-    const VornSteer room = steerBy(1.84, WindowKind::week());
-    EXPECT_EQ(Format::head(limited, room, kNow)->headline, "Limit reached — pause until it resets");
-    EXPECT_EQ(Format::head(limited, room, kNow)->reason, "Session (5h) is the tight one");
-    EXPECT_EQ(Format::head(calm, room, kNow),
-              (Format::Head{"Room to speed up 1.8×", "Week (7d) is the tight one", room}));
-    EXPECT_EQ(Format::head(calm, std::nullopt, kNow), (Format::Head{"Lands around 60% at reset", "", std::nullopt}));
-    EXPECT_FALSE(Format::head(std::nullopt, std::nullopt, kNow));
+TEST(Format, writesAmountsOnOneScale) {
+    EXPECT_EQ(
+        texts(Format::tokens, {0, 560, 999.4, 999.5, 1500, 9949, 9950, 34499, 999499, 999500, 1250000, 2.5e9, 4e12}),
+        "0 | 560 | 999 | 1.0k | 1.5k | 9.9k | 10k | 34k | 999k | 1.0M | 1.3M | 2.5G | 4000G");
+    EXPECT_EQ(texts(Format::tokens, {-5, kNan, kInfinity}), "0 | — | —");
+    EXPECT_EQ(texts(Format::sessions, {6.54, 10, 12.3, kInfinity}), "6.5 | 10 | 12 | ∞");
+    EXPECT_EQ(texts([](double s) { return Format::spokenDuration(Seconds{s}); }, {20, 60, 4500, 7200, 90061, kNan}),
+              "less than a minute | 1 minute | 1 hour 15 minutes | 2 hours | 1 day 1 hour | less than a minute");
+    // Beside "Ease off to 1%" no factor says that nothing is left.
+    EXPECT_EQ(texts([](double factor) { return Format::shortFactor(steerBy(factor)); }, {0, 0.01, 0.06, 0.5, 1, 2}),
+              "■ | ↓ | ↓0.1× | ↓0.5× | → | ↑2.0×");
+    EXPECT_EQ(texts([](double rate) { return Format::room(rate, 10); }, {0, 0.01, 5, 20, 9000, kNan}),
+              "idle | idle | ×2.0 | ×0.50 |  | idle");
+    EXPECT_EQ(Format::room(5, 0), "");
+}
+
+TEST(Format, saysOfAWindowWhatIsKnown) {
+    const ScopedEnvironment zone("TZ", "UTC");
+    const ScopedEnvironment locale("LC_ALL", "C");
+    auto window = assessmentOf({VornStatus::atRisk, 72, 2h, 26, 124, 65min});
+    window.timeToReset = 2h;
+    window.evenPacePercent = 60;
+    window.rateBasis = RateBasis::localActivity;
+    EXPECT_EQ(Format::resetText(window, kNow).text(), "Resets in 2h · 14:00");
+    EXPECT_EQ(Format::resetText(window, kNow).pieces.at(1), (Format::Phrase::Piece{"2h", true}));
+    EXPECT_EQ(Format::paceText(window).text(), "26%/h from local activity · 12 points ahead of even pace");
+    EXPECT_EQ(Format::windowLine(window, kNow), "Session 72% · Limit in ~1h 5m at this pace · resets in 2h");
+    EXPECT_EQ(Format::windowLine(window, kNow, false), "Session 72% · resets in 2h");
+    EXPECT_EQ(Format::spokenWindow(window, kNow),
+              "Session, at risk, 72% used, Limit in about 1 hour 5 minutes at this pace, resets in 2 hours, at 14:00, "
+              "26%/h from local activity, 12 points ahead of even pace");
+    window.ratePerHour.reset();
+    EXPECT_EQ(Format::rateText(window).text(), "No rate yet");
+}
+
+TEST(Format, saysHowTheAnswerCameAbout) {
+    const ScopedEnvironment zone("TZ", "UTC");
+    const ScopedEnvironment locale("LC_ALL", "C");
+    using Kind = ProbeFailure::Kind;
+    auto line = reading(WindowKind::session(), 40, 2h);
+    line.source = DataSource::statusLine;
+    const auto failed = [](Kind kind, std::string detail = {}) {
+        return Asking{.lastAt = kNow, .failure = ProbeFailure{kind, std::move(detail)}};
+    };
+    const struct {
+        Evidence evidence;
+        const char* freshness;
+        const char* title;
+        const char* remedy;
+        const char* tooltip;  ///< Its first line.
+    } cases[] = {
+        {{}, "", "No reading yet", "", "No reading yet"},
+        {{.asking = {.isRunning = true}}, "Asking claude /usage…", "Reading your usage…", "", "Reading your usage…"},
+        {{.asking = {.hasAnswered = true, .lastAt = kNow}},
+         "Checked 12:00 · claude /usage",
+         "Connected, no limits yet",
+         "",
+         "Connected, no limits yet"},
+        {{.asking = failed(Kind::claudeNotFound)},
+         "",
+         "No reading yet",
+         "Vorn asks again by itself.",
+         "Couldn't find the claude command. Install Claude Code, or set its path in Settings."},
+        {{.asking = failed(Kind::commandFailed, " \n")},
+         "Checked 12:00 · claude /usage",
+         "No reading yet",
+         "It ended without a word; claude -p /usage in a terminal may tell more.",
+         "claude /usage failed:"},
+        {{.windows = {line}, .asking = failed(Kind::timedOut)},
+         "Updated 12:00 · status line",
+         "",
+         "Claude Code's status line keeps the figures current.",
+         "Room to speed up 2.2×"},
+        {{.windows = {reading(WindowKind::session(), 40, 2h)}, .asking = failed(Kind::timedOut)},
+         "Updated 12:00 · claude /usage",
+         "",
+         "The last figures stay. Vorn asks again by itself.",
+         "Room to speed up 2.2×"},
+        {{.windows = {line}, .isJudged = false}, "Updated 12:00 · status line", "", "", "Reading your usage…"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.tooltip);
+        const Answer answer = VornEngine::formAnswer(c.evidence, kNow);
+        EXPECT_EQ(Format::freshness(answer).text(), c.freshness);
+        EXPECT_EQ(Format::placeholder(answer).title, c.title);
+        EXPECT_EQ(Format::remedy(answer), c.remedy);
+        EXPECT_EQ(Format::tooltipLines(answer).front(), c.tooltip);
+    }
+}
+
+TEST(Format, tellsTheClientsWordsFromVorns) {
+    using Kind = ProbeFailure::Kind;
+    const struct {
+        ProbeFailure failure;
+        const char* sentence;
+        const char* quoted;
+        bool advises;
+    } cases[] = {
+        {{Kind::commandFailed, "one\ntwo\n"}, "claude /usage failed: one", "two", false},
+        {{Kind::commandFailed, "error: unknown option '--safe-mode'"},
+         "claude /usage failed: error: unknown option '--safe-mode'",
+         "",
+         true},
+        {{Kind::commandFailed, std::string(3, '\0') + " \r\n"}, "claude /usage failed:", "", true},
+        {{Kind::unrecognizedOutput, "{}"},
+         "Vorn couldn't read the /usage output. Claude Code may have changed its format.",
+         "{}",
+         false},
+        {{Kind::timedOut, ""}, "claude /usage didn't answer in time.", "", false},
+        {{Kind::other, ""}, "", "", false},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(Format::sentence(c.failure), c.sentence);
+        EXPECT_EQ(Format::quoted(c.failure), c.quoted) << c.sentence;
+        EXPECT_EQ(Format::advice(c.failure).empty(), !c.advises) << c.sentence;
+    }
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
 // Real processes: this test's own executable, started again as the application would be.
-#include "app/model/instance_server.hpp"
+#include "model/instance_server.hpp"
 
 #include <QCoreApplication>
 #include <QTimer>
@@ -39,23 +39,27 @@ using testing::StartsWith;
 
 constexpr const char* kOk = R"({"reply":"ok"})";
 
+// What the instance below understands by them.
+constexpr InstanceRequest kQuit{.kind = InstanceRequest::Kind::redeemed, .scope = PlannedReset::Scope::all};
+constexpr InstanceRequest kRefuse{.kind = InstanceRequest::Kind::redeemed, .scope = PlannedReset::Scope::session};
+
 /// What the executable does as "--instance HOME": says how it started and, as the first, writes down what is requested.
 int runInstance(int& argc, char** argv) {
     const QCoreApplication application(argc, argv);
     InstanceServer server(argv[2]);
-    const auto start = server.start({{"request", "activate"}});
+    const auto start = server.start({});
     std::ofstream(fs::path(argv[2]) / "starts", std::ios::app) << (start.kind == Kind::first        ? "first\n"
                                                                    : start.kind == Kind::handedOver ? "handed over\n"
                                                                                                     : "failed\n");
     if (start.kind != Kind::first) {
         return start.kind == Kind::handedOver ? 0 : 1;
     }
-    server.setHandler([&](const QString& name, const QJsonObject&) {
-        std::ofstream(fs::path(argv[2]) / "requests", std::ios::app) << name.toStdString() << '\n';
-        if (name == u"quit") {
+    server.setHandler([&](const InstanceRequest& request) {
+        std::ofstream(fs::path(argv[2]) / "requests", std::ios::app) << rawValue(request.kind) << '\n';
+        if (request == kQuit) {
             QTimer::singleShot(0, &application, &QCoreApplication::quit);
         }
-        return name == u"refuse" ? QStringLiteral("Not now.") : QString();
+        return request == kRefuse ? QStringLiteral("Not now.") : QString();
     });
     return QCoreApplication::exec();
 }
@@ -86,13 +90,13 @@ protected:
         std::erase(m_processes, process);
         return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
     }
-    [[nodiscard]] std::string request(const std::string& name, std::chrono::milliseconds timeout = 10s) const {
+    [[nodiscard]] std::string request(const InstanceRequest& what, std::chrono::milliseconds timeout = 10s) const {
         const auto socket = findLocalSocket(m_home);
-        return socket ? sendRequest(*socket, R"({"request":")" + name + "\"}", timeout).value_or("") : "";
+        return socket ? sendRequest(*socket, encode(what), timeout).value_or("") : "";
     }
     /// Until it answers.
     [[nodiscard]] bool isReady() const {
-        return waitUntil([&] { return request("ping") == kOk; });
+        return waitUntil([&] { return request({}) == kOk; });
     }
     [[nodiscard]] std::string noted(const char* name) const {
         return fs::exists(m_home / name) ? readAll(m_home / name) : "";
@@ -119,7 +123,7 @@ TEST_F(InstanceServerTest, LeavesExactlyOneOfTwoStartsAtTheSameMoment) {
         if (round % 2 == 0) {  // the next round finds a place that was left behind, or one that was tidied up
             ::kill(m_processes.front(), SIGKILL);
         } else {
-            ASSERT_EQ(request("quit"), kOk);
+            ASSERT_EQ(request(kQuit), kOk);
         }
         EXPECT_EQ(wait(m_processes.front()), round % 2 == 0 ? -SIGKILL : 0);
         EXPECT_THAT(noted("starts"), testing::AnyOf("first\nhanded over\n", "handed over\nfirst\n"));
@@ -131,31 +135,31 @@ TEST_F(InstanceServerTest, TellsWhatTheFirstOneSays) {
     launch();
     ASSERT_TRUE(isReady());
     InstanceServer second(m_home);
-    const auto refused = second.start({{"request", "refuse"}});
+    const auto refused = second.start(kRefuse);
     EXPECT_EQ(refused.kind, Kind::failed);
     EXPECT_EQ(refused.problem, "Not now.");
-    EXPECT_EQ(second.start({{"request", "show-dashboard"}}).kind, Kind::handedOver);
+    EXPECT_EQ(second.start({.kind = InstanceRequest::Kind::showDashboard}).kind, Kind::handedOver);
     EXPECT_THAT(noted("requests"), HasSubstr("show-dashboard\n"));
     // Another home is another Vorn, the same one written otherwise is not.
     InstanceServer other(m_dir / "other");
-    EXPECT_EQ(other.start({{"request", "activate"}}).kind, Kind::first);
+    EXPECT_EQ(other.start({}).kind, Kind::first);
     fs::create_directory_symlink(m_home, m_dir / "link");
     InstanceServer same(m_dir / "link/../link/");
-    EXPECT_EQ(same.start({{"request", "activate"}}).kind, Kind::handedOver);
+    EXPECT_EQ(same.start({}).kind, Kind::handedOver);
 
     // One that hangs.
     ::kill(m_processes.front(), SIGSTOP);
     InstanceServer third(m_home);
-    const auto failed = third.start({{"request", "activate"}}, {.toListen = 100ms, .toAnswer = 200ms});
+    const auto failed = third.start({}, {.toListen = 100ms, .toAnswer = 200ms});
     EXPECT_EQ(failed.kind, Kind::failed);
     EXPECT_EQ(failed.problem.toStdString(), "Vorn is running already (process " + std::to_string(m_processes.front()) +
                                                 ") but does not answer. End that one, then start Vorn again.");
-    EXPECT_EQ(request("ping", 50ms), "");
+    EXPECT_EQ(request({}, 50ms), "");
     // One whose lock file was cleaned away is found all the same.
     ::kill(m_processes.front(), SIGCONT);
     ASSERT_TRUE(isReady());
     fs::remove(findLocalSocket(m_home)->replace_extension(".lock"));
-    EXPECT_EQ(third.start({{"request", "activate"}}).kind, Kind::handedOver);
+    EXPECT_EQ(third.start({}).kind, Kind::handedOver);
 }
 
 TEST_F(InstanceServerTest, LearnsOfARedeemedResetFromTheTerminal) {
@@ -172,7 +176,7 @@ TEST_F(InstanceServerTest, LearnsOfARedeemedResetFromTheTerminal) {
     launch();
     ASSERT_TRUE(isReady());
     EXPECT_EQ(redeem(), alone);
-    EXPECT_THAT(noted("requests"), testing::EndsWith("ping\nredeemed\n"));
+    EXPECT_THAT(noted("requests"), testing::EndsWith("activate\nredeemed\n"));
     ::kill(m_processes.front(), SIGSTOP);
     EXPECT_EQ(redeem(), alone);
 }
@@ -181,9 +185,9 @@ TEST_F(InstanceServerTest, LearnsOfARedeemedResetFromTheTerminal) {
 class InstanceConnectionTest : public InstanceServerTest {
 protected:
     InstanceConnectionTest() {
-        EXPECT_EQ(m_server.start({{"request", "activate"}}).kind, Kind::first);
-        m_server.setHandler([this](const QString& name, const QJsonObject& request) {
-            m_handled = name.toStdString() + " " + request.value("scope").toString().toStdString();
+        EXPECT_EQ(m_server.start({}).kind, Kind::first);
+        m_server.setHandler([this](const InstanceRequest& request) {
+            m_handled = encode(request);
             return QString();
         });
     }
@@ -211,7 +215,7 @@ protected:
 
 TEST_F(InstanceConnectionTest, AnswersEveryLine) {
     EXPECT_EQ(answerTo(R"({"scope": "week", "request": "redeemed", "more": [1]})"), kOk);
-    EXPECT_EQ(m_handled, "redeemed week");
+    EXPECT_EQ(m_handled, R"({"request":"redeemed","scope":"week"})");
     const std::string long_ = R"({"request":"activate","scope":")" + std::string(kLongestRequest - 40, 'x') + "\"}";
     EXPECT_EQ(answerTo(long_), kOk);
     m_handled.clear();
@@ -219,6 +223,9 @@ TEST_F(InstanceConnectionTest, AnswersEveryLine) {
          {std::string(), std::string("activate"), std::string("[]"), std::string(R"({"request": 5})"),
           std::string("\0\xff\x01", 3), test::repeated(20000, "["), std::string(R"({"request": "activate"} more)")}) {
         EXPECT_EQ(answerTo(line), R"({"error":"That is no request."})") << line.substr(0, 40);
+    }
+    for (const char* const line : {R"({"request": "dance"})", R"({"request": "redeemed", "scope": "day"})"}) {
+        EXPECT_THAT(answerTo(line), HasSubstr("does not know this request"));
     }
     // One that is too long is not waited for, so its sender may be cut off.
     EXPECT_THAT(answerTo(std::string(10 * kLongestRequest, 'x')), testing::AnyOf("nothing", HasSubstr("no request")));
@@ -228,6 +235,7 @@ TEST_F(InstanceConnectionTest, AnswersEveryLine) {
 }
 
 TEST_F(InstanceConnectionTest, IsHeldUpByNobody) {
+    const std::string kActivate = R"({"request":"activate"})";
     std::vector<Descriptor> clients;
     const auto send = [&](std::string_view bytes) {
         return ::send(clients.back().get(), bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
@@ -265,9 +273,9 @@ TEST_F(InstanceConnectionTest, IsHeldUpByNobody) {
     waitUntil([] { return false; }, 400ms);
     EXPECT_LT(std::clock() - before, CLOCKS_PER_SEC / 5);
     ::setrlimit(RLIMIT_NOFILE, &limit);
-    EXPECT_EQ(m_handled, "activate ");
-    waitUntil([&] { return m_handled != "activate "; });
-    EXPECT_EQ(m_handled, "show-popover ");
+    EXPECT_EQ(m_handled, kActivate);
+    waitUntil([&] { return m_handled != kActivate; });
+    EXPECT_EQ(m_handled, R"({"request":"show-popover"})");
 }
 
 TEST(LocalSocket, LiesWhereNobodyElseCanBe) {

@@ -1,4 +1,4 @@
-#include "app/model/integrations.hpp"
+#include "model/integrations.hpp"
 
 #include <stdexcept>
 
@@ -87,7 +87,7 @@ TEST_F(IntegrationsTest, ConnectsWithTheRelayThatCameWithTheProgram) {
     m_integrations.refresh();
     EXPECT_FALSE(m_integrations.hasDownstreamCommand());
     fs::rename(m_dir / "away", m_dir / "vorn/integration.json");
-    m_dir.write("settings.json", R"({"statusLine": {"command": "/old/vorn-bridge --chain"}})");
+    m_dir.write("settings.json", R"({"statusLine": {"command": "'/old/vorn-bridge' --chain"}})");
     m_integrations.refresh();
     EXPECT_EQ(error(), "");
     EXPECT_EQ(m_integrations.statusLine().kind, Kind::stale);

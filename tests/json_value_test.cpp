@@ -1,4 +1,4 @@
-#include "core/sources/json_value.hpp"
+#include "core/support/json_value.hpp"
 
 #include <clocale>
 
@@ -102,6 +102,8 @@ TEST(JSONValue, refusesWhatItWouldHaveToRepair) {
         {"\"abc", "ends inside a text"},
         {"\"abc\\", "no such escape"},
         {"01", "something follows the end"},
+        {"[1.2.3]", "column 5: a comma is missing"},
+        {"[12e3e4]", "column 6: a comma is missing"},
         {"+1", "a value is expected"},
         {"1.", "a value is expected"},
         {"1e", "a value is expected"},

@@ -1,4 +1,4 @@
-#include "core/sources/local_activity_scanner.hpp"
+#include "core/transcripts/local_activity_scanner.hpp"
 
 #include <algorithm>
 #include <atomic>

@@ -1,4 +1,4 @@
-#include "core/sources/marker_search.hpp"
+#include "core/transcripts/marker_search.hpp"
 
 #include <cstdlib>
 #include <random>

@@ -1,18 +1,15 @@
-#include "ui/glyph/menu_bar_glyph.hpp"
+#include "ui/tray/menu_bar_glyph.hpp"
 
 #include <QGuiApplication>
 #include <QPainter>
-#include <QSettings>
 #include <array>
 
 #include <gtest/gtest.h>
 
-#include "app/model/model_parts.hpp"
-#include "app/model/preferences.hpp"
+#include "demo/demo_answer.hpp"
 #include "tests/support/readings.hpp"
-#include "tests/support/temporary_directory.hpp"
-#include "ui/glyph/cell_text.hpp"
-#include "ui/glyph/glyph_text.hpp"
+#include "ui/tray/cell_text.hpp"
+#include "ui/tray/glyph_text.hpp"
 
 namespace vorn {
 
@@ -25,9 +22,9 @@ std::string describe(const MenuBarPart& part) {
     return text != nullptr ? text->text : "ring " + std::get<RingPart>(part).kind.key();
 }
 
-class FixedClock : public ModelClock {
-    [[nodiscard]] Instant now() const override { return kNow; }
-};
+Answer answerOf(std::vector<UsageWindow> windows) {
+    return VornEngine::formAnswer({.windows = std::move(windows)}, kNow);
+}
 
 RingPart ringPart(const WindowKind& kind, VornStatus status, double used) {
     WindowAssessment assessment{.window = reading(kind, used, 2h), .evenPacePercent = 48};
@@ -46,21 +43,6 @@ protected:
         static char* arguments[] = {name, nullptr};
         static const QGuiApplication application(count, arguments);
     }
-
-    /// A model of the moment `kNow`.
-    struct World {
-        TemporaryDirectory directory;
-        ScopedEnvironment home{"VORN_HOME", directory.path().c_str()};
-        Preferences preferences{
-            std::make_unique<QSettings>(QString::fromStdString(directory / "p.ini"), QSettings::IniFormat)};
-        UsageModel model{preferences, parts()};
-
-        static UsageModel::Parts parts() {
-            UsageModel::Parts parts = makeModelParts();
-            parts.clock = std::make_unique<FixedClock>();
-            return parts;
-        }
-    };
 };
 
 TEST_F(MenuBarGlyphTest, TurnsItemsIntoParts) {
@@ -91,12 +73,8 @@ TEST_F(MenuBarGlyphTest, TurnsItemsIntoParts) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        World world;
-        if (!c.windows.empty()) {
-            world.model.startDemo({.windows = c.windows, .insights = {}, .history = {}, .activity = {}, .plan = {}});
-        }
         std::vector<std::string> parts;
-        for (const MenuBarPart& part : MenuBarGlyph::parts(c.items, world.model)) {
+        for (const MenuBarPart& part : MenuBarGlyph::parts(c.items, answerOf(c.windows))) {
             parts.push_back(describe(part));
         }
         EXPECT_EQ(parts, c.parts);
@@ -104,18 +82,15 @@ TEST_F(MenuBarGlyphTest, TurnsItemsIntoParts) {
 }
 
 TEST_F(MenuBarGlyphTest, GivesEachRingItsOwnSteer) {
-    World world;
-    world.model.startDemo(demo::makeDemo(demo::Scenario::atRisk, kNow));
-    const UsageModel& model = world.model;
-    const auto all = MenuBarGlyph::parts(kAllMenuBarItems, model);
+    const Answer answer = demo::answer(demo::makeDemo(demo::Scenario::atRisk, kNow), kNow);
+    const auto all = MenuBarGlyph::parts(kAllMenuBarItems, answer);
     ASSERT_EQ(all.size(), kAllMenuBarItems.size());
-    EXPECT_EQ(all[0], MenuBarPart(RingPart{model.steer()->kind, *model.steerAssessment(), model.steer()}));
-    EXPECT_EQ(all[4], MenuBarPart(RingPart{WindowKind::week(), *model.week(), model.week()->steer()}));
+    EXPECT_EQ(all[0], MenuBarPart(RingPart{answer.steer->kind, *answer.steerAssessment(), answer.steer}));
+    EXPECT_EQ(all[4], MenuBarPart(RingPart{WindowKind::week(), *answer.week(), answer.week()->steer()}));
     EXPECT_EQ(std::get<TextPart>(all[7]).item, MenuBarItem::paceFactor);
 
     const MenuBarPart empty = RingPart{.kind = WindowKind::session(), .assessment = {}, .steer = {}};
-    World fresh;
-    EXPECT_EQ(MenuBarGlyph::parts(std::array{MenuBarItem::tightestRing}, fresh.model), std::vector{empty});
+    EXPECT_EQ(MenuBarGlyph::parts(std::array{MenuBarItem::tightestRing}, answerOf({})), std::vector{empty});
 }
 
 TEST_F(MenuBarGlyphTest, SaysNothingAboutUseInTheStyleThatOnlySteers) {

@@ -1,10 +1,10 @@
-#include "app/model/notifier.hpp"
+#include "model/notifier.hpp"
 
 #include <QSettings>
 
 #include <gmock/gmock.h>
 
-#include "app/model/preferences.hpp"
+#include "model/preferences.hpp"
 #include "platform/notification_center.hpp"
 #include "tests/support/readings.hpp"
 #include "tests/support/temporary_directory.hpp"

@@ -9,16 +9,17 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "app/snapshot.hpp"
 #include "platform/desktop_appearance.hpp"
 #include "tests/support/qt_warnings.hpp"
 #include "tests/support/shown_window.hpp"
 #include "tests/support/view_looks.hpp"
 #include "tests/support/view_states.hpp"
-#include "ui/views/popover_content.hpp"
-#include "ui/views/popover_window.hpp"
-#include "ui/views/snapshot.hpp"
-#include "ui/views/view_engine.hpp"
-#include "ui/views/view_picture.hpp"
+#include "ui/popover/popover_presenter.hpp"
+#include "ui/popover/popover_window.hpp"
+#include "ui/window/app_requests.hpp"
+#include "ui/window/view_engine.hpp"
+#include "ui/window/view_picture.hpp"
 
 namespace vorn {
 namespace {
@@ -33,16 +34,14 @@ struct PictureLook {
 };
 
 /// Texts as long as they become in other languages.
-void lengthen(WindowListModel& windows, const UsageModel& model) {
-    std::vector<WindowListModel::Row> rows;
-    for (const WindowAssessment& assessment : model.assessments()) {
-        WindowCardContent card = windowCardContent(assessment, model.now());
+void lengthen(WindowListModel& windows, const Answer& answer) {
+    auto rows = windowRows(answer);
+    for (auto& [card, isFoldable] : rows) {
         card.title += " über alle Modelle";
         card.statusText = "Komfortabel";
         for (QString* const text : {&card.verdict, &card.reset, &card.shortReset, &card.pace}) {
             *text += " " + text->left(text->size() / 2);
         }
-        rows.push_back({.card = card, .isFoldable = model.assessments().size() > 4});
     }
     windows.setRows(std::move(rows));
 }
@@ -52,16 +51,15 @@ QImage picture(UsageModel& model, const PictureLook& with) {
     appearance.setLook(with.look);
     ViewEngine engine(appearance);
     const auto hold = engine.hold();
-    PopoverContent content(model);
+    PopoverPresenter presenter(model);
     if (with.inManyWords) {
-        lengthen(content.windows(), model);
+        lengthen(*presenter.windows(), model.answer());
     }
-    QVariantMap properties = content.properties();
-    properties.insert("hasDashboard", true);
-    properties.insert("hasSettings", true);
-    return pictureOf(
-        *hold,
-        {.view = QUrl("qrc:/qt/qml/Vorn/PopoverView.qml"), .properties = properties, .pixelRatio = with.pixelRatio});
+    AppRequests requests;
+    return pictureOf(*hold, {.view = QUrl("qrc:/qt/qml/Vorn/Popover/PopoverView.qml"),
+                             .properties = {{"presenter", QVariant::fromValue(&presenter)},
+                                            {"requests", QVariant::fromValue(&requests)}},
+                             .pixelRatio = with.pixelRatio});
 }
 
 TEST(PopoverView, ShowsEveryStateWithoutAWarning) {
@@ -118,25 +116,25 @@ protected:
     ViewState m_state;
     DesktopAppearance m_appearance;
     ViewEngine m_engine{m_appearance, std::chrono::milliseconds(0)};
-    PopoverWindow m_popover{*m_state.model, m_engine};
+    AppRequests m_requests;
+    PopoverWindow m_popover{*m_state.model, m_requests, m_engine};
 };
 
 TEST_F(PopoverWindowTest, IsReachedByTheKeyboardInReadingOrder) {
-    m_popover.setHasSettings(true);
     QQuickWindow& window = open();
     std::vector<std::string> order;
-    for (int i = 0; i < 10; ++i) {
+    for (int i = 0; i < 11; ++i) {
         QTest::keyClick(&window, Qt::Key_Tab);
         order.push_back(focused());
     }
     EXPECT_THAT(order, testing::ElementsAre(testing::HasSubstr("Limit reached"), "Session", "Week", "Week · Haiku",
                                             "Week · Research preview", "Week · Sonnet", testing::HasSubstr("million"),
-                                            "Refresh", "Settings", "Quit Vorn"));
-    const QSignalSpy quit(&m_popover, &PopoverWindow::quitRequested);
+                                            "Refresh", "Dashboard", "Settings", "Quit Vorn"));
+    const QSignalSpy quit(&m_requests, &AppRequests::quit);
     QTest::keyClick(&window, Qt::Key_Return);
     EXPECT_EQ(quit.size(), 1);
     QTest::keyClick(&window, Qt::Key_Backtab);
-    const QSignalSpy settings(&m_popover, &PopoverWindow::settingsRequested);
+    const QSignalSpy settings(&m_requests, &AppRequests::openSettings);
     QTest::keyClick(&window, Qt::Key_Space);
     EXPECT_EQ(settings.size(), 1);
 
@@ -196,7 +194,9 @@ TEST(Snapshot, WritesEveryViewInBothLooksAndDensities) {
     const test::TemporaryDirectory directory;
     ViewState state;
     state.model->startDemo(demo::makeDemo(demo::Scenario::watch, state.now));
-    ASSERT_EQ(renderSnapshots({.model = *state.model, .directory = directory / "new/pictures"}), 0);
+    ASSERT_EQ(renderSnapshots(
+                  {.model = *state.model, .preferences = state.preferences, .directory = directory / "new/pictures"}),
+              0);
     for (const char* look : {"light", "dark"}) {
         const std::string name = std::string("new/pictures/popover-") + look;
         const QImage plain(QString::fromStdString(directory / (name + ".png")));
@@ -210,8 +210,10 @@ TEST(Snapshot, WritesEveryViewInBothLooksAndDensities) {
     }
     directory.write("file", "");
     testing::internal::CaptureStderr();
-    EXPECT_EQ(renderSnapshots({.model = *state.model, .directory = directory / "file"}), 1);
-    EXPECT_EQ(renderSnapshots({.model = *state.model, .directory = "/proc/pictures"}), 1);
+    EXPECT_EQ(
+        renderSnapshots({.model = *state.model, .preferences = state.preferences, .directory = directory / "file"}), 1);
+    EXPECT_EQ(renderSnapshots({.model = *state.model, .preferences = state.preferences, .directory = "/proc/pictures"}),
+              1);
     EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::HasSubstr("/proc/pictures"));
 }
 

@@ -6,14 +6,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/sources/probe_error.hpp"
+#include "demo/demo_answer.hpp"
 #include "platform/desktop_appearance.hpp"
 #include "tests/support/view_states.hpp"
-#include "ui/views/freshness_presenter.hpp"
-#include "ui/views/popover_placement.hpp"
-#include "ui/views/steer_presenter.hpp"
-#include "ui/views/theme.hpp"
-#include "ui/views/window_list_model.hpp"
+#include "ui/controls/theme.hpp"
+#include "ui/popover/popover_placement.hpp"
+#include "ui/popover/popover_presenter.hpp"
 
 namespace vorn {
 namespace {
@@ -70,7 +68,7 @@ TEST(WindowCardContent, SaysHowAWindowStands) {
     const ScopedEnvironment zone("TZ", "UTC");
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        const WindowCardContent card = windowCardContent(c.assessment, kNow);
+        const WindowCardContent card = windowCardContent(c.assessment, true, kNow);
         EXPECT_EQ(card.usedText.toStdString(), c.used);
         EXPECT_DOUBLE_EQ(card.used, c.usedShare);
         EXPECT_DOUBLE_EQ(card.projected, c.projected);
@@ -81,14 +79,19 @@ TEST(WindowCardContent, SaysHowAWindowStands) {
         EXPECT_EQ(card.pace.toStdString(), c.pace);
         EXPECT_EQ(card.plannedReset.isEmpty(), !c.assessment.plannedResetAt);
     }
-    EXPECT_EQ(windowCardContent(atRisk(), kNow).spoken.toStdString(),
+    EXPECT_EQ(windowCardContent(atRisk(), true, kNow).spoken.toStdString(),
               "Session, at risk, 72% used, Limit in about 48 minutes at this pace, resets in 1 hour 15 minutes, at "
               "13:15, 35%/h from local activity, 3 points behind even pace");
+
+    const WindowCardContent unjudged = windowCardContent(atRisk(), false, kNow);
+    EXPECT_EQ(unjudged.status, StatusForViews::Unknown);
+    EXPECT_EQ(unjudged.statusText + unjudged.verdict + unjudged.pace, "");
+    EXPECT_EQ(unjudged.projected, -1);
+    EXPECT_EQ(unjudged.spoken.toStdString(), "Session, 72% used, resets in 1 hour 15 minutes, at 13:15");
 }
 
 TEST(WindowListModel, KeepsTheRowsOfWindowsThatStay) {
-    ViewState state;
-    WindowListModel list(*state.model);
+    WindowListModel list;
     const QAbstractItemModelTester tester(&list, QAbstractItemModelTester::FailureReportingMode::Fatal);
     const auto rows = [](std::initializer_list<std::pair<WindowKind, double>> windows) {
         std::vector<WindowListModel::Row> result;
@@ -130,11 +133,9 @@ TEST(WindowListModel, KeepsTheRowsOfWindowsThatStay) {
     }
 }
 
-TEST(SteerPresenter, SpeaksOfTheWindowThatMattersMost) {
+TEST(HeadContent, SpeaksOfTheWindowThatMattersMost) {
     const auto contentOf = [](demo::Scenario scenario) {
-        ViewState state;
-        state.model->startDemo(demo::makeDemo(scenario, kNow));
-        return steerContent(*state.model);
+        return headContent(demo::answer(demo::makeDemo(scenario, kNow), kNow));
     };
     const auto risk = contentOf(demo::Scenario::atRisk);
     EXPECT_EQ(risk.mark, RingItem::Arrow);
@@ -151,39 +152,41 @@ TEST(SteerPresenter, SpeaksOfTheWindowThatMattersMost) {
     EXPECT_EQ(limited.factor, "");
     EXPECT_EQ(limited.used, 100);
 
-    const ViewState empty;
-    EXPECT_EQ(steerContent(*empty.model), SteerPresenter::Content{});
+    const Evidence unjudged{.windows = {reading(kSession, 100, 1h)}, .isJudged = false};
+    EXPECT_EQ(headContent(VornEngine::formAnswer(unjudged, kNow)),
+              (HeadContent{.headline = "Reading your usage…", .spoken = "Reading your usage…"}));
 }
 
-TEST(FreshnessPresenter, TellsWhatThereIsAndHowFreshItIs) {
+TEST(FreshnessContent, TellsWhatThereIsAndHowFreshItIs) {
     const ScopedEnvironment zone("TZ", "UTC");
-    using Phase = PhaseForViews::Phase;
+    using Stage = StageForViews::Stage;
     const struct {
         const char* state;
-        Phase phase;
+        Stage stage;
         const char *title, *text, *problem, *remedy;
         bool needsClaude, canRetry;
     } cases[] = {
-        {"starting", Phase::Starting, "Reading your usage…", "", "", "", false, false},
-        {"probing", Phase::Ready, "", "Asking claude /usage…", "", "", false, false},
-        {"failed", Phase::Failed, "No reading yet", "Checked 12:00 · claude /usage", "", "", true, false},
-        {"failed-at-length", Phase::Failed, "No reading yet", "Checked 12:00 · claude /usage", "", "", false, false},
-        {"no-limits", Phase::NoLimits, "Connected, no limits yet", "Checked 12:00 · claude /usage", "", "", false,
+        {"starting", Stage::Starting, "Reading your usage…", "Asking claude /usage…", "", "", false, false},
+        {"probing", Stage::Ready, "", "Asking claude /usage…", "", "", false, false},
+        {"failed", Stage::Failed, "No reading yet", "", "", "", true, false},
+        {"failed-at-length", Stage::Failed, "No reading yet", "Checked 12:00 · claude /usage", "", "", false, false},
+        {"no-limits", Stage::NoLimits, "Connected, no limits yet", "Checked 12:00 · claude /usage", "", "", false,
          false},
-        {"stale", Phase::Ready, "", "Updated 12:00 · claude /usage", "claude /usage didn't answer in time.",
+        {"stale", Stage::Ready, "", "Updated 12:00 · claude /usage", "claude /usage didn't answer in time.",
          "The last figures stay. Vorn asks again by itself.", false, true},
-        {"stale-at-length", Phase::Ready, "", "Updated Sun 12:00 · claude /usage",
+        {"stale-at-length", Stage::Ready, "", "Updated Sun 12:00 · claude /usage",
          "Vorn couldn't read the /usage output. Claude Code may have changed its format.",
          "The last figures stay. Vorn asks again by itself.", false, true},
+        {"at-risk", Stage::Ready, "", "Demonstration, invented figures", "", "", false, false},
     };
     const auto states = allViewStates();
     for (const auto& c : cases) {
         SCOPED_TRACE(c.state);
         ViewState state;
         std::ranges::find(states, c.state, &NamedViewState::name)->enter(state);
-        const auto content = freshnessContent(*state.model);
-        EXPECT_EQ(content.phase, c.phase);
-        EXPECT_EQ(content.phaseTitle.toStdString(), c.title);
+        const auto content = freshnessContent(state.model->answer());
+        EXPECT_EQ(content.stage, c.stage);
+        EXPECT_EQ(content.title.toStdString(), c.title);
         EXPECT_EQ(content.text.toStdString(), c.text);
         EXPECT_EQ(content.problem.toStdString(), c.problem);
         EXPECT_EQ(content.remedy.toStdString(), c.remedy);
@@ -192,14 +195,19 @@ TEST(FreshnessPresenter, TellsWhatThereIsAndHowFreshItIs) {
     }
 }
 
-TEST(FreshnessPresenter, FollowsAProbeFromItsBeginningToItsEnd) {
+TEST(PopoverPresenter, TellsOnlyOfThePartsThatChange) {
     ViewState state;
-    const FreshnessPresenter presenter(*state.model);
-    const QSignalSpy changed(&presenter, &FreshnessPresenter::changed);
+    state.probe(UsageCommandParser::Result{.windows = {reading(kSession, 38, 2h)}});
+    const PopoverPresenter presenter(*state.model);
+    const QSignalSpy head(&presenter, &PopoverPresenter::headChanged);
+    const QSignalSpy freshness(&presenter, &PopoverPresenter::freshnessChanged);
+    state.model->recompute();
+    EXPECT_EQ(freshness.size(), 0);
     state.model->probe();
-    EXPECT_TRUE(presenter.isProbing());
-    EXPECT_EQ(presenter.text(), "Asking claude /usage…");
-    EXPECT_GT(changed.size(), 0);
+    EXPECT_TRUE(presenter.freshness().isAsking);
+    EXPECT_EQ(presenter.freshness().text, "Asking claude /usage…");
+    EXPECT_EQ(freshness.size(), 1);
+    EXPECT_EQ(head.size(), 0);
 }
 
 TEST(PopoverPlacement, StaysBesideItsAnchorAndOnTheScreen) {

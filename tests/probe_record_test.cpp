@@ -19,9 +19,10 @@ ProbeRecord fullRecord() {
     ProbeRecord record{.lastProbeAt = kNow,
                        .readings = {test::reading(WindowKind::session(), 20.5, 3h),
                                     test::reading(WindowKind::weekModel("Sonnet\x1b only"), 7, 90h)},
-                       .expectedResets = {WindowKind::week(), WindowKind::weekModel("Opus")}};
+                       .expectedResets = {WindowKind::week(), WindowKind::weekModel("Opus")},
+                       .pendingDrops = {test::reading(WindowKind::session(), 3, 3h)}};
     record.readings[0].observedAt = kNow + 0.25s;
-    return record.afterFailure(kNow + 5s, "one\ntwo");
+    return record.afterFailure(kNow + 5.125s, {ProbeFailure::Kind::commandFailed, "one\ntwo"});
 }
 
 TEST(ProbeRecordStore, KeepsWhatIsToBeKnownNextTime) {
@@ -36,6 +37,33 @@ TEST(ProbeRecordStore, KeepsWhatIsToBeKnownNextTime) {
     EXPECT_FALSE(ProbeRecordStore(dir / "new/probe.json/below").save({}));
 }
 
+/// Before kinds and fractions were kept there were texts and whole seconds; those are still written for that version.
+TEST(ProbeRecordStore, SharesTheFileWithTheFirstVersion) {
+    using Kind = ProbeFailure::Kind;
+    const test::TemporaryDirectory dir;
+    const std::pair<const char*, ProbeFailure> cases[] = {
+        {"Couldn't run claude: no such file", {Kind::launchFailed, "no such file"}},
+        {"claude /usage failed: one\\ntwo", {Kind::commandFailed, "one\ntwo"}},
+        {"Couldn't find the claude command. Install Claude Code, or set its path in Settings.",
+         {Kind::claudeNotFound, ""}},
+        {"claude /usage didn't answer in time.", {Kind::timedOut, ""}},
+        {"something else", {Kind::other, "something else"}},
+    };
+    for (const auto& [text, failure] : cases) {
+        const std::string old =
+            std::string(R"({"consecutiveFailures": 2, "lastProbeAt": "2026-11-22T12:00:00Z", "lastError": ")") + text +
+            "\"}";
+        const ProbeRecordStore store(dir.write("probe.json", old));
+        const ProbeRecord record = store.load();
+        EXPECT_EQ(record, (ProbeRecord{.lastProbeAt = kNow, .consecutiveFailures = 2, .failure = failure})) << text;
+        ASSERT_TRUE(store.save(record));
+        EXPECT_EQ(store.load(), record);
+        const std::string written = readFile(dir / "probe.json").value();
+        EXPECT_NE(written.find(std::string(R"("lastError": ")") + text), std::string::npos) << written;
+        EXPECT_NE(written.find(R"("lastProbeAt": "2026-11-22T12:00:00Z")"), std::string::npos) << written;
+    }
+}
+
 TEST(ProbeRecordStore, TakesADamagedFileForNone) {
     const test::TemporaryDirectory dir;
     for (const char* text :
@@ -43,7 +71,8 @@ TEST(ProbeRecordStore, TakesADamagedFileForNone) {
           R"({"consecutiveFailures": 1.5})", R"({"consecutiveFailures": 1, "lastProbeAt": "yesterday"})",
           R"({"consecutiveFailures": 1, "readings": [{"kind": {"session": {}}}]})",
           R"({"consecutiveFailures": 1, "expectedResets": ["session"]})",
-          R"({"consecutiveFailures": 1, "lastError": 5})"}) {
+          R"({"consecutiveFailures": 1, "pendingDrops": [5]})", R"({"consecutiveFailures": 1, "failure": "no"})",
+          R"({"consecutiveFailures": 1, "probedAt": "12:00"})", R"({"consecutiveFailures": 1, "lastError": 5})"}) {
         EXPECT_EQ(ProbeRecordStore(dir.write("probe.json", text)).load(), ProbeRecord{}) << text;
     }
     const auto failures = [&](const char* text) {
@@ -98,7 +127,8 @@ TEST(ProbeRecord, SpacesFailuresEverWider) {
     const std::tuple<int, std::optional<Seconds>, bool> cases[] = {
         {0, std::nullopt, true}, {0, 0s, true},       {1, std::nullopt, true}, {1, 599s, false},
         {1, 600s, true},         {2, 1199s, false},   {2, 1200s, true},        {4, 4799s, false},
-        {1000, 4799s, false},    {1000, 4800s, true}, {3, -1s, true},  // the clock was set back
+        {1000, 4799s, false},    {1000, 4800s, true}, {3, -1s, false},  // clocks differ
+        {3, -61s, true},                                                // it was set back
     };
     for (const auto& [failures, ago, mayRetry] : cases) {
         ProbeRecord record{.consecutiveFailures = failures};

@@ -14,7 +14,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "core/sources/status_line_snapshot.hpp"
+#include "core/status_line/status_line_snapshot.hpp"
 #include "core/support/descriptor.hpp"
 #include "core/support/json.hpp"
 #include "tests/support/temporary_directory.hpp"
@@ -230,6 +230,45 @@ TEST_F(Relay, PassesOnWhatNeverEnds) {
     record("head -c 2000000 | cksum");
     const std::vector<std::string> endless{"/bin/sh", "-c", std::string("yes | '") + VORN_BRIDGE + "' --chain"};
     EXPECT_EQ(perform({.arguments = endless}), perform({.arguments = shell("yes | head -c 2000000 | cksum")}));
+}
+
+/// A writer that has sent its object and keeps the pipe open.
+TEST_F(Relay, DoesNotWaitForAWriterThatForgetsToClose) {
+    constexpr std::size_t kShown = 12;
+    const test::ScopedEnvironment home("VORN_HOME", m_home.path().c_str());
+    for (const bool hasCommand : {true, false}) {
+        SCOPED_TRACE(hasCommand);
+        fs::remove(snapshotFile());
+        fs::remove(m_home / "integration.json");
+        if (hasCommand) {
+            record("head -c 12; cat");
+        }
+        Ends input = openEnds(Kind::pipe);
+        Ends output = openEnds(Kind::pipe);
+        const pid_t child = start({.arguments = {VORN_BRIDGE, "--chain"}}, input.read.get(), output.write.get(), 2);
+        input.read.reset();
+        output.write.reset();
+        const auto begin = std::chrono::steady_clock::now();
+        // In pieces, with brackets where none count.
+        writeAll(input.write.get(), R"({"a}\"}":[{"]}":1}],)");
+        std::this_thread::sleep_for(150ms);
+        writeAll(input.write.get(), kInput.substr(1));
+        std::string shown(kShown, ' ');
+        const ssize_t count = ::read(output.read.get(), shown.data(), kShown);
+        EXPECT_LT(std::chrono::steady_clock::now() - begin, 2s);
+        EXPECT_TRUE(StatusLineSnapshot::read(snapshotFile()));
+        if (!hasCommand) {
+            EXPECT_EQ(count, 0);
+            ::waitpid(child, nullptr, 0);
+        }
+        writeAll(input.write.get(), "the rest");
+        input.write.reset();
+        if (hasCommand) {
+            EXPECT_EQ(shown + readToEnd(output.read.get()), R"({"a}\"}":[{"]}":1}],)" + kInput.substr(1) + "the rest");
+            ::waitpid(child, nullptr, 0);
+        }
+        expectNothingRunning();
+    }
 }
 
 TEST_F(Relay, LeavesAloneWhatItCannotGiveBack) {

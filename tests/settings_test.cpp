@@ -11,14 +11,15 @@
 #include <QTranslator>
 #include <algorithm>
 #include <tuple>
+#include <utility>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "app/model/integrations.hpp"
-#include "core/sources/probe_error.hpp"
+#include "app/snapshot.hpp"
 #include "core/support/executable_path.hpp"
 #include "core/support/file.hpp"
+#include "model/integrations.hpp"
 #include "platform/desktop_appearance.hpp"
 #include "platform/hot_key.hpp"
 #include "platform/login_item.hpp"
@@ -28,13 +29,13 @@
 #include "tests/support/shown_window.hpp"
 #include "tests/support/view_looks.hpp"
 #include "tests/support/view_states.hpp"
-#include "ui/views/claude_finder.hpp"
-#include "ui/views/settings_pages.hpp"
-#include "ui/views/settings_picture.hpp"
-#include "ui/views/settings_window.hpp"
-#include "ui/views/snapshot.hpp"
-#include "ui/views/view_engine.hpp"
-#include "ui/views/view_picture.hpp"
+#include "ui/settings/claude_finder.hpp"
+#include "ui/settings/settings_pages.hpp"
+#include "ui/settings/settings_picture.hpp"
+#include "ui/settings/settings_window.hpp"
+#include "ui/window/app_requests.hpp"
+#include "ui/window/view_engine.hpp"
+#include "ui/window/view_picture.hpp"
 
 namespace vorn {
 namespace {
@@ -96,11 +97,13 @@ struct World {
     DesktopAppearance appearance;
     PanelBrightness panel{appearance};
     WindowPlace place;
+    AppRequests requests;
 
     SettingsWindow::Deps deps() {
-        return {.preferences = *state.preferences,
+        return {.preferences = state.preferences,
                 .integrations = integrations,
                 .model = *state.model,
+                .requests = requests,
                 .notifications = has ? &notices : nullptr,
                 .hotKey = hotKey,
                 .appearance = appearance,
@@ -114,7 +117,7 @@ struct World {
     /// What the store holds.
     [[nodiscard]] std::unique_ptr<Preferences> stored() const {
         return std::make_unique<Preferences>(std::make_unique<QSettings>(
-            QString::fromStdString(state.directory / "settings.ini"), QSettings::IniFormat));
+            QString::fromStdString(state.directory / "preferences.ini"), QSettings::IniFormat));
     }
     [[nodiscard]] QString makeClaude(const std::string& script) const {
         return QString::fromStdString(home.executable("my/claude", script));
@@ -143,7 +146,7 @@ void expectPictures(World& world, const std::string& name, double pixelRatio = 2
     for (const Page page : SettingsWindow::kPages) {
         SettingsPages pages(world.deps(), finder);
         EXPECT_TRUE(QTest::qWaitFor([&] { return !finder.finding().isSearching; }, 20'000));
-        pictures.push_back(pictureOf(*hold, {.view = QUrl("qrc:/qt/qml/Vorn/SettingsView.qml"),
+        pictures.push_back(pictureOf(*hold, {.view = QUrl("qrc:/qt/qml/Vorn/Settings/SettingsView.qml"),
                                              .properties = pages.properties(page),
                                              .pixelRatio = pixelRatio}));
         EXPECT_GT(pictures.back().width(), 500);
@@ -178,7 +181,7 @@ TEST(SettingsView, ShowsEveryStateWithoutAWarning) {
          {.isDark = true},
          [](World& world) {
              world.state.model->startDemo(demo::makeDemo(demo::Scenario::atRisk, world.state.now));
-             world.state.preferences->setGlyphStyle(GlyphStyle::steer);
+             world.state.preferences.setGlyphStyle(GlyphStyle::steer);
          }},
         {"contrast",
          {.highContrast = true, .reducedMotion = true},
@@ -194,10 +197,11 @@ TEST(SettingsView, ShowsEveryStateWithoutAWarning) {
         {"trouble",
          {},
          [](World& world) {
-             world.state.directory.write("settings.ini", "[General\nrefreshMinutes=7\n\x01");
-             world.state.preferences->setRefreshMinutes(7);
-             world.state.preferences->setClaudePathOverride("/no/such/directory/of/any/kind/that/could/hold/claude");
-             world.state.probe(std::string("claude /usage failed: error: unknown option '--safe-mode'\nmore"));
+             world.state.directory.write("preferences.ini", "[General\nrefreshMinutes=7\n\x01");
+             world.state.preferences.setRefreshMinutes(7);
+             world.state.preferences.setClaudePathOverride("/no/such/directory/of/any/kind/that/could/hold/claude");
+             world.state.probe(ProbeFailure{.kind = ProbeFailure::Kind::commandFailed,
+                                            .detail = "error: unknown option '--safe-mode'\nmore"});
              world.loginItem.refusal = "Couldn't add the login item: the autostart folder is read-only.";
              world.integrations.setLaunchAtLogin(true);
              world.writeClaudeSettings("{\"statusLine\": }");
@@ -209,7 +213,7 @@ TEST(SettingsView, ShowsEveryStateWithoutAWarning) {
         {"trouble-dark",
          {.isDark = true},
          [](World& world) {
-             world.state.preferences->setClaudePathOverride(world.makeClaude("echo '2.1.330 (Claude Code)'"));
+             world.state.preferences.setClaudePathOverride(world.makeClaude("echo '2.1.330 (Claude Code)'"));
              world.state.probe(UsageCommandParser::Result{
                  .windows = {test::reading(WindowKind::session(), 38, std::chrono::hours(2)),
                              test::reading(WindowKind::week(), 41, std::chrono::hours(80))}});
@@ -231,8 +235,11 @@ TEST(SettingsView, ShowsEveryStateWithoutAWarning) {
 TEST(SettingsView, IsAmongTheSnapshots) {
     const Warnings warnings;
     World world;
-    world.state.preferences->setClaudePathOverride(world.makeClaude("echo 2.1.330"));
-    ASSERT_EQ(renderSnapshots({.model = *world.state.model, .directory = world.home / "pictures"}), 0);
+    world.state.preferences.setClaudePathOverride(world.makeClaude("echo 2.1.330"));
+    ASSERT_EQ(renderSnapshots({.model = *world.state.model,
+                               .preferences = world.state.preferences,
+                               .directory = world.home / "pictures"}),
+              0);
     for (const Page page : SettingsWindow::kPages) {
         for (const char* const look : {"-light.png", "-dark.png", "-light@2x.png", "-dark@2x.png"}) {
             const std::string file = std::string("pictures/") + pictureName(page) + look;
@@ -245,32 +252,47 @@ TEST(SettingsView, IsAmongTheSnapshots) {
 TEST(SettingsPresenter, SaysWhatTheSystemLacks) {
     World world(false);
     SettingsPresenter settings(world.deps());
-    EXPECT_FALSE(settings.canLaunchAtLogin());
-    EXPECT_EQ(settings.loginText(), "This system cannot start Vorn: it is not installed as an application.");
-    EXPECT_EQ(settings.noticeProblem(),
+    EXPECT_FALSE(settings.content().canLaunchAtLogin);
+    EXPECT_EQ(settings.content().loginText, "This system cannot start Vorn: it is not installed as an application.");
+    EXPECT_EQ(settings.content().noticeProblem,
               "This system shows Vorn's notifications only when it is installed as an application.");
     settings.sendTest();
     EXPECT_EQ(settings.testText(), "");
 
     const test::ScopedEnvironment path("PATH", "/nowhere");
     ClaudeFinder finder;
-    const ClaudePresenter::Sources sources{
-        .model = *world.state.model, .integrations = world.integrations, .finder = finder};
+    const ClaudePresenter::Sources sources{.model = *world.state.model,
+                                           .preferences = world.state.preferences,
+                                           .integrations = world.integrations,
+                                           .finder = finder};
     const ClaudePresenter claude(sources);
-    EXPECT_EQ(claude.executable(), "Looking for claude…");
+    EXPECT_EQ(claude.content().executable, "Looking for claude…");
     ASSERT_TRUE(QTest::qWaitFor([&] { return !finder.finding().isSearching; }, 10'000));
-    EXPECT_EQ(claude.executable(), "claude was not found");
-    EXPECT_EQ(claude.executableProblem(), "Install Claude Code, or choose its executable.");
-    world.state.probe(std::string("claude /usage failed: error: unknown option '--safe-mode'\nusage: claude"));
-    EXPECT_TRUE(claude.hasCheckFailed());
-    EXPECT_THAT(claude.checkResult().toStdString(),
+    EXPECT_EQ(claude.content().executable, "claude was not found");
+    EXPECT_EQ(claude.content().executableProblem, "Install Claude Code, or choose its executable.");
+    world.state.probe(ProbeFailure{.kind = ProbeFailure::Kind::claudeNotFound});
+    EXPECT_EQ(claude.content().checkProblem, "") << "said above it";
+    world.state.probe(ProbeFailure{.kind = ProbeFailure::Kind::commandFailed,
+                                   .detail = "error: unknown option '--safe-mode'\nusage: claude"});
+    EXPECT_EQ(claude.content().checkResult, "");
+    EXPECT_THAT(claude.content().checkProblem.toStdString(),
                 testing::MatchesRegex("Asked 12:00: .*safe-mode'\nThis .* update it to 2.1.170 .*"));
 
-    EXPECT_EQ(claudeContent(sources, {}).activityText, "Reading…");
-    EXPECT_EQ(claudeContent(sources, {.replies = 1, .projects = 1}).activityText, "1 reply in 1 project");
-    EXPECT_EQ(claudeContent(sources, {.replies = 1234, .projects = 5}).activityText, "1,234 replies in 5 projects");
-    world.state.preferences->setUseLocalActivity(false);
-    EXPECT_EQ(claude.activityText(), "Not read while this is off");
+    const auto activityText = [&](const Answer& answer, ActivityCount count) {
+        return claudeContent({.answer = answer,
+                              .preferences = world.state.preferences,
+                              .integrations = world.integrations,
+                              .finding = finder.finding(),
+                              .activity = count})
+            .activityText;
+    };
+    const Answer& answer = world.state.model->answer();
+    EXPECT_EQ(activityText({}, {}), "Reading…");
+    EXPECT_EQ(activityText(answer, {}), "No replies in the last 7 days");
+    EXPECT_EQ(activityText(answer, {.replies = 1, .projects = 1}), "1 reply in 1 project");
+    EXPECT_EQ(activityText(answer, {.replies = 1234, .projects = 5}), "1,234 replies in 5 projects");
+    world.state.preferences.setUseLocalActivity(false);
+    EXPECT_EQ(claude.content().activityText, "Not read while this is off");
 }
 
 /// The window on a screen, driven as people do.
@@ -388,7 +410,7 @@ TEST_F(SettingsWindowTest, KeepsEverySwitchInTheStore) {
 }
 
 TEST_F(SettingsWindowTest, ChoosesAmongSeveral) {
-    m_world.state.preferences->setRefreshMinutes(7);
+    m_world.state.preferences.setRefreshMinutes(7);
     open(Page::general);
     focus("Check usage every, 7 min");
     press(Qt::Key_Down);
@@ -500,8 +522,8 @@ TEST_F(SettingsWindowTest, SaysWhatDoesNotWorkWhereItBelongs) {
     click("Send test");
     EXPECT_THAT(m_world.notices.posted, testing::SizeIs(1)) << "disabled";
 
-    m_world.state.directory.write("settings.ini", "[General\nnotifyReset\x01");
-    m_world.state.preferences->setNotifyReset(false);
+    m_world.state.directory.write("preferences.ini", "[General\nnotifyReset\x01");
+    m_world.state.preferences.setNotifyReset(false);
     for (const Page page : SettingsWindow::kPages) {
         open(page);
         EXPECT_THAT(said(), HasSubstr("The settings file was damaged."));
@@ -524,9 +546,9 @@ TEST_F(SettingsWindowTest, ConnectsTheStatusLineAndSaysWhyItCannot) {
     m_world.writeClaudeSettings("{");
     click("Disconnect");
     EXPECT_THAT(said(), HasSubstr("Couldn't read Claude Code settings: "));
-    m_world.writeClaudeSettings(R"({"statusLine": {"type": "command", "command": "/old/vorn-bridge"}})");
+    m_world.writeClaudeSettings(R"({"statusLine": {"type": "command", "command": "'/old/vorn-bridge' --chain"}})");
     m_world.integrations.refresh();
-    EXPECT_THAT(said(), HasSubstr("Needs to be reconnected Claude Code runs /old/vorn-bridge"));
+    EXPECT_THAT(said(), HasSubstr("Needs to be reconnected Claude Code runs '/old/vorn-bridge' --chain"));
     click("Reconnect");
     EXPECT_THAT(said(), HasSubstr("Connected Live figures"));
     click("Disconnect");
@@ -552,22 +574,27 @@ TEST_F(SettingsWindowTest, FindsClaudeAndAsksIt) {
                  {"echo broken >&2; exit 3", "claude --version failed: broken"},
                  {"true", "claude --version printed nothing."}};
     for (const auto& [script, text] : cases) {
-        m_world.state.preferences->setClaudePathOverride("/nowhere/claude");
+        m_world.state.preferences.setClaudePathOverride("/nowhere/claude");
         EXPECT_TRUE(shows("There is no program that can be run. Choose another one.")) << said();
-        m_world.state.preferences->setClaudePathOverride(m_world.makeClaude(script));
+        m_world.state.preferences.setClaudePathOverride(m_world.makeClaude(script));
         EXPECT_TRUE(shows(text)) << said();
     }
-    const QSignalSpy choose(&m_window, &SettingsWindow::chooseClaudeRequested);
+    const QSignalSpy choose(&m_world.requests, &AppRequests::chooseClaude);
     click("Choose…");
     EXPECT_EQ(choose.size(), 1);
     click("Automatic");
     EXPECT_EQ(m_world.stored()->claudePathOverride(), "");
 
-    m_world.state.answer = std::string("claude /usage didn't answer in time.");
+    m_world.state.start();
+    std::exchange(m_world.state.unansweredProbe, nullptr)(ProbeFailure{});
+    m_world.state.client = [] {
+        return ProbeFailure{.kind = ProbeFailure::Kind::timedOut};
+    };
     click("Check now");
     EXPECT_TRUE(shows("Asked 12:00: claude /usage didn't answer in time.")) << said();
-    m_world.state.answer =
-        UsageCommandParser::Result{.windows = {test::reading(WindowKind::session(), 38, std::chrono::hours(2))}};
+    m_world.state.client = [] {
+        return UsageCommandParser::Result{.windows = {test::reading(WindowKind::session(), 38, std::chrono::hours(2))}};
+    };
     click("Check now");
     EXPECT_TRUE(shows("Answered 12:00: Session 38%.")) << said();
 }
@@ -585,12 +612,11 @@ public:
 
 TEST_F(SettingsWindowTest, HoldsLongWords) {
     const LongWords words;
-    m_world.state.preferences->setClaudePathOverride(
-        m_world.makeClaude("echo 2.1.330-a.very.long.version+of.somebody"));
+    m_world.state.preferences.setClaudePathOverride(m_world.makeClaude("echo 2.1.330-a.very.long.version+of.somebody"));
     m_world.writeClaudeSettings(R"({"statusLine": {"type": "command", "command": "/a/path/that/is/old/vorn-bridge"}})");
-    MenuBarLayout layout = m_world.state.preferences->menuBarLayout();
+    MenuBarLayout layout = m_world.state.preferences.menuBarLayout();
     std::ranges::for_each(layout, [](MenuBarEntry& entry) { entry.isOn = true; });
-    m_world.state.preferences->setMenuBarLayout(layout);
+    m_world.state.preferences.setMenuBarLayout(layout);
     for (const Page page : SettingsWindow::kPages) {
         open(page);
         for (const auto& [name, item] : named()) {

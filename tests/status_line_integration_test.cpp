@@ -1,4 +1,4 @@
-#include "core/sources/status_line_integration.hpp"
+#include "core/status_line/status_line_integration.hpp"
 
 #include <atomic>
 #include <thread>
@@ -8,8 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "core/sources/bridge_installer.hpp"
-#include "core/sources/status_line_connection.hpp"
+#include "core/status_line/bridge_installer.hpp"
 #include "core/support/file.hpp"
 #include "tests/support/temporary_directory.hpp"
 
@@ -191,9 +190,10 @@ TEST(StatusLineIntegration, changesNothingItCannotRead) {
     for (int i = 0; i < 600; ++i) {
         wide += "," + deep;
     }
+    const std::string large(std::size_t{1} << 20U, 'x');
     const Places places;
     for (const auto& [settings, reason] :
-         {std::pair<std::string, std::string>{R"({"statusLine": {"command": "mine", "padding": 1e999}})",
+         {std::pair<std::string, std::string>{R"({"statusLine": {"command": "mine", "padding": ")" + large + R"("}})",
                                               "the status line holds what Vorn's relay cannot pass on"},
           {wide + "]}", "written out anew it would be too large to be read again"}}) {
         places.put(settings);
@@ -263,22 +263,6 @@ TEST(StatusLineIntegration, appliesItselfAgainWhenTheSettingsChangedMeanwhile) {
         ++i;
     }
     EXPECT_LT(i, kTries);
-}
-
-TEST(StatusLineConnection, leavesAStatusLineAloneThatTheUserChoseSince) {
-    const Places places;
-    places.put(kUsers);
-    places.integration.install(kNow);
-    places.put(R"({"statusLine": {"command": "chosen later"}})");
-    StatusLineConnection::disconnect(places.integration);
-    EXPECT_EQ(readAll(places.settings), R"({"statusLine": {"command": "chosen later"}})");
-    EXPECT_FALSE(fs::exists(places.record));
-
-    places.put(kUsers);
-    places.integration.install(kNow);
-    places.put("{}");
-    StatusLineConnection::disconnect(places.integration);
-    EXPECT_EQ(places.document(), JSONValue::parse(kUsers)) << "nothing stood in its place";
 }
 
 TEST(BridgeInstaller, findsTheRelayOfTheRunningProgram) {

@@ -1,4 +1,4 @@
-#include "core/sources/status_line_snapshot.hpp"
+#include "core/status_line/status_line_snapshot.hpp"
 
 #include <chrono>
 

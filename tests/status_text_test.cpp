@@ -6,7 +6,7 @@
 #include <gmock/gmock.h>
 
 #include "core/support/unicode/display_width.hpp"
-#include "demo/demo.hpp"
+#include "demo/demo_answer.hpp"
 #include "tests/support/readings.hpp"
 #include "tests/support/repeated.hpp"
 
@@ -22,22 +22,21 @@ const std::string kWide = "项目管理系统项目管理系统项目管理系�
 const std::string kHostile = "\x1b[31mevil\u202E\n\x07" + std::string(300, 'x');
 
 /// The planned-reset demonstration with names from outside that nobody would choose.
-Readings hostileReadings() {
+Answer hostileAnswer() {
     demo::Demo demo = demo::makeDemo(demo::Scenario::plannedReset, kNow);
-    Readings readings{.windows = demo.windows,
-                      .insights = demo.insights,
-                      .history = demo.history,
-                      .activity = ActivitySummary(demo.activity),
-                      .plan = demo.plan};
     for (const std::string& model : {kWide, kHostile, std::string("\xff"), test::repeated(40, "e\u0301")}) {
-        readings.windows.push_back(test::reading(WindowKind::weekModel(model), 12, 80h));
+        demo.windows.push_back(test::reading(WindowKind::weekModel(model), 12, 80h));
     }
-    readings.plan.planned[0].note = kHostile + " · " + kWide;
-    auto& period = readings.insights->periods[0];
+    demo.plan.planned[0].note = kHostile + " · " + kWide;
+    auto& period = demo.insights.periods[0];
     period.label = kHostile;
     period.findings.push_back({100, kWide + " " + kHostile});
     period.topSkills.push_back({kHostile, 5});
-    return readings;
+    return demo::answer(demo, kNow);
+}
+
+std::string textOf(std::vector<UsageWindow> windows, bool rates = false) {
+    return renderStatus(VornEngine::formAnswer({.windows = std::move(windows)}, kNow), {}, {}, {.rates = rates});
 }
 
 std::string withoutInk(std::string text) {
@@ -57,15 +56,15 @@ std::vector<std::string> linesOf(const std::string& text) {
 }
 
 TEST(RenderStatus, StaysAlignedWithinEveryTerminal) {
-    const StatusReport report = analyse(hostileReadings(), kNow);
+    const Answer answer = hostileAnswer();
     for (const std::size_t width : {36U, 40U, 50U, 80U, 200U}) {
         SCOPED_TRACE(width);
         const std::string drawn =
-            renderStatus(report, {.interactive = true, .colour = true, .width = width}, {.rates = true});
+            renderStatus(answer, {}, {.interactive = true, .colour = true, .width = width}, {.rates = true});
         EXPECT_THAT(drawn, HasSubstr("█"));
         EXPECT_THAT(drawn, Not(HasSubstr("\x1b[31mevil")));
         const std::string plain =
-            renderStatus(report, {.interactive = true, .colour = false, .width = width}, {.rates = true});
+            renderStatus(answer, {}, {.interactive = true, .colour = false, .width = width}, {.rates = true});
         EXPECT_THAT(plain, Not(HasSubstr("\x1b")));
         EXPECT_EQ(linesOf(withoutInk(drawn)).size(), linesOf(plain).size());
         std::vector<std::size_t> percentColumns;
@@ -77,11 +76,11 @@ TEST(RenderStatus, StaysAlignedWithinEveryTerminal) {
                 percentColumns.push_back(displayWidth(line.substr(0, line.find('%'))));
             }
         }
-        EXPECT_EQ(percentColumns.size(), report.cards.size());
+        EXPECT_EQ(percentColumns.size(), answer.cards.size());
         EXPECT_THAT(percentColumns, testing::Each(percentColumns.front()));
     }
     // Elsewhere a line is a line, whatever its length.
-    EXPECT_THAT(renderStatus(report, {}, {}), HasSubstr("evil " + std::string(300, 'x')));
+    EXPECT_THAT(renderStatus(answer, {}, {}), HasSubstr("evil " + std::string(300, 'x')));
 }
 
 TEST(RenderStatus, NeverShowsWhatIsNoNumber) {
@@ -89,10 +88,9 @@ TEST(RenderStatus, NeverShowsWhatIsNoNumber) {
     const double hostile[] = {kNan, 1e300, -1e300, std::numeric_limits<double>::infinity(), -0.0, 250};
     for (const double used : hostile) {
         for (const Seconds resetsIn : std::initializer_list<Seconds>{-1e9s, 0s, 1ns, 3h, 1e12s}) {
-            const StatusReport report = analyse({.windows = {test::reading(WindowKind::session(), used, resetsIn),
-                                                             test::reading(WindowKind::week(), used, resetsIn)}},
-                                                kNow);
-            const std::string text = renderStatus(report, {}, {.rates = true});
+            const std::string text = textOf({test::reading(WindowKind::session(), used, resetsIn),
+                                             test::reading(WindowKind::week(), used, resetsIn)},
+                                            true);
             for (const char* unwanted : {"nan", "inf", "-0%", "e+"}) {
                 EXPECT_THAT(text, Not(HasSubstr(unwanted))) << used << ' ' << resetsIn.count();
             }
@@ -101,20 +99,34 @@ TEST(RenderStatus, NeverShowsWhatIsNoNumber) {
 }
 
 TEST(RenderStatus, SaysWhatIsKnownAndNothingElse) {
-    const auto textOf = [](Readings readings) {
-        return renderStatus(analyse(std::move(readings), kNow), {}, {});
-    };
     EXPECT_EQ(textOf({}), "");
     auto window = test::reading(WindowKind::session(), 0, 3h);
     window.resetsAt.reset();
-    EXPECT_THAT(textOf({.windows = {window}}),
-                testing::AllOf(HasSubstr("Not started"), HasSubstr("next use starts it"), Not(HasSubstr("not known"))));
+    EXPECT_THAT(textOf({window}), testing::AllOf(HasSubstr("Not started"), HasSubstr("Begins with the next message"),
+                                                 Not(HasSubstr("not known"))));
     window.usedPercent = 40;
     window.observedAt = kNow - 95min;
-    EXPECT_THAT(textOf({.windows = {window}}),
-                testing::AllOf(HasSubstr("reset time not known"), HasSubstr("Read 1h 35m ago from claude /usage")));
+    EXPECT_THAT(textOf({window}),
+                testing::AllOf(HasSubstr("Reset time not known"), HasSubstr("Read 1h 35m ago from claude /usage")));
     window.observedAt = kNow + 1h;  // the clock was set back
-    EXPECT_THAT(textOf({.windows = {window}}), HasSubstr("Read just now"));
+    window.source = DataSource::statusLine;
+    EXPECT_THAT(textOf({window}), HasSubstr("Read just now from the status line"));
+}
+
+TEST(Complaint, QuotesTheClientAndSaysWhatToDo) {
+    using Kind = ProbeFailure::Kind;
+    const auto complaintOf = [](Evidence evidence) {
+        return complaint(VornEngine::formAnswer(evidence, kNow));
+    };
+    EXPECT_EQ(complaintOf({.windows = {test::reading(WindowKind::session(), 5, 3h)}}), "");
+    EXPECT_EQ(complaintOf({}), "No reading yet.\nvornctl status without --no-probe asks Claude Code.\n");
+    EXPECT_EQ(complaintOf({.asking = {.hasAnswered = true}}),
+              "Connected, no limits yet.\nClaude Code reports them after the first reply of a session.\n");
+    EXPECT_EQ(complaintOf({.asking = {.failure = ProbeFailure{Kind::unrecognizedOutput, "\x1b[2Jone\n\ttwo"}},
+                           .unsaved = {.history = true, .plan = "No space left on device"}}),
+              "The history cannot be saved.\nThe reset plan cannot be saved: No space left on device\n"
+              "Vorn couldn't read the /usage output. Claude Code may have changed its format.\n"
+              "It printed:\n  [2Jone\n   two\n");
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "core/sources/usage_command_parser.hpp"
+#include "core/usage_command/usage_command_parser.hpp"
 
 #include <chrono>
 #include <filesystem>

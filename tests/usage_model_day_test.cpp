@@ -1,13 +1,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "app/model/notifier.hpp"
 #include "core/analysis/assess.hpp"
+#include "core/wording/format.hpp"
+#include "core/wording/head.hpp"
+#include "model/notifier.hpp"
 #include "platform/notification_center.hpp"
 #include "tests/support/model_world.hpp"
 #include "tests/support/working_day.hpp"
-#include "ui/format/format.hpp"
-#include "ui/format/head.hpp"
 
 namespace vorn {
 namespace {
@@ -114,8 +114,7 @@ TEST(ModelDay, SaysTheRightThingAtEachHour) {
         ASSERT_NE(day.model->week(), nullptr);
         EXPECT_EQ(Format::verdict(*day.model->session(), day.model->now()), part.session);
         EXPECT_EQ(Format::verdict(*day.model->week(), day.model->now()), part.week);
-        const auto head =
-            Format::head(VornEngine::headline(day.model->assessments()), day.model->steer(), day.model->now());
+        const auto head = Format::head(day.model->answer());
         EXPECT_EQ(head ? head->headline : "", part.head);
         if (const auto* bound = day.model->steerAssessment()) {
             EXPECT_EQ(bound->window.kind, day.model->steer()->kind);
@@ -149,11 +148,11 @@ TEST(ModelDay, AsksTheClientAndTheTranscriptsWhenTheyAreDue) {
     EXPECT_THAT(gaps(day.scans), testing::Each(Seconds{35}));
     EXPECT_EQ(day.scans.size(), 1 + 16 * 60 / 35U);
     EXPECT_THAT(gaps(day.recomputes), testing::Each(testing::Le(Seconds{30})));
-    EXPECT_LE(day.recomputes.size(), 2 + 16 * 2 + day.probes.size());
+    EXPECT_LE(day.recomputes.size(), 2 + 16 * 2 + 2 * day.probes.size());
 
     // The client goes: asked after 1, 2, 4, 8 and then every 16 intervals, until somebody looks and it is back.
     day.client = [] {
-        return ProbeSource::Answer("gone");
+        return ProbeFailure{.kind = ProbeFailure::Kind::other, .detail = "gone"};
     };
     const std::size_t before = day.probes.size();
     day.pass(5h);

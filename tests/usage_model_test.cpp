@@ -1,4 +1,4 @@
-#include "app/model/usage_model.hpp"
+#include "model/usage_model.hpp"
 
 #include <array>
 #include <chrono>
@@ -10,10 +10,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "app/model/background_activity.hpp"
-#include "app/model/background_probe.hpp"
-#include "app/model/model_parts.hpp"
 #include "core/data/vorn_paths.hpp"
+#include "model/background_activity.hpp"
+#include "model/background_probe.hpp"
+#include "model/model_parts.hpp"
+#include "model/notifier.hpp"
+#include "platform/notification_center.hpp"
 #include "tests/support/child_watch.hpp"
 #include "tests/support/model_world.hpp"
 #include "tests/support/readings.hpp"
@@ -28,11 +30,16 @@ using test::waitFor;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using Phase = UsageModel::Phase;
 using Scope = PlannedReset::Scope;
 
 UsageCommandParser::Result answer(std::vector<UsageWindow> windows) {
     return {.windows = std::move(windows), .insights = {}};
+}
+
+ProbeFailure failure(const char* message) {
+    return {.kind = ProbeFailure::Kind::other, .detail = message};
 }
 
 class UsageModelTest : public testing::Test, public test::ModelWorld {
@@ -50,7 +57,7 @@ protected:
     }
     void clientFails(const char* message) {
         client = [message] {
-            return ProbeSource::Answer(message);
+            return failure(message);
         };
     }
     void relayWrites(double sessionPercent, Instant at) {
@@ -134,7 +141,7 @@ TEST_F(UsageModelTest, NeverAsksTwiceAtOnce) {
     EXPECT_GT(scans.size(), 100U);
     preferences.setClaudePathOverride("/another");
     model->probeAnew();
-    unansweredProbe("That one hangs.");
+    unansweredProbe(failure("That one hangs."));
     EXPECT_EQ(probes.size(), 2U);
     EXPECT_EQ(overridePath, "/another");
     unansweredProbe(answer({session(7)}));
@@ -167,14 +174,13 @@ TEST_F(UsageModelTest, GoesOnWhileAScanHangs) {
     EXPECT_EQ(scans.size(), 1U);
     EXPECT_EQ(used(), 20);
     EXPECT_THAT(model->activity().events(), IsEmpty());
-    EXPECT_FALSE(model->hasScanned());
+    EXPECT_EQ(model->answer().activity, nullptr);
 
     unansweredScan(test::activity({{-5min, 600}}));
     EXPECT_EQ(model->activity().events().size(), 1U);
-    EXPECT_EQ(model->rateActivity(), &model->activity());
     pass(5s);
     EXPECT_EQ(scans.size(), 2U);
-    EXPECT_TRUE(model->hasScanned());
+    EXPECT_NE(model->answer().activity, nullptr);
 }
 
 TEST_F(UsageModelTest, LeavesTheTranscriptsAloneWhenToldTo) {
@@ -185,38 +191,98 @@ TEST_F(UsageModelTest, LeavesTheTranscriptsAloneWhenToldTo) {
     start();
     pass(10min);
     EXPECT_EQ(scans.size(), 1U);  // the first comes in any case
-    EXPECT_EQ(model->rateActivity(), nullptr);
+    EXPECT_FALSE(model->answer().usesActivity);
     preferences.setUseLocalActivity(true);
     pass(5s);
     EXPECT_EQ(scans.size(), 2U);
-    EXPECT_NE(model->rateActivity(), nullptr);
+    EXPECT_TRUE(model->answer().usesActivity);
 }
 
 TEST_F(UsageModelTest, NotifiesOfWhatChangedAndOfNothingElse) {
     clientSays(12);
     start();
-    std::vector<const char*> heard;
-    const auto listen = [&](auto signal, const char* name) {
-        QObject::connect(model.get(), signal, [&heard, name] { heard.push_back(name); });
-    };
-    listen(&UsageModel::phaseChanged, "phase");
-    listen(&UsageModel::historyChanged, "history");
-    listen(&UsageModel::resetPlanChanged, "plan");
-    listen(&UsageModel::lastProbeErrorChanged, "error");
-    listen(&UsageModel::sessionWeekRatioChanged, "ratio");
-    listen(&UsageModel::activityChanged, "activity");
-    listen(&UsageModel::insightsChanged, "insights");
-    listen(&UsageModel::isProbingChanged, "probing");
-    listen(&UsageModel::changed, "changed");
+    int heard = 0;
+    QObject::connect(model.get(), &UsageModel::changed, [&] { ++heard; });
     pass(30s);
     model->setBankedResets(0);
     model->removePlannedReset("none");
-    EXPECT_THAT(heard, ElementsAre("changed", "changed", "changed"));
-    heard.clear();
+    EXPECT_EQ(heard, 3);
     clientSays(13);
     now += 1s;
     model->probe();
-    EXPECT_THAT(heard, ElementsAre("probing", "history", "changed", "probing"));
+    EXPECT_EQ(heard, 5);  // being asked, and the answer
+}
+
+// ---- What may be concluded ----
+
+class CountingCenter final : public NotificationCenter {
+public:
+    void requestAuthorization(std::function<void(bool)> onAnswer) override { onAnswer(true); }
+    void post(const Notice& notice) override { titles.push_back(notice.title.toStdString()); }
+    [[nodiscard]] QString problem() const override { return {}; }
+    std::vector<std::string> titles;
+};
+
+class UsageModelNotices : public UsageModelTest {
+protected:
+    UsageModelNotices() { notifier.requestAuthorization({}); }
+    void listen() {
+        QObject::connect(model.get(), &UsageModel::changed,
+                         [this] { notifier.evaluate(model->answer(), preferences); });
+    }
+    CountingCenter center;
+    Notifier notifier{&center};
+};
+
+TEST_F(UsageModelNotices, ComeOnlyOfWhatIsKnownToHoldStill) {
+    // Three quarters went in the first hour of this session, and nothing since: the average alone would warn.
+    const auto at = [&](Seconds ago) {
+        return UsageWindow{WindowKind::session(), 75, now + 2h, now - ago};
+    };
+    HistoryStore store(directory / "history.jsonl");
+    for (Seconds ago = 2h; ago > 0s; ago -= 10min) {
+        store.record(std::vector{at(ago)}, now - ago);
+    }
+    ASSERT_TRUE(record.save({.lastProbeAt = now - 1min, .readings = {at(1min)}}));
+    client = nullptr;
+    transcripts = nullptr;
+    listen();
+    model->start();
+    EXPECT_FALSE(model->answer().isJudged);
+    EXPECT_EQ(model->answer().head, std::nullopt);
+    ASSERT_NE(model->answer().session(), nullptr);
+    EXPECT_EQ(model->answer().session()->window.usedPercent, 75);
+    EXPECT_EQ(model->answer().session()->ratePerHour, std::nullopt);
+    waitFor([&] { return model->history().size() == 12; });
+    EXPECT_FALSE(model->answer().isJudged) << "the activity may tell of another rate";
+    unansweredScan(std::nullopt);
+    EXPECT_TRUE(model->answer().isJudged);
+    EXPECT_EQ(model->answer().session()->ratePerHour, 0);
+    EXPECT_THAT(center.titles, IsEmpty());
+
+    // What is true then has not been used up.
+    for (double used = 76; used < 96; ++used) {
+        ++snapshotVersion;
+        snapshot = StatusLineSnapshot{.observedAt = now, .rateLimits = {.fiveHour = {{used, kNow + 2h}}}};
+        pass(1min);
+    }
+    EXPECT_THAT(center.titles, ElementsAre(HasSubstr("Session: limit in ~")));
+}
+
+TEST_F(UsageModelNotices, DoNotWaitForeverForTheTranscripts) {
+    client = nullptr;
+    transcripts = nullptr;
+    start();
+    EXPECT_FALSE(model->answer().isJudged);
+    pass(10s);
+    EXPECT_TRUE(model->answer().isJudged);
+}
+
+TEST_F(UsageModelNotices, AreNotPostedOfADemonstration) {
+    listen();
+    model->startDemo(demo::makeDemo(demo::Scenario::limited, now));
+    EXPECT_TRUE(model->answer().isDemo);
+    EXPECT_THAT(center.titles, IsEmpty());
 }
 
 // ---- The reset plan ----
@@ -286,14 +352,14 @@ TEST_F(UsageModelTest, KeepsAPlanThatCannotBeSaved) {
     pass(5s);
     model->addPlannedReset(kOther);
     EXPECT_THAT(model->resetPlan().planned, testing::Contains(kOther));
-    EXPECT_THAT(model->storageProblem().value_or(""), HasSubstr("reset plan"));
+    EXPECT_THAT(model->answer().unsaved.plan, Not(IsEmpty()));
     pass(30s);
     EXPECT_THAT(model->resetPlan().planned, testing::Contains(kOther));
 
     fs::remove_all(directory / "reset-plan.json");
     fs::rename(directory / "away/plan", directory / "reset-plan.json");
     pass(35s);
-    EXPECT_EQ(model->storageProblem(), std::nullopt);
+    EXPECT_EQ(model->answer().unsaved, Unsaved());
     EXPECT_THAT(plan.load().planned, ElementsAre(kSoon, kOther));
     EXPECT_EQ(model->resetPlan(), plan.load());
 }
@@ -301,18 +367,18 @@ TEST_F(UsageModelTest, KeepsAPlanThatCannotBeSaved) {
 // ---- What the terminal remembered ----
 
 TEST_F(UsageModelTest, GoesOnWithTheFailuresOfOtherPrograms) {
-    ASSERT_TRUE(record.save({.lastProbeAt = now - 1min, .consecutiveFailures = 2, .lastError = "offline"}));
+    ASSERT_TRUE(record.save({.lastProbeAt = now - 1min, .consecutiveFailures = 2, .failure = failure("offline")}));
     client = nullptr;
     start();
     EXPECT_EQ(model->lastProbeError(), "offline");
     EXPECT_EQ(model->lastProbeAt(), now - 1min);
-    unansweredProbe("still offline");  // the first is sent in any case
+    unansweredProbe(failure("still offline"));  // the first is sent in any case
     probes.clear();
     pass(41min);
     EXPECT_THAT(probes, ElementsAre(kNow + 40min));
 
     // Somebody else got an answer: no need to ask for it.
-    unansweredProbe("offline again");
+    unansweredProbe(failure("offline again"));
     waitFor([&] { return record.load().consecutiveFailures == 4; });
     pass(1min);
     ASSERT_TRUE(record.save({.lastProbeAt = now, .readings = {session(33)}}));
@@ -411,13 +477,13 @@ TEST_F(UsageModelTest, TellsThatTheHistoryCannotBeSaved) {
     fs::create_directories(directory / "history.jsonl/in the way");
     clientSays(10);
     start();
-    waitFor([&] { return model->storageProblem().has_value(); });
+    waitFor([&] { return model->answer().unsaved.history; });
     EXPECT_EQ(model->history().size(), 1U);
     EXPECT_EQ(used(), 10);
     fs::remove_all(directory / "history.jsonl");
     clientSays(11);
     pass(5min);
-    waitFor([&] { return !model->storageProblem().has_value(); });
+    waitFor([&] { return !model->answer().unsaved.history; });
     revive();
     start();
     EXPECT_EQ(model->history().size(), 2U);
@@ -431,7 +497,7 @@ TEST_F(UsageModelTest, ReadsAndWritesNothingInADemonstration) {
     EXPECT_EQ(model->assessments().size(), demo.windows.size());
     EXPECT_EQ(model->history(), demo.history);
     EXPECT_EQ(model->resetPlan(), demo.plan);
-    EXPECT_EQ(model->rateActivity(), nullptr);
+    EXPECT_TRUE(model->answer().isDemo);
     now += 1h;
     model->probe();
     model->refreshIfStale();
@@ -507,7 +573,7 @@ TEST_F(RealSources, ReadTheClientAndTheTranscripts) {
     fs::create_directories(VornPaths::statusLineSnapshot());  // no snapshot, however it looks
     UsageModel model(m_preferences, makeModelParts());
     model.start();
-    waitFor([&] { return !model.isProbing() && model.activity().events().size() == 2 && model.isHistoryLoaded(); });
+    waitFor([&] { return !model.isProbing() && model.activity().events().size() == 2 && model.answer().isJudged; });
     EXPECT_EQ(model.lastProbeError(), std::nullopt);
     ASSERT_NE(model.session(), nullptr);
     EXPECT_EQ(model.session()->window.usedPercent, 42);
@@ -536,7 +602,8 @@ TEST_F(RealSources, LeaveNoClientBehindWhenTheProcessEnds) {
 TEST_F(RealSources, AreDestroyedAtOnceWhileTheyWork) {
     m_preferences.setClaudePathOverride(QString::fromStdString(m_client));
     auto model = std::make_unique<UsageModel>(m_preferences, makeModelParts());
-    QObject::connect(model.get(), &UsageModel::lastProbeAtChanged, [] { ADD_FAILURE() << "an answer to nobody"; });
+    QObject::connect(model.get(), &UsageModel::changed,
+                     [&] { EXPECT_FALSE(model->lastProbeAt()) << "an answer to nobody"; });
     model->start();
     waitFor([&] { return hasBegun(); });
     EXPECT_LT(timed([&] { model.reset(); }), 500);

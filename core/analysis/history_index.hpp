@@ -13,7 +13,7 @@
 namespace vorn {
 
 /// The history by window and reset time, so that looking up one window's readings costs only as much as there are of
-/// them: past instances are never looked at again. Kept by whoever analyses repeatedly.
+/// them: past instances are never looked at again. Keep one where analyses repeat.
 class HistoryIndex {
 public:
     HistoryIndex() = default;

@@ -43,7 +43,7 @@ ssize_t readAt(int file, char* buffer, std::size_t count, off_t offset) {
 /// Decodes the lines of a file block by block, so that memory holds the samples and not the file.
 class LineScan {
 public:
-    explicit LineScan(std::vector<HistorySample>& samples) : m_samples(samples), m_buffer(kBlock + m_decoder.padding) {}
+    explicit LineScan(RecordedReadings& readings) : m_readings(readings), m_buffer(kBlock + m_decoder.padding) {}
 
     /// False when the file could not be read to its end.
     bool run(int file, off_t size) {
@@ -80,12 +80,12 @@ private:
         if (std::exchange(m_isMidLine, false) || line.empty()) {
             return;
         }
-        if (auto sample = m_decoder.decode(line)) {
-            m_samples.push_back(*std::move(sample));
+        if (auto decoded = m_decoder.decode(line)) {
+            m_readings.add(std::move(decoded->sample), decoded->source);
         }
     }
 
-    std::vector<HistorySample>& m_samples;
+    RecordedReadings& m_readings;
     HistoryLineDecoder m_decoder;
     std::vector<char> m_buffer;
     std::size_t m_held = 0;    ///< Bytes of an unfinished line at the front of the buffer.
@@ -93,22 +93,22 @@ private:
 };
 
 struct Content {
-    std::vector<HistorySample> samples;
+    RecordedReadings readings;
     bool isWhole = true;  ///< Else a part of the file could not be read.
 };
 
-Content readSamples(int file, off_t size) {
+Content readContent(int file, off_t size) {
     Content content;
-    content.samples.reserve(static_cast<std::size_t>(std::min(size, kLargestRead)) / kTypicalLine);
-    content.isWhole = LineScan(content.samples).run(file, size);
+    content.readings.reserve(static_cast<std::size_t>(std::min(size, kLargestRead)) / kTypicalLine);
+    content.isWhole = LineScan(content.readings).run(file, size);
     return content;
 }
 
-std::string encodeLines(std::span<const HistorySample> samples) {
+std::string encodeLines(const RecordedReadings& readings) {
     std::string lines;
-    lines.reserve(samples.size() * kTypicalLine);
-    for (const HistorySample& sample : samples) {
-        appendHistoryLine(lines, sample);
+    lines.reserve(readings.size() * kTypicalLine);
+    for (std::size_t i = 0; i < readings.size(); ++i) {
+        appendHistoryLine(lines, readings.samples()[i], readings.sources()[i]);
     }
     return lines;
 }
@@ -143,26 +143,33 @@ bool replaceQuietly(const fs::path& path, std::string_view content) try {
     return false;
 }
 
-bool isBefore(const HistorySample& one, const HistorySample& other) {
-    return std::tie(one.observedAt, one.kindKey, one.usedPercent, one.resetsAt) <
-           std::tie(other.observedAt, other.kindKey, other.usedPercent, other.resetsAt);
+bool isBefore(const HistorySample* one, const HistorySample* other) {
+    return std::tie(one->observedAt, one->kindKey, one->usedPercent, one->resetsAt) <
+           std::tie(other->observedAt, other->kindKey, other->usedPercent, other->resetsAt);
 }
 
-/// What `stored` has and `known` has not.
-std::vector<HistorySample> foreignSamples(std::vector<HistorySample> stored, std::vector<HistorySample> known) {
-    std::ranges::sort(stored, isBefore);
-    std::ranges::sort(known, isBefore);
-    std::vector<HistorySample> foreign;
-    std::ranges::set_difference(stored, known, std::back_inserter(foreign), isBefore);
+/// What `stored` has and `known` has not, in the order of `stored`. Where both have a sample, the origin that is known
+/// counts: another version may have written the line anew without it.
+RecordedReadings foreignReadings(const RecordedReadings& stored, const RecordedReadings& known) {
+    std::vector<const HistorySample*> sorted;
+    sorted.reserve(known.size());
+    std::ranges::transform(known.samples(), std::back_inserter(sorted), [](const auto& sample) { return &sample; });
+    std::ranges::sort(sorted, isBefore);
+    RecordedReadings foreign;
+    for (std::size_t i = 0; i < stored.size(); ++i) {
+        if (!std::ranges::binary_search(sorted, &stored.samples()[i], isBefore)) {
+            foreign.add(stored.samples()[i], stored.sources()[i]);
+        }
+    }
     return foreign;
 }
 
-void mergeStored(std::vector<HistorySample>& samples, std::vector<HistorySample> stored, Instant cutoff) {
-    std::erase_if(stored, [&](const HistorySample& sample) { return sample.observedAt < cutoff; });
-    const auto foreign = foreignSamples(std::move(stored), samples);
-    if (!foreign.empty()) {
-        samples.insert(samples.end(), foreign.begin(), foreign.end());
-        std::ranges::stable_sort(samples, {}, &HistorySample::observedAt);
+void mergeStored(RecordedReadings& readings, RecordedReadings stored, Instant cutoff) {
+    stored.eraseBefore(cutoff);
+    const RecordedReadings foreign = foreignReadings(stored, readings);
+    if (!foreign.isEmpty()) {
+        readings.add(foreign);
+        readings.sortByTime();
     }
 }
 
@@ -178,26 +185,26 @@ std::optional<FileLock> lockQuietly(const fs::path& path, std::chrono::milliseco
 HistoryFile::HistoryFile(fs::path path, std::chrono::milliseconds patience)
     : m_path(std::move(path)), m_patience(patience) {}
 
-std::vector<HistorySample> HistoryFile::read() const {
+RecordedReadings HistoryFile::read() const {
     const Descriptor file(::open(m_path.c_str(), O_RDONLY | kOpenFlags));
     const off_t size = regularSize(file);
-    return size < 0 ? std::vector<HistorySample>{} : readSamples(file.get(), size).samples;
+    return size < 0 ? RecordedReadings{} : readContent(file.get(), size).readings;
 }
 
-bool HistoryFile::append(std::span<const HistorySample> samples) const {
+bool HistoryFile::append(const RecordedReadings& readings) const {
     const auto lock = lockQuietly(m_path, m_patience);
     if (!lock || isPlantedLink(m_path)) {
         return false;
     }
     const Descriptor file(::open(m_path.c_str(), O_RDWR | O_APPEND | kOpenFlags));
     if (!file.isOpen() && errno == ENOENT) {
-        return replaceQuietly(m_path, encodeLines(samples));
+        return replaceQuietly(m_path, encodeLines(readings));
     }
     const off_t size = regularSize(file);
-    return size >= 0 && appendWhole(file.get(), size, encodeLines(samples));
+    return size >= 0 && appendWhole(file.get(), size, encodeLines(readings));
 }
 
-bool HistoryFile::rewrite(std::vector<HistorySample>& samples, Instant cutoff) const {
+bool HistoryFile::rewrite(RecordedReadings& readings, Instant cutoff) const {
     const auto lock = lockQuietly(m_path, m_patience);
     if (!lock) {
         return false;
@@ -207,14 +214,14 @@ bool HistoryFile::rewrite(std::vector<HistorySample>& samples, Instant cutoff) c
     const Descriptor file(::open(m_path.c_str(), O_RDWR | kOpenFlags));
     if (file.isOpen() || errno != ENOENT) {
         const off_t size = regularSize(file);
-        Content stored = size < 0 ? Content{.samples = {}, .isWhole = false} : readSamples(file.get(), size);
+        Content stored = size < 0 ? Content{.readings = {}, .isWhole = false} : readContent(file.get(), size);
         if (!stored.isWhole) {
             return false;
         }
-        mergeStored(samples, std::move(stored.samples), cutoff);
+        mergeStored(readings, std::move(stored.readings), cutoff);
     }
     removeAbandonedTemporaries(m_path);
-    return replaceQuietly(m_path, encodeLines(samples));
+    return replaceQuietly(m_path, encodeLines(readings));
 }
 
 }  // namespace vorn

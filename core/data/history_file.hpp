@@ -2,10 +2,8 @@
 
 #include <chrono>
 #include <filesystem>
-#include <span>
-#include <vector>
 
-#include "core/data/history_sample.hpp"
+#include "core/data/recorded_readings.hpp"
 
 namespace vorn {
 
@@ -24,14 +22,14 @@ public:
 
     /// Every line that is a sample, in the order of the file; empty when it cannot be read or is no regular file. Of an
     /// absurdly large file only the newest 256 MiB are read.
-    [[nodiscard]] std::vector<HistorySample> read() const;
+    [[nodiscard]] RecordedReadings read() const;
 
     /// Adds lines at the end, all or none. False when they could not be written; the file is then as it was.
-    [[nodiscard]] bool append(std::span<const HistorySample> samples) const;
+    [[nodiscard]] bool append(const RecordedReadings& readings) const;
 
-    /// Replaces the file by `samples`, to which it first adds what another process has stored meanwhile from `cutoff`
+    /// Replaces the file by `readings`, to which it first adds what another process has stored meanwhile from `cutoff`
     /// on (sorting by time when there is anything). False when the file could not be replaced; it is then as it was.
-    [[nodiscard]] bool rewrite(std::vector<HistorySample>& samples, Instant cutoff) const;
+    [[nodiscard]] bool rewrite(RecordedReadings& readings, Instant cutoff) const;
 
 private:
     std::filesystem::path m_path;

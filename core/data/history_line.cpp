@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <iterator>
+#include <utility>
 
 #include <fmt/format.h>
 #include <simdjson.h>
@@ -27,6 +28,7 @@ struct Draft {
     std::optional<double> used;
     std::optional<double> reset;
     std::optional<double> observed;
+    DataSource source = DataSource::usageCommand;
 };
 
 bool take(Draft& draft, ondemand::field field) {
@@ -55,6 +57,12 @@ bool take(Draft& draft, ondemand::field field) {
         }
         draft.key = key;
     }
+    if (name == "o") {
+        std::string_view origin;
+        const bool isText = value.get_string().get(origin) == simdjson::SUCCESS;
+        draft.source =
+            isText && origin == rawValue(DataSource::statusLine) ? DataSource::statusLine : DataSource::usageCommand;
+    }
     return true;
 }
 
@@ -62,14 +70,18 @@ bool take(Draft& draft, ondemand::field field) {
 
 static_assert(HistoryLineDecoder::padding >= simdjson::SIMDJSON_PADDING);
 
-void appendHistoryLine(std::string& lines, const HistorySample& sample) {
+void appendHistoryLine(std::string& lines, const HistorySample& sample, DataSource source) {
     // {} gives the shortest digits that read back as the same number, whatever the locale.
     const auto out = std::back_inserter(lines);
     fmt::format_to(out, R"({{"k":{},"u":{})", dumpJson(sample.kindKey), sample.usedPercent);
     if (sample.resetsAt) {
         fmt::format_to(out, R"(,"r":{})", secondsSince1970(*sample.resetsAt));
     }
-    fmt::format_to(out, ",\"t\":{}}}\n", secondsSince1970(sample.observedAt));
+    fmt::format_to(out, R"(,"t":{})", secondsSince1970(sample.observedAt));
+    if (source != DataSource::usageCommand) {
+        fmt::format_to(out, R"(,"o":"{}")", rawValue(source));
+    }
+    lines += "}\n";
 }
 
 struct HistoryLineDecoder::Parser {
@@ -79,7 +91,7 @@ struct HistoryLineDecoder::Parser {
 HistoryLineDecoder::HistoryLineDecoder() : m_parser(std::make_unique<Parser>()) {}
 HistoryLineDecoder::~HistoryLineDecoder() = default;
 
-std::optional<HistorySample> HistoryLineDecoder::decode(std::string_view line) {
+std::optional<RecordedSample> HistoryLineDecoder::decode(std::string_view line) {
     ondemand::document document;
     ondemand::object object;
     if (m_parser->parser.iterate(line.data(), line.size(), line.size() + padding).get(document) != simdjson::SUCCESS ||
@@ -101,7 +113,7 @@ std::optional<HistorySample> HistoryLineDecoder::decode(std::string_view line) {
     if (draft.reset) {
         sample.resetsAt = instantSince1970(*draft.reset);
     }
-    return sample;
+    return RecordedSample{.sample = std::move(sample), .source = draft.source};
 }
 
 }  // namespace vorn

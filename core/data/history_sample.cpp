@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <map>
 #include <ostream>
 #include <string_view>
@@ -20,7 +21,8 @@ bool HistorySample::isFinite() const {
            std::isfinite(secondsSince1970(resetsAt.value_or(Instant{})));
 }
 
-std::vector<UsageWindow> newestCurrent(std::span<const HistorySample> samples, Instant now) {
+std::vector<UsageWindow> newestCurrent(std::span<const HistorySample> samples, Instant now,
+                                       std::span<const DataSource> sources) {
     std::map<std::string_view, const HistorySample*> newest;
     for (const HistorySample& sample : samples) {
         if (sample.observedAt <= now) {
@@ -31,7 +33,9 @@ std::vector<UsageWindow> newestCurrent(std::span<const HistorySample> samples, I
     std::vector<UsageWindow> windows;
     for (const auto& [key, sample] : newest) {
         if (const auto kind = sample->kind(); kind && isCurrent(*sample, *kind, now)) {
-            windows.push_back({*kind, sample->usedPercent, sample->resetsAt, sample->observedAt});
+            const auto place = static_cast<std::size_t>(sample - samples.data());
+            const DataSource source = sources.empty() ? DataSource::usageCommand : sources[place];
+            windows.push_back({*kind, sample->usedPercent, sample->resetsAt, sample->observedAt, source});
         }
     }
     std::ranges::sort(windows, {}, &UsageWindow::kind);

@@ -36,8 +36,9 @@ struct HistorySample {
 /// The readings that still hold at `now`, one a kind and ordered by kind, as a process without readings of its own may
 /// start from. For each key that names a kind it is the latest sample observed up to `now` (of equal times the later in
 /// the input), provided that its reset lies after `now`, or, where it has no reset time, that less than the window's
-/// length has passed since. The history does not keep where a reading came from: the source is the usage command.
-std::vector<UsageWindow> newestCurrent(std::span<const HistorySample> samples, Instant now);
+/// length has passed since. `sources`: where each reading came from; without them it is the usage command.
+std::vector<UsageWindow> newestCurrent(std::span<const HistorySample> samples, Instant now,
+                                       std::span<const DataSource> sources = {});
 
 /// For test failures.
 void PrintTo(const HistorySample& sample, std::ostream* out);

@@ -18,7 +18,13 @@ HistoryStore::HistoryStore(std::filesystem::path file, Seconds retention, Second
 std::vector<HistorySample> HistoryStore::all() {
     const std::lock_guard lock(m_mutex);
     loadIfNeeded();
-    return m_samples;
+    return m_readings.samples();
+}
+
+std::vector<UsageWindow> HistoryStore::newestCurrent(Instant now) {
+    const std::lock_guard lock(m_mutex);
+    loadIfNeeded();
+    return vorn::newestCurrent(m_readings.samples(), now, m_readings.sources());
 }
 
 void HistoryStore::record(std::span<const UsageWindow> windows, Instant now) {
@@ -32,12 +38,12 @@ std::vector<HistorySample> HistoryStore::add(std::span<const UsageWindow> window
     std::vector<HistorySample> added;
     for (const UsageWindow& window : windows) {
         if (auto candidate = HistorySample::of(window); isNew(candidate, now)) {
-            m_samples.push_back(candidate);
+            m_readings.add(candidate, window.source);
+            if (stored == Stored::notYet) {
+                m_unsaved.add(candidate, window.source);
+            }
             added.push_back(std::move(candidate));
         }
-    }
-    if (stored == Stored::notYet) {
-        m_unsaved.insert(m_unsaved.end(), added.begin(), added.end());
     }
     return added;
 }
@@ -46,31 +52,33 @@ HistoryStore::Flushed HistoryStore::flush(Instant now) {
     const std::lock_guard writing(m_writing);
     const Instant cutoff = now - m_retention;
     std::unique_lock lock(m_mutex);
-    if (m_unsaved.empty()) {
+    if (m_unsaved.isEmpty()) {
         return {};
     }
-    const bool isPruneDue = m_samples.front().observedAt < cutoff - kPruneSlack;
+    const bool isPruneDue = m_readings.samples().front().observedAt < cutoff - kPruneSlack;
     if (!isPruneDue) {
-        const std::vector<HistorySample> lines = m_unsaved;
+        const RecordedReadings lines = m_unsaved;
         lock.unlock();
         return {.isSaved = m_file.append(lines) && forgetUnsaved(lines.size())};
     }
-    dropBefore(cutoff);
+    m_unsaved.eraseBefore(cutoff);
+    m_readings.eraseBefore(cutoff);
+    m_readings.shrinkToFit();
     const std::size_t unsaved = m_unsaved.size();
-    const std::size_t known = m_samples.size();
-    std::vector<HistorySample> samples = m_samples;
+    const std::size_t known = m_readings.size();
+    RecordedReadings readings = m_readings;
     lock.unlock();
-    const bool isSaved = m_file.rewrite(samples, cutoff) && forgetUnsaved(unsaved);
+    const bool isSaved = m_file.rewrite(readings, cutoff) && forgetUnsaved(unsaved);
     lock.lock();
     // What was added meanwhile follows what was merged.
-    samples.insert(samples.end(), m_samples.begin() + static_cast<std::ptrdiff_t>(known), m_samples.end());
-    m_samples = std::move(samples);
+    readings.add(m_readings.from(known));
+    m_readings = std::move(readings);
     return {.isSaved = isSaved, .isRewritten = true};
 }
 
 bool HistoryStore::forgetUnsaved(std::size_t count) {
     const std::lock_guard lock(m_mutex);
-    m_unsaved.erase(m_unsaved.begin(), m_unsaved.begin() + static_cast<std::ptrdiff_t>(count));
+    m_unsaved.eraseFirst(count);
     return true;
 }
 
@@ -78,10 +86,8 @@ void HistoryStore::loadIfNeeded() {
     if (std::exchange(m_loaded, true)) {
         return;
     }
-    m_samples = m_file.read();
-    if (!std::ranges::is_sorted(m_samples, {}, &HistorySample::observedAt)) {
-        std::ranges::stable_sort(m_samples, {}, &HistorySample::observedAt);
-    }
+    m_readings = m_file.read();
+    m_readings.sortByTime();
 }
 
 bool HistoryStore::isNew(const HistorySample& candidate, Instant now) const {
@@ -90,10 +96,11 @@ bool HistoryStore::isNew(const HistorySample& candidate, Instant now) const {
     }
     // Samples from before the clock was set back would keep out all others until it has caught up.
     const Instant latest = std::max(now + kClockSlack, candidate.observedAt);
-    const auto last = std::find_if(m_samples.rbegin(), m_samples.rend(), [&](const HistorySample& sample) {
+    const auto& samples = m_readings.samples();
+    const auto last = std::find_if(samples.rbegin(), samples.rend(), [&](const HistorySample& sample) {
         return sample.kindKey == candidate.kindKey && sample.observedAt <= latest;
     });
-    if (last == m_samples.rend()) {
+    if (last == samples.rend()) {
         return true;
     }
     if (last->observedAt >= candidate.observedAt) {
@@ -102,15 +109,6 @@ bool HistoryStore::isNew(const HistorySample& candidate, Instant now) const {
     const bool isUnchanged =
         sameReset(last->resetsAt, candidate.resetsAt) && last->usedPercent == candidate.usedPercent;
     return !isUnchanged || candidate.observedAt - last->observedAt >= m_heartbeat;
-}
-
-void HistoryStore::dropBefore(Instant cutoff) {
-    const auto isOld = [&](const HistorySample& sample) {
-        return sample.observedAt < cutoff;
-    };
-    std::erase_if(m_samples, isOld);
-    std::erase_if(m_unsaved, isOld);
-    m_samples.shrink_to_fit();
 }
 
 }  // namespace vorn

@@ -32,6 +32,9 @@ public:
     /// process records meanwhile shows after a restart or a prune.
     std::vector<HistorySample> all();
 
+    /// As `newestCurrent` of all samples, with the source of each reading: what a process may start from.
+    std::vector<UsageWindow> newestCurrent(Instant now);
+
     /// Appends what is new in `windows`, in memory and to the file; prunes when the oldest sample is more than a day
     /// past its retention. A reading with a number that is not finite is passed over.
     void record(std::span<const UsageWindow> windows, Instant now);
@@ -57,7 +60,6 @@ public:
 private:
     void loadIfNeeded();
     [[nodiscard]] bool isNew(const HistorySample& candidate, Instant now) const;
-    void dropBefore(Instant cutoff);
     bool forgetUnsaved(std::size_t count);
 
     const HistoryFile m_file;
@@ -67,8 +69,8 @@ private:
     std::mutex m_writing;  ///< Held for a whole `flush`, and taken before the other one.
     std::mutex m_mutex;    ///< Guards everything below; held while the file is read, never while it is written.
     bool m_loaded = false;
-    std::vector<HistorySample> m_samples;
-    std::vector<HistorySample> m_unsaved;  ///< Those of `m_samples` that are not in the file yet.
+    RecordedReadings m_readings;
+    RecordedReadings m_unsaved;  ///< Those of `m_readings` that are not in the file yet.
 };
 
 }  // namespace vorn

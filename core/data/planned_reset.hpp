@@ -12,7 +12,7 @@
 
 namespace vorn {
 
-/// A date at which the user expects limits to start afresh ahead of schedule.
+/// A date at which the user expects limits to be reset ahead of schedule.
 struct PlannedReset {
     enum class Scope : std::uint8_t {
         all,      ///< every limit

@@ -18,21 +18,37 @@ nlohmann::json arrayOf(const nlohmann::json& value, const char* key) {
     return list != nullptr && list->is_array() ? *list : nlohmann::json::array();
 }
 
+/// Earlier versions kept only the text that people read; it is still written for them.
+std::optional<ProbeFailure> decodeFailure(const nlohmann::json& value) {
+    if (const auto* failure = findMember(value, "failure")) {
+        const std::string kind = decodeText(requireMember(*failure, "kind"));
+        const auto* detail = findMember(*failure, "detail");
+        if (const auto known = probeFailureKind(kind)) {
+            return ProbeFailure{.kind = *known, .detail = detail != nullptr ? decodeText(*detail) : ""};
+        }
+    }
+    const auto* text = findMember(value, "lastError");
+    return text != nullptr ? std::optional(failureDescribedAs(decodeText(*text))) : std::nullopt;
+}
+
 ProbeRecord decode(const nlohmann::json& value) {
     ProbeRecord record;
-    if (const auto* at = findMember(value, "lastProbeAt")) {
-        record.lastProbeAt = decodeDate(*at, DateCoding::iso8601);
+    if (const auto* at = findMember(value, "probedAt")) {
+        record.lastProbeAt = decodeDate(*at, DateCoding::secondsSince1970);
+    } else if (const auto* whole = findMember(value, "lastProbeAt")) {
+        record.lastProbeAt = decodeDate(*whole, DateCoding::iso8601);
     }
     const auto failures = decodeInteger(requireMember(value, "consecutiveFailures"));
     record.consecutiveFailures = static_cast<int>(std::clamp<std::int64_t>(failures, 0, 1000));
-    if (const auto* error = findMember(value, "lastError")) {
-        record.lastError = decodeText(*error);
-    }
+    record.failure = decodeFailure(value);
     for (const auto& reading : arrayOf(value, "readings")) {
         record.readings.push_back(decodeUsageWindow(reading, DateCoding::secondsSince1970));
     }
     for (const auto& kind : arrayOf(value, "expectedResets")) {
         record.expectedResets.insert(decodeWindowKind(kind));
+    }
+    for (const auto& drop : arrayOf(value, "pendingDrops")) {
+        record.pendingDrops.push_back(decodeUsageWindow(drop, DateCoding::secondsSince1970));
     }
     return record;
 }
@@ -41,15 +57,21 @@ nlohmann::json encode(const ProbeRecord& record) {
     nlohmann::json value = {{"consecutiveFailures", record.consecutiveFailures}};
     if (record.lastProbeAt) {
         value["lastProbeAt"] = encodeDate(*record.lastProbeAt, DateCoding::iso8601);
+        // Whole seconds hide from a program that asked in the same second that another one has answers as well.
+        value["probedAt"] = encodeDate(*record.lastProbeAt, DateCoding::secondsSince1970);
     }
-    if (!record.lastError.empty()) {
-        value["lastError"] = record.lastError;
+    if (record.failure) {
+        value["failure"] = {{"kind", rawValue(record.failure->kind)}, {"detail", record.failure->detail}};
+        value["lastError"] = description(*record.failure);
     }
     for (const UsageWindow& reading : record.readings) {
         value["readings"].push_back(encode(reading, DateCoding::secondsSince1970));
     }
     for (const WindowKind& kind : record.expectedResets) {
         value["expectedResets"].push_back(encode(kind));
+    }
+    for (const UsageWindow& drop : record.pendingDrops) {
+        value["pendingDrops"].push_back(encode(drop, DateCoding::secondsSince1970));
     }
     return value;
 }
@@ -69,11 +91,11 @@ ProbeRecord decodeLeniently(const std::optional<std::string>& content) {
 
 }  // namespace
 
-ProbeRecord ProbeRecord::afterFailure(Instant now, std::string error) const {
+ProbeRecord ProbeRecord::afterFailure(Instant now, ProbeFailure why) const {
     ProbeRecord next = *this;
     next.lastProbeAt = now;
     ++next.consecutiveFailures;
-    next.lastError = std::move(error);
+    next.failure = std::move(why);
     return next;
 }
 
@@ -81,11 +103,13 @@ Seconds probeInterval(int consecutiveFailures, Seconds refresh) {
     return refresh * (1 << std::clamp(consecutiveFailures, 0, kMostDoublings));
 }
 
+bool isProbeDue(const ProbeRecord& record, Seconds refresh, Instant now) {
+    return !record.lastProbeAt || *record.lastProbeAt > now + kClockSlack ||
+           now - *record.lastProbeAt >= probeInterval(record.consecutiveFailures, refresh);
+}
+
 bool mayRetryProbe(const ProbeRecord& record, Seconds refresh, Instant now) {
-    if (!record.lastProbeAt || record.consecutiveFailures == 0 || now < *record.lastProbeAt) {
-        return true;
-    }
-    return now - *record.lastProbeAt >= probeInterval(record.consecutiveFailures, refresh);
+    return record.consecutiveFailures == 0 || isProbeDue(record, refresh, now);
 }
 
 ProbeRecord ProbeRecordStore::load() const {

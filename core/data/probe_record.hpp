@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "core/data/probe_failure.hpp"
 #include "core/data/usage_window.hpp"
 #include "core/support/file.hpp"
 
@@ -16,15 +17,16 @@ namespace vorn {
 /// What is remembered of asking the client between runs and between programs, so that a status bar that refreshes every
 /// few seconds never hammers a client that fails.
 struct ProbeRecord {
-    std::optional<Instant> lastProbeAt;  ///< When the last probe finished, successfully or not.
-    int consecutiveFailures = 0;         ///< Since the last success; never negative.
-    std::string lastError;               ///< Its text for people; empty after a success.
+    std::optional<Instant> lastProbeAt;   ///< When the last probe finished, successfully or not.
+    int consecutiveFailures = 0;          ///< Since the last success; never negative.
+    std::optional<ProbeFailure> failure;  ///< Of the last time; absent after a success.
     /// The last answer as it was read, before any judgement: a large fall needs a second reading to be believed, and
     /// the next program to ask must know of the first.
     std::vector<UsageWindow> readings;
-    std::set<WindowKind> expectedResets;  ///< Announced by the user and not seen after those readings.
+    std::set<WindowKind> expectedResets;    ///< Announced by the user and not seen after those readings.
+    std::vector<UsageWindow> pendingDrops;  ///< Large falls that were seen once and are not believed yet.
 
-    [[nodiscard]] ProbeRecord afterFailure(Instant now, std::string error) const;
+    [[nodiscard]] ProbeRecord afterFailure(Instant now, ProbeFailure why) const;
 
     bool operator==(const ProbeRecord&) const = default;
 };
@@ -32,8 +34,11 @@ struct ProbeRecord {
 /// How long to wait after the last probe: `refresh` after a success, doubled by each failure up to 16 times.
 Seconds probeInterval(int consecutiveFailures, Seconds refresh);
 
-/// Whether a failed probe may be tried again at `now`; true as well after a success, or when the clock was set back to
-/// before the last probe.
+/// Whether the client is due to be asked: never asked, the interval has passed, or the clock was set back to before the
+/// last time.
+bool isProbeDue(const ProbeRecord& record, Seconds refresh, Instant now);
+
+/// Whether a failed probe may be tried again at `now`; true as well after a success.
 bool mayRetryProbe(const ProbeRecord& record, Seconds refresh, Instant now);
 
 /// The record as a small JSON file. A missing or malformed file is an empty record.
@@ -41,7 +46,7 @@ class ProbeRecordStore {
 public:
     explicit ProbeRecordStore(std::filesystem::path file) : m_file(std::move(file)) {}
     [[nodiscard]] ProbeRecord load() const;
-    /// Which record the file holds, for who looks again and again; see `fileStamp`.
+    /// Which record the file holds, to be compared before reading it; see `fileStamp`.
     [[nodiscard]] std::optional<FileStamp> stamp() const { return fileStamp(m_file); }
     /// False when it could not be written.
     [[nodiscard]] bool save(const ProbeRecord& record) const;

@@ -21,7 +21,7 @@ public:
     /// Never fails: a file that is missing, unreadable or not wholly a plan is the empty plan.
     [[nodiscard]] ResetPlan load() const;
 
-    /// Which plan the file holds, for who looks again and again; see `fileStamp`.
+    /// Differs once the file was changed; see `fileStamp`.
     [[nodiscard]] std::optional<FileStamp> stamp() const { return fileStamp(m_file); }
 
     /// Replaces the file, creating its directory where that is missing. Throws std::filesystem::filesystem_error, and
@@ -29,9 +29,9 @@ public:
     void save(const ResetPlan& plan) const;
 
     /// Applies a change to the plan as it stands in the file, with every other editor locked out, so that the
-    /// application and the terminal do not undo each other's changes. Returns the plan as it is now; a change that
-    /// changes nothing writes nothing. A file that is no plan is first copied beside it, with ".damaged" appended: a
-    /// slip in editing it by hand must not cost what it held. Throws as `save` does, and
+    /// application and the terminal do not undo each other's changes. Returns the plan after the change; when that
+    /// is the same as before, nothing is written. A file that is no plan is first copied beside it, with ".damaged"
+    /// appended, so that a mistake in editing it by hand costs nothing. Throws as `save` does, and
     /// std::filesystem::filesystem_error with `device_or_resource_busy` when the lock cannot be had in time.
     ResetPlan edit(const std::function<void(ResetPlan&)>& change,
                    std::chrono::milliseconds patience = defaultPatience) const;

@@ -7,15 +7,15 @@
 
 namespace vorn {
 
-/// What the user chose in the application and a program without its settings honours as well.
+/// Choices of the user in the application that `vornctl`, which cannot read its settings, follows as well.
 struct SharedChoices {
     std::string claudePath;        ///< The executable to ask; empty: it is looked for.
     bool useLocalActivity = true;  ///< Whether rates may come from the transcripts.
-    Seconds refresh{300};          ///< How often a client is asked that answers; a minute to a day.
+    Seconds refresh{300};          ///< How often to ask a client that answers; 1 minute to 1 day.
     bool operator==(const SharedChoices&) const = default;
 };
 
-/// Each choice that the file lacks or that means nothing is the default.
+/// A choice that is missing or invalid in the file is the default.
 SharedChoices loadSharedChoices(const std::filesystem::path& file);
 
 /// Throws std::filesystem::filesystem_error; the old file then stands.

@@ -83,6 +83,21 @@ void UsageState::expectReset(std::span<const WindowKind> kinds) {
     m_expectingReset.insert(kinds.begin(), kinds.end());
 }
 
+void UsageState::restorePendingDrops(std::span<const UsageWindow> drops) {
+    for (const UsageWindow& drop : drops) {
+        const auto held = m_windows.find(drop.kind);
+        if (held != m_windows.end() && drop.isSameInstance(held->second) &&
+            drop.observedAt <= held->second.observedAt && held->second.usedPercent - drop.usedPercent >= resetDrop) {
+            m_pendingDrops.try_emplace(drop.kind, drop);
+        }
+    }
+}
+
+bool UsageState::isSameDrop(const UsageWindow& earlier, const UsageWindow& later) {
+    return earlier.isSameInstance(later) && earlier.observedAt <= later.observedAt &&
+           later.usedPercent >= earlier.usedPercent - kConfirmationSlack;
+}
+
 void UsageState::setInsights(std::optional<UsageInsights> insights) {
     if (insights) {
         m_insights = std::move(insights);

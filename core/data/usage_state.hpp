@@ -36,6 +36,13 @@ public:
     /// Announced resets that have not been seen yet.
     [[nodiscard]] const std::set<WindowKind>& expectingReset() const { return m_expectingReset; }
 
+    /// Falls that were seen once and are not believed yet, by kind: the low reading of each.
+    [[nodiscard]] const std::map<WindowKind, UsageWindow>& pendingDrops() const { return m_pendingDrops; }
+    /// Whether the later of two falls that nothing has confirmed is the earlier one, seen again.
+    static bool isSameDrop(const UsageWindow& earlier, const UsageWindow& later);
+    /// Falls that another program saw. Of each only what would still be a fall counts, and nothing where one is known.
+    void restorePendingDrops(std::span<const UsageWindow> drops);
+
     /// Absent leaves the stored insights in place: output without a breakdown does not erase the last one.
     void setInsights(std::optional<UsageInsights> insights);
     [[nodiscard]] const std::optional<UsageInsights>& insights() const { return m_insights; }

@@ -73,6 +73,10 @@ fs::path integrationRecord() {
     return root() / "integration.json";
 }
 
+fs::path connectionNote() {
+    return root() / "connection.json";
+}
+
 fs::path statusLineSnapshot() {
     return root() / "statusline.json";
 }

@@ -10,7 +10,7 @@ namespace vorn::VornPaths {
 void setRootOverride(std::optional<std::filesystem::path> root);
 std::optional<std::filesystem::path> rootOverride();
 
-/// The override; else `VORN_HOME` as it stands, with a leading "~" expanded; else "Vorn" in the per-user data
+/// The override; else `VORN_HOME`, with a leading "~" expanded; else "Vorn" in the per-user data
 /// directory.
 std::filesystem::path root();
 /// Creates the root and its missing parents, for the user alone. Throws std::filesystem::filesystem_error.
@@ -18,6 +18,7 @@ void ensureRoot();
 
 std::filesystem::path history();             ///< history.jsonl
 std::filesystem::path integrationRecord();   ///< integration.json
+std::filesystem::path connectionNote();      ///< connection.json: what Vorn remembers of connecting
 std::filesystem::path statusLineSnapshot();  ///< statusline.json
 std::filesystem::path resetPlan();           ///< reset-plan.json
 std::filesystem::path probeRecord();         ///< probe.json: when the client was last asked, and how it failed

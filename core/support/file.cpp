@@ -239,6 +239,12 @@ std::optional<std::string> readFile(const fs::path& path, std::size_t limit) {
     return readInto(content, path, limit) ? std::nullopt : std::optional(std::move(content));
 }
 
+std::optional<std::string> readFile(const fs::path& path, std::size_t limit, std::error_code& error) {
+    std::string content;
+    error = readInto(content, path, limit);
+    return error ? std::nullopt : std::optional(std::move(content));
+}
+
 std::string requireFile(const fs::path& path, std::size_t limit) {
     std::string content;
     if (const std::error_code error = readInto(content, path, limit)) {

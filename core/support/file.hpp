@@ -27,6 +27,10 @@ std::filesystem::path expandTilde(std::string_view path);
 /// regular file, or larger than `limit` bytes.
 std::optional<std::string> readFile(const std::filesystem::path& path, std::size_t limit = 512U << 20U);
 
+/// The same with the reason in `error`, which is no_such_file_or_directory for a missing file alone, and clear when the
+/// content is there.
+std::optional<std::string> readFile(const std::filesystem::path& path, std::size_t limit, std::error_code& error);
+
 /// The same for a caller who has to tell why: throws std::filesystem::filesystem_error, with
 /// std::errc::no_such_file_or_directory for a missing file alone.
 std::string requireFile(const std::filesystem::path& path, std::size_t limit = 512U << 20U);

@@ -18,7 +18,7 @@ inline constexpr std::size_t kLongestRequest = std::size_t{64} << 10U;
 
 /// Where the program listens that keeps its files in `home`: in "vorn" in `XDG_RUNTIME_DIR`, else in "vorn-" and the
 /// user's number among the temporary files. The name is short and the same for every spelling of `home`. Empty when
-/// there is no such directory or it may be another user's; whether somebody listens is another matter.
+/// there is no such directory or it may be another user's. Says nothing about whether anybody listens there.
 std::optional<std::filesystem::path> findLocalSocket(const std::filesystem::path& home);
 
 /// The same for the program that is going to listen: makes the directory. Throws std::filesystem::filesystem_error.
@@ -32,10 +32,10 @@ std::optional<std::string> sendRequest(const std::filesystem::path& socket, std:
 /// A socket to listen at, in the place of whatever was left there; it does not block. Throws std::system_error.
 Descriptor listenAt(const std::filesystem::path& socket);
 
-/// The next who connected, not blocking either; not open, with `errno` set, when there is none.
+/// The next connection, not blocking either; not open, with `errno` set, when there is none.
 Descriptor acceptFrom(const Descriptor& listener);
 
-/// Answers and is done with it: what does not fit the socket's buffer (some kilobytes do) is not waited for.
+/// Answers and closes the connection: what does not fit the socket's buffer (some kilobytes do) is not waited for.
 void answer(const Descriptor& connection, std::string_view line);
 
 }  // namespace vorn

@@ -22,7 +22,7 @@ Pipe openPipe();
 /// Makes the spawned child start with the descriptors 0, 1 and 2 alone. To be called after all other file actions.
 void closeAllButStandard(posix_spawn_file_actions_t& actions, short& attributeFlags);
 
-/// Becomes readable when the child ends; closed where there is no such thing and asking now and then has to do.
+/// Becomes readable when the child ends. Closed on systems that have no such descriptor: the caller then polls.
 Descriptor openExitNotice(pid_t child);
 
 struct Entry {
@@ -30,7 +30,8 @@ struct Entry {
     pid_t parent = 0;
     pid_t group = 0;
     pid_t session = 0;
-    std::uint64_t startTime = 0;  ///< In a unit of the system's own: tells apart two processes that had the same id.
+    std::uint64_t startTime =
+        0;  ///< In a unit of the system's own; distinguishes processes that had the same id one after the other.
 };
 
 /// Every process that is running, zombies left out. Empty when the system does not tell.

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-/// UTF-8 text without ICU, for what has to stay small; see unicode/ for everything that needs character properties.
+/// UTF-8 text without ICU, for programs that have to stay small. What needs character properties is in unicode/.
 namespace vorn {
 
 /// `bytes` with every invalid UTF-8 sequence replaced by U+FFFD.

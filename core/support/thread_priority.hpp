@@ -2,8 +2,8 @@
 
 namespace vorn {
 
-/// Makes the calling thread, and those it starts, give way to everything that a person is waiting for. For good;
-/// without effect where the system refuses.
+/// Lowers the priority of the calling thread, and of those it starts, below everything that a person is waiting for.
+/// Cannot be undone; has no effect where the system refuses.
 void lowerThreadPriority() noexcept;
 
 }  // namespace vorn

@@ -31,9 +31,7 @@ constexpr auto kLook = 5s;
 TrayHost::TrayHost() : m_bus(QDBusConnection::sessionBus()) {
     m_embeddingTimer.setTimerType(Qt::CoarseTimer);
     connect(&m_embeddingTimer, &QTimer::timeout, this, &TrayHost::lookForEmbedding);
-    if (QGuiApplication::platformName() == QStringLiteral("xcb")) {
-        m_embeddingTimer.start(kFirstLook);
-    }
+    awaitEmbedding();
     if (!m_bus.isConnected()) {
         return;
     }
@@ -61,8 +59,16 @@ void TrayHost::askForOwner(const QString& name, std::function<void(bool)> answer
               [answer = std::move(answer)](const auto& reply) { answer(reply.isValid() && reply.value()); });
 }
 
+/// Looks again and again, but only while there is nothing better: each look wakes the processor.
+void TrayHost::awaitEmbedding() {
+    if (QGuiApplication::platformName() == QStringLiteral("xcb")) {
+        m_embeddingTimer.start(kFirstLook);
+    }
+}
+
 void TrayHost::watcherCame() {
     m_isWatcherThere = true;
+    m_embeddingTimer.stop();
     askForOwner(kLeftAddingPanel, [this, watcher = ++m_watchers](bool isThere) {
         if (m_isWatcherThere && watcher == m_watchers) {
             m_addsToTheLeft = isThere;
@@ -76,9 +82,7 @@ void TrayHost::watcherWent() {
     m_isWatcherThere = false;
     setHasHost(false);
     setKind(Kind::none);
-    if (m_embeddingTimer.isActive()) {
-        m_embeddingTimer.start(kFirstLook);
-    }
+    awaitEmbedding();
 }
 
 void TrayHost::hostsChanged() {
@@ -95,12 +99,10 @@ void TrayHost::hostsChanged() {
 void TrayHost::lookForEmbedding() {
     m_embeddingTimer.setInterval(kLook);
     // Qt remembers for good whether there was a watcher when it was first asked. It is asked only when there is none,
-    // so that it always answers for embedding.
-    if (!m_isWatcherThere) {
-        // Nothing tells how a panel that embeds orders them; the one that was tried adds to the left.
-        m_addsToTheLeft = true;
-        setKind(QSystemTrayIcon::isSystemTrayAvailable() ? Kind::embedded : Kind::none);
-    }
+    // so that it always answers for embedding. Nothing tells how a panel that embeds orders its windows; the one that
+    // was tried adds to the left.
+    m_addsToTheLeft = true;
+    setKind(QSystemTrayIcon::isSystemTrayAvailable() ? Kind::embedded : Kind::none);
 }
 
 void TrayHost::setKind(Kind kind) {

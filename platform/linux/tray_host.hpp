@@ -42,6 +42,7 @@ private:
     void watcherWent();
     /// Answers later, and not at all when the bus does not.
     void askForOwner(const QString& name, std::function<void(bool hasOwner)> answer);
+    void awaitEmbedding();
     void lookForEmbedding();
 
     QDBusConnection m_bus;

@@ -34,7 +34,7 @@ public:
     WorkingWeek() : ModelWorld(kMidnight + 8h) {
         client = [this]() -> ProbeSource::Answer {
             if (++m_asked % 50 == 0) {
-                return std::string("The client says no.");
+                return ProbeFailure{.kind = ProbeFailure::Kind::commandFailed, .detail = "The client says no."};
             }
             return UsageCommandParser::Result{.windows = m_counters.read(now),
                                               .insights = UsageInsights{.observedAt = now}};

@@ -11,8 +11,8 @@
 
 #include <gtest/gtest.h>
 
-#include "app/model/preferences.hpp"
-#include "app/model/usage_model.hpp"
+#include "model/preferences.hpp"
+#include "model/usage_model.hpp"
 #include "tests/support/temporary_directory.hpp"
 #include "tests/support/wait_until.hpp"
 
@@ -21,8 +21,11 @@ namespace vorn::test {
 
 using namespace std::chrono_literals;
 
-/// The one application object of the process, made on the first call.
+/// The one application object of the process, made on the first call where there is none.
 inline QCoreApplication& application() {
+    if (auto* const other = QCoreApplication::instance()) {
+        return *other;
+    }
     static int count = 1;
     static char name[] = "test";
     static char* arguments[] = {name, nullptr};
@@ -151,7 +154,10 @@ public:
     /// Starts the model and waits for its history.
     void start() {
         model->start();
-        waitFor([this] { return model->isHistoryLoaded(); });
+        bool isRead = false;
+        const auto heard = QObject::connect(model.get(), &UsageModel::changed, [&] { isRead = true; });
+        waitFor([&] { return isRead; });
+        QObject::disconnect(heard);
     }
     /// Lets this much time pass, a tick every five seconds.
     void pass(Seconds time) {
@@ -161,7 +167,7 @@ public:
         }
     }
 
-    UsageModel::Parts parts() {
+    ModelParts parts() {
         return {.clock = std::make_unique<FakeClock>(*this),
                 .ticker = std::make_unique<FakeTicker>(*this),
                 .probe = std::make_unique<FakeProbe>(*this),

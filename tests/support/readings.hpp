@@ -4,9 +4,9 @@
 #include <utility>
 #include <vector>
 
+#include "core/analysis/activity_summary.hpp"
 #include "core/analysis/matching_samples.hpp"
 #include "core/data/usage_window.hpp"
-#include "core/sources/activity_summary.hpp"
 
 /// Readings and activity around one fixed moment, for tests of what is computed from them.
 namespace vorn::test {

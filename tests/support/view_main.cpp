@@ -3,7 +3,10 @@
 
 #include <gmock/gmock.h>
 
-#include "ui/views/view_engine.hpp"
+#include "ui/dashboard/qml_types.hpp"
+#include "ui/popover/qml_types.hpp"
+#include "ui/settings/qml_types.hpp"
+#include "ui/window/view_engine.hpp"
 
 /// What all tests of views run in: no screen, and one clock and language wherever that is.
 int main(int argc, char** argv) {
@@ -17,5 +20,8 @@ int main(int argc, char** argv) {
         QGuiApplication::setFont(QFont(font, 10));
     }
     vorn::ViewEngine::useSoftwareRendering();
+    vorn::registerPopoverTypes();
+    vorn::registerDashboardTypes();
+    vorn::registerSettingsTypes();
     return RUN_ALL_TESTS();
 }

@@ -1,41 +1,16 @@
 #include "tests/support/view_states.hpp"
 
-#include <QSettings>
 #include <algorithm>
+#include <utility>
 
 #include <gmock/gmock.h>
 
-#include "core/sources/probe_error.hpp"
 #include "tests/support/qt_warnings.hpp"
 
 namespace vorn::test {
 namespace {
 
-class StateClock : public ModelClock {
-public:
-    explicit StateClock(const ViewState& state) : m_state(state) {}
-    [[nodiscard]] Instant now() const override { return m_state.now; }
-
-private:
-    const ViewState& m_state;
-};
-
-class StateProbe : public ProbeSource {
-public:
-    explicit StateProbe(const ViewState& state) : m_state(state) {}
-    void run(const std::string&, std::function<void(Answer)> done) override {
-        if (m_state.answer) {
-            done(*m_state.answer);
-        }
-    }
-
-private:
-    const ViewState& m_state;
-};
-
-std::string message(ProbeError::Kind kind, const char* payload = "") {
-    return ProbeError(kind, payload).what();
-}
+using Kind = ProbeFailure::Kind;
 
 UsageCommandParser::Result readings(std::vector<UsageWindow> windows) {
     return {.windows = std::move(windows)};
@@ -45,25 +20,29 @@ void demonstrate(ViewState& state, demo::Scenario scenario) {
     state.model->startDemo(demo::makeDemo(scenario, state.now));
 }
 
+std::vector<UsageWindow> twoWindows() {
+    return {reading(WindowKind::session(), 38, 2.5h), reading(WindowKind::week(), 41, 80h)};
+}
+
 void readTwoWindows(ViewState& state) {
-    state.probe(readings({reading(WindowKind::session(), 38, 2.5h), reading(WindowKind::week(), 41, 80h)}));
+    state.probe(readings(twoWindows()));
 }
 
 }  // namespace
 
-ViewState::ViewState()
-    : preferences(std::make_unique<Preferences>(
-          std::make_unique<QSettings>(QString::fromStdString(directory / "settings.ini"), QSettings::IniFormat))),
-      model(std::make_unique<UsageModel>(
-          *preferences, UsageModel::Parts{.clock = std::make_unique<StateClock>(*this),
-                                          .probe = std::make_unique<StateProbe>(*this),
-                                          .history = std::make_unique<HistoryStore>(directory / "history.jsonl"),
-                                          .resetPlan = ResetPlanStore(directory / "plan.json"),
-                                          .probeRecord = ProbeRecordStore(directory / "probe.json")})) {}
-
-void ViewState::probe(ProbeSource::Answer what) {
-    answer = std::move(what);
+void ViewState::probe(const ProbeSource::Answer& what) {
+    if (!tick) {
+        start();
+    }
+    if (unansweredProbe) {
+        std::exchange(unansweredProbe, nullptr)(what);
+        return;
+    }
+    client = [what] {
+        return what;
+    };
     model->probe();
+    client = nullptr;
 }
 
 demo::Demo demoWithWindows(std::size_t count, Instant now) {
@@ -95,32 +74,44 @@ std::vector<NamedViewState> allViewStates() {
                               demonstrate(state, scenario);
                           }});
     }
-    states.push_back({"starting", [](ViewState&) {
+    states.push_back({"starting", [](ViewState& state) {
+                          state.start();
+                      }});
+    states.push_back({"unjudged", [](ViewState& state) {
+                          state.client = [] {
+                              return readings(twoWindows());
+                          };
+                          state.model->probe();
                       }});
     states.push_back({"probing", [](ViewState& state) {
                           readTwoWindows(state);
-                          state.answer.reset();
                           state.model->probe();
                       }});
     states.push_back({"failed", [](ViewState& state) {
-                          state.probe(message(ProbeError::Kind::claudeNotFound));
+                          state.probe(ProbeFailure{.kind = Kind::claudeNotFound});
                       }});
     states.push_back({"failed-at-length", [](ViewState& state) {
-                          state.probe(message(ProbeError::Kind::commandFailed,
-                                              "error: unknown option '--safe-mode'\nUsage: claude [options]"));
+                          state.probe(
+                              ProbeFailure{.kind = Kind::commandFailed,
+                                           .detail = "error: unknown option '--safe-mode'\nUsage: claude [options]"});
                       }});
     states.push_back({"no-limits", [](ViewState& state) {
                           state.probe(readings({}));
                       }});
+    states.push_back({"failed-unread", [](ViewState& state) {
+                          state.probe(ProbeFailure{.kind = Kind::unrecognizedOutput,
+                                                   .detail = "Welcome to Claude Code!\n\nChoose a theme to begin."});
+                      }});
     states.push_back({"stale", [](ViewState& state) {
                           readTwoWindows(state);
                           state.now += 25min;
-                          state.probe(message(ProbeError::Kind::timedOut));
+                          state.probe(ProbeFailure{.kind = Kind::timedOut});
                       }});
     states.push_back({"stale-at-length", [](ViewState& state) {
                           readTwoWindows(state);
                           state.now += 26h;
-                          state.probe(message(ProbeError::Kind::unrecognizedOutput, "Current session\n  0% used"));
+                          state.probe(
+                              ProbeFailure{.kind = Kind::unrecognizedOutput, .detail = "Current session\n  0% used"});
                       }});
     states.push_back({"not-started", [](ViewState& state) {
                           UsageWindow session = reading(WindowKind::session(), 0, 0s);

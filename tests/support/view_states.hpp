@@ -1,33 +1,20 @@
 #pragma once
 
 #include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
-#include "app/model/preferences.hpp"
-#include "app/model/usage_model.hpp"
+#include "tests/support/model_world.hpp"
 #include "tests/support/readings.hpp"
-#include "tests/support/temporary_directory.hpp"
 
 /// Models in every state that a window has to show.
 namespace vorn::test {
 
-struct ViewState {
-    TemporaryDirectory directory;
-    std::unique_ptr<Preferences> preferences;
-    std::unique_ptr<UsageModel> model;
-    /// What the next probe answers; without, it goes on for ever.
-    std::optional<ProbeSource::Answer> answer;
-    Instant now = kNow;
-
-    /// Nothing read yet.
-    ViewState();
-    /// Waits for what is being written, which would otherwise make its directory once more.
-    ~ViewState() { model->shutDown(); }
-    ViewState(const ViewState&) = delete;
-    ViewState& operator=(const ViewState&) = delete;
-    void probe(ProbeSource::Answer what);
+/// Nothing read yet, at `kNow`.
+struct ViewState : ModelWorld {
+    ViewState() : ModelWorld(kNow) {}
+    /// Starts the model, where that has not happened, and has the client answer.
+    void probe(const ProbeSource::Answer& what);
 };
 
 struct NamedViewState {

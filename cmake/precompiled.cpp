@@ -1,0 +1,1 @@
+// What precompiled headers belong to; see VornPrecompiled.cmake.

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <optional>
+#include <set>
+#include <span>
+#include <vector>
+
+#include "core/data/probe_record.hpp"
+#include "core/data/usage_state.hpp"
+
+namespace vorn {
+
+/// What is believed of the limits. Readings go in as the sources gave them; what is held of them, and what of that is
+/// to be recorded, comes out. It knows no clock and no files: programs that use it differ only in when they call it.
+///
+/// Until `begin` has told what was known before, readings are held as they come, so that they can be shown; they are
+/// judged then, in the order in which they came.
+class Ledger {
+public:
+    /// What came of taking readings in.
+    struct Taken {
+        std::vector<UsageWindow> toRecord{};  ///< What is now held of each limit that was told of.
+        bool isRecordedElsewhere = false;     ///< Another program has written them to the history already.
+        bool isMemoryChanged = false;         ///< What `remember` adds to the record is no longer what it was.
+        bool operator==(const Taken&) const = default;
+    };
+
+    /// `known`: what the history still tells, by kind. Returns what came of each time that readings came early. Once.
+    std::vector<Taken> begin(std::span<const UsageWindow> known, Instant now);
+    [[nodiscard]] bool hasBegun() const { return m_hasBegun; }
+
+    /// An answer of the client to this program. Absent insights leave the last ones in place.
+    Taken takeAnswer(std::vector<UsageWindow> readings, std::optional<UsageInsights> insights, Instant now);
+    /// What the relay left.
+    Taken takeSnapshot(std::vector<UsageWindow> readings, Instant now);
+    /// An answer that another program was given, and the falls it saw. `announced`: those of the record's resets that
+    /// this ledger does not know of; they were announced after that answer was judged, so the next one is meant.
+    Taken takeRecord(const ProbeRecord& record, std::set<WindowKind> announced, Instant now);
+
+    /// The user announced early resets: the next large fall of these limits is believed at once.
+    void announce(const std::set<WindowKind>& kinds);
+    void setInsights(std::optional<UsageInsights> insights) { m_state.setInsights(std::move(insights)); }
+    /// After the clock was set back, see `UsageState::noticeTime`.
+    void noticeTime(Instant now) { m_state.noticeTime(now); }
+
+    [[nodiscard]] const UsageState& state() const { return m_state; }
+    /// A large fall was seen that nothing has confirmed yet: the next answer of the client will tell.
+    [[nodiscard]] bool doubts() const { return !m_state.pendingDrops().empty(); }
+
+    /// Fills in what the record keeps of the ledger for other programs and the next start: the client's last answer
+    /// before any judgement, announced resets that were not seen yet, and falls that were seen once; of several looks
+    /// at one fall the record keeps the first.
+    void remember(ProbeRecord& record) const;
+
+private:
+    /// What came before there was anything to judge it by.
+    struct Early {
+        std::vector<UsageWindow> readings{};
+        std::vector<UsageWindow> drops{};
+        std::set<WindowKind> announced{};  ///< After the readings.
+        bool isRecordedElsewhere = false;
+    };
+
+    Taken take(Early news, Instant now);
+    Taken judge(const Early& news, Instant now);
+
+    UsageState m_state;
+    std::vector<UsageWindow> m_lastAnswer;  ///< Of the client, before any judgement.
+    std::vector<Early> m_early;
+    bool m_hasBegun = false;
+};
+
+}  // namespace vorn

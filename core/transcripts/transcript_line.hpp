@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include <simdjson.h>
+
+#include "core/data/activity_event.hpp"
+
+namespace vorn {
+
+/// Tells replies apart: a hash of message id and request id, wide enough that two never meet by chance.
+struct ReplyKey {
+    std::uint64_t low = 0;
+    std::uint64_t high = 0;
+    bool operator==(const ReplyKey&) const = default;
+};
+
+/// What one transcript line says of a reply.
+struct TranscriptReply {
+    Instant timestamp;
+    std::string_view model;  ///< Good until the next line is parsed, like `cwd`.
+    std::string_view cwd;
+    TokenCounts tokens;           ///< Each at most `kMaximumTokens`, at least one above 0.
+    std::optional<ReplyKey> key;  ///< Empty when the line has neither id: it is then a reply of its own.
+};
+
+/// No reply has more tokens than this: a line that says so is damaged. Sums of such counts do not overflow.
+inline constexpr std::int64_t kMaximumTokens = 0xFFFF'FFFF;
+
+/// Reads replies out of transcript lines. Not for two threads at once.
+class TranscriptLineParser {
+public:
+    /// This many bytes after a line must be readable; their values do not matter.
+    static constexpr std::size_t kPadding = simdjson::SIMDJSON_PADDING;
+
+    /// Empty for a line that is no reply, has used no tokens, or is damaged. JSON null counts as an absent field,
+    /// of two fields with one name the last counts, a wrong type spoils the line, and 12.0 is the whole number 12.
+    std::optional<TranscriptReply> parse(std::string_view line);
+
+private:
+    simdjson::ondemand::parser m_parser;
+    std::string m_key;
+};
+
+}  // namespace vorn

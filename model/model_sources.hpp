@@ -1,0 +1,51 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <optional>
+#include <string>
+#include <variant>
+
+#include "core/analysis/activity_summary.hpp"
+#include "core/data/probe_failure.hpp"
+#include "core/status_line/status_line_snapshot.hpp"
+#include "core/support/file.hpp"
+#include "core/support/time.hpp"
+#include "core/usage_command/usage_command_parser.hpp"
+
+/// Where the model gets its readings. Each of these works off the main thread where it may take long, is asked one
+/// thing at a time, and answers on the main thread exactly once, or not at all after its destruction. Destroying one
+/// while it works is safe and does not wait.
+namespace vorn {
+
+class ProbeSource {
+public:
+    /// What the client said, or why it said nothing.
+    using Answer = std::variant<UsageCommandParser::Result, ProbeFailure>;
+
+    virtual ~ProbeSource() = default;
+    /// `overridePath`: the executable the user chose; empty to look for one.
+    virtual void run(const std::string& overridePath, std::function<void(Answer)> done) = 0;
+    /// The process is about to end: gives up what is running and waits for that, at most `patience`. No answer comes.
+    virtual void shutDown(std::chrono::milliseconds patience) { static_cast<void>(patience); }
+};
+
+class ActivitySource {
+public:
+    /// Of all replies of the last seven days; empty when they are the same as in the answer before.
+    using Answer = std::optional<ActivitySummary>;
+
+    virtual ~ActivitySource() = default;
+    virtual void scan(Instant now, std::function<void(Answer)> done) = 0;
+};
+
+/// Quick enough for the main thread.
+class SnapshotSource {
+public:
+    virtual ~SnapshotSource() = default;
+    /// Changes whenever the file's content does; empty when there is none.
+    [[nodiscard]] virtual std::optional<FileStamp> stamp() const = 0;
+    [[nodiscard]] virtual std::optional<StatusLineSnapshot> read() const = 0;
+};
+
+}  // namespace vorn

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "ui/controls/qml_types.hpp"
+
+/// Made by the build; a call keeps the linker from dropping the types, which lie in a static library.
+void qml_register_types_Vorn_Tray();
+
+namespace vorn {
+
+/// Makes the types of Vorn.Tray, and of what it imports, known to QML, once for the process.
+inline void registerTrayTypes() {
+    registerControlTypes();
+    [[maybe_unused]] static const bool isDone = (qml_register_types_Vorn_Tray(), true);
+}
+
+}  // namespace vorn

@@ -1,9 +1,0 @@
-import QtQuick
-import Vorn
-
-/// Small text in a chart, whose description says it all.
-Label {
-    font.pixelSize: Theme.sizes.caption
-    color: Theme.colors.secondText
-    Accessible.ignored: true
-}

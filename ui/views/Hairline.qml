@@ -1,7 +1,0 @@
-import QtQuick
-import Vorn
-
-Rectangle {
-    implicitHeight: Theme.sizes.hair
-    color: Theme.colors.line
-}

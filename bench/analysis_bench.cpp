@@ -7,7 +7,9 @@
 #include <benchmark/benchmark.h>
 
 #include "core/analysis/assess.hpp"
+#include "core/analysis/forecast.hpp"
 #include "core/analysis/history_index.hpp"
+#include "core/analysis/learn_rhythm.hpp"
 #include "core/analysis/rate_reading.hpp"
 #include "core/analysis/session_week_ratio.hpp"
 #include "core/analysis/steer.hpp"
@@ -119,6 +121,41 @@ void indexFromScratch(benchmark::State& state) {
     }
 }
 
+/// What was learnt in a year, the last week with the given history.
+Rhythm aYear(const std::vector<HistorySample>& history, const ActivitySummary& activity, const ZoneOffsets& zone) {
+    const auto past = historyBetween(kNow - 365 * 24h, kNow - kRetention, 100'000);
+    Rhythm rhythm = VornEngine::learn({}, {.history = past, .zone = zone, .now = kNow});
+    return VornEngine::learn(std::move(rhythm), {.history = history, .activity = &activity, .zone = zone, .now = kNow});
+}
+
+/// Four windows, as on a tick without a new reading.
+void forecastAll(benchmark::State& state) {
+    const std::vector<HistorySample> history = fullHistory(state);
+    const ActivitySummary activity = someActivity();
+    const ZoneOffsets zone({{kNow - 200 * 24h, 2h}, {kNow - 30 * 24h, 1h}});
+    Rhythm rhythm = aYear(history, activity, zone);
+    const std::vector<UsageWindow> windows = windowsAt(kNow);
+    for (auto _ : state) {
+        rhythm = VornEngine::learn(std::move(rhythm),
+                                   {.history = history, .activity = &activity, .zone = zone, .now = kNow});
+        for (const UsageWindow& window : windows) {
+            benchmark::DoNotOptimize(VornEngine::forecast(
+                window, {.history = history, .activity = &activity, .rhythm = rhythm, .zone = zone, .now = kNow}));
+        }
+    }
+}
+
+/// Once, at the first start with a history.
+void learnFromScratch(benchmark::State& state) {
+    const std::vector<HistorySample> history = fullHistory(state);
+    const ActivitySummary activity = someActivity();
+    const ZoneOffsets zone;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(
+            VornEngine::learn({}, {.history = history, .activity = &activity, .zone = zone, .now = kNow}));
+    }
+}
+
 /// To compare with: one pass for each window over the whole history, only looking which samples are its own.
 void plainPasses(benchmark::State& state) {
     const std::vector<HistorySample> history = fullHistory(state);
@@ -149,6 +186,8 @@ BENCHMARK(recomputeAll)->Apply(sizes);
 BENCHMARK(recomputeWithMorePast)->Apply(sizes);
 BENCHMARK(sessionWeekRatio)->Apply(sizes);
 BENCHMARK(indexFromScratch)->Apply(sizes);
+BENCHMARK(forecastAll)->Apply(sizes);
+BENCHMARK(learnFromScratch)->Apply(sizes);
 BENCHMARK(plainPasses)->Apply(sizes);
 BENCHMARK(copyAndSort)->Apply(sizes);
 

@@ -65,7 +65,7 @@ public:
 /// What the model's sources say next.
 struct Busy {
     BenchClock* clock = nullptr;
-    UsageCommandParser::Result reading;
+    ClientAnswer reading;
     std::vector<ActivityEvent> replies;
 };
 

@@ -13,13 +13,12 @@
 #include "core/data/vorn_paths.hpp"
 #include "core/status_line/status_line_snapshot.hpp"
 #include "core/usage_command/claude_locator.hpp"
+#include "core/usage_command/client_question.hpp"
 #include "core/usage_command/probe_error.hpp"
-#include "core/usage_command/usage_command_probe.hpp"
 
 namespace vorn::cli {
 namespace {
 
-constexpr Seconds kProbeTimeout{30};
 /// For another process that is writing the history: what is not written when this one ends is lost.
 constexpr std::chrono::milliseconds kPatience{2000};
 
@@ -52,8 +51,8 @@ private:
     [[nodiscard]] bool modelsAreFresh() const;
     [[nodiscard]] std::optional<std::filesystem::path> locateClient() const;
     [[nodiscard]] bool hasTurnedUp() const;
-    [[nodiscard]] UsageCommandParser::Result runClient() const;
-    void takeAnswer(UsageCommandParser::Result result);
+    [[nodiscard]] ClientAnswer runClient() const;
+    void takeAnswer(const ClientAnswer& answer);
     void store(const std::vector<UsageWindow>& believed);
     void remember(const std::function<void(ProbeRecord&)>& change = {});
     void addJudgement(ProbeRecord& record) const;
@@ -139,13 +138,9 @@ bool Look::hasTurnedUp() const {
     return m_record.failure && m_record.failure->kind == ProbeFailure::Kind::claudeNotFound && locateClient();
 }
 
-UsageCommandParser::Result Look::runClient() const {
-    const auto executable = locateClient();
-    if (!executable) {
-        throw ProbeError(ProbeFailure::Kind::claudeNotFound);
-    }
-    const UsageCommandProbe usage{.executable = *executable, .timeout = kProbeTimeout};
-    return usage.run([this] { return now(); }, &m_cancellation);
+ClientAnswer Look::runClient() const {
+    const ClientQuestion question{.claudePath = m_request.claudePath.value_or(m_choices.claudePath)};
+    return question.ask([this] { return now(); }, &m_cancellation);
 }
 
 void Look::ask() {
@@ -157,9 +152,9 @@ void Look::ask() {
     }
 }
 
-void Look::takeAnswer(UsageCommandParser::Result result) {
+void Look::takeAnswer(const ClientAnswer& answer) {
     m_asking.hasAnswered = true;
-    const Ledger::Taken taken = m_ledger.takeAnswer(result.windows, std::move(result.insights), now());
+    const Ledger::Taken taken = m_ledger.takeAnswer(answer, now());
     store(taken.toRecord);
     if (mayWrite()) {
         saveBreakdown(m_ledger.state().insights());
@@ -168,7 +163,7 @@ void Look::takeAnswer(UsageCommandParser::Result result) {
         record.lastProbeAt = now();
         record.consecutiveFailures = 0;
         record.failure.reset();
-        record.readings = std::move(result.windows);
+        record.readings = answer.windows;
     });
 }
 

@@ -11,11 +11,16 @@ set(VORN_QT_HEADERS
 set(VORN_VIEW_HEADERS <QQmlEngine> <QQuickItem>)
 set(VORN_TEST_HEADERS <gmock/gmock.h> <gtest/gtest.h> <fstream>)
 
-# vorn_precompiled(NAME HEADERS … LINKS …): a target that only makes them.
+# vorn_precompiled(NAME [FOR_EXECUTABLES] HEADERS … LINKS …): a target that only makes them. What serves libraries does not
+# serve executables, whose position-independent code is of another kind, unless they link Qt, which wants one for all.
 function(vorn_precompiled name)
-  cmake_parse_arguments(ARG "" "" "HEADERS;LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "FOR_EXECUTABLES" "" "HEADERS;LINKS" ${ARGN})
   if(VORN_PRECOMPILE)
     add_library(${name} OBJECT ${PROJECT_SOURCE_DIR}/cmake/precompiled.cpp)
+    if(ARG_FOR_EXECUTABLES)
+      set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE OFF)
+      target_compile_options(${name} PRIVATE ${CMAKE_CXX_COMPILE_OPTIONS_PIE})
+    endif()
     target_link_libraries(${name} PRIVATE vorn_options ${ARG_LINKS})
     target_precompile_headers(${name} PRIVATE ${ARG_HEADERS})
   endif()

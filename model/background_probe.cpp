@@ -5,9 +5,8 @@
 
 #include "core/data/vorn_paths.hpp"
 #include "core/support/file.hpp"
-#include "core/usage_command/claude_locator.hpp"
+#include "core/usage_command/client_question.hpp"
 #include "core/usage_command/probe_error.hpp"
-#include "core/usage_command/usage_command_probe.hpp"
 
 namespace vorn {
 namespace {
@@ -21,12 +20,8 @@ constexpr std::chrono::seconds kTurnPatience{3};
 
 /// Everything in here may take long: the search path may lead to a network drive.
 ProbeSource::Answer ask(const std::string& overridePath, const Cancellation& cancellation) {
-    const auto executable = ClaudeLocator::locate(overridePath);
-    if (!executable) {
-        throw ProbeError(ProbeError::Kind::claudeNotFound);
-    }
     const auto turn = FileLock::acquire(VornPaths::probingLock(), kTurnPatience);
-    return UsageCommandProbe{.executable = *executable}.run(systemNow, &cancellation);
+    return ClientQuestion{.claudePath = overridePath}.ask(systemNow, &cancellation);
 }
 
 }  // namespace

@@ -7,11 +7,11 @@
 #include <variant>
 
 #include "core/analysis/activity_summary.hpp"
+#include "core/data/client_answer.hpp"
 #include "core/data/probe_failure.hpp"
 #include "core/status_line/status_line_snapshot.hpp"
 #include "core/support/file.hpp"
 #include "core/support/time.hpp"
-#include "core/usage_command/usage_command_parser.hpp"
 
 /// Where the model gets its readings. Each of these works off the main thread where it may take long, is asked one
 /// thing at a time, and answers on the main thread exactly once, or not at all after its destruction. Destroying one
@@ -21,7 +21,7 @@ namespace vorn {
 class ProbeSource {
 public:
     /// What the client said, or why it said nothing.
-    using Answer = std::variant<UsageCommandParser::Result, ProbeFailure>;
+    using Answer = std::variant<ClientAnswer, ProbeFailure>;
 
     virtual ~ProbeSource() = default;
     /// `overridePath`: the executable the user chose; empty to look for one.

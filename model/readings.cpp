@@ -79,10 +79,10 @@ bool Readings::takeRecord(const ProbeMemory::News& news) {
     return true;
 }
 
-void Readings::takeAnswer(const UsageCommandParser::Result& result) {
+void Readings::takeAnswer(const ClientAnswer& answer) {
     const Instant now = m_clock.now();
     m_asked = {.lastProbeAt = now};
-    keep(m_ledger.takeAnswer(result.windows, result.insights, now));
+    keep(m_ledger.takeAnswer(answer, now));
     saveRecord();
 }
 

@@ -33,7 +33,7 @@ public:
     bool readSnapshot();
     bool readRecord();
 
-    void takeAnswer(const UsageCommandParser::Result& result);
+    void takeAnswer(const ClientAnswer& answer);
     void takeFailure(const ProbeFailure& failure);
     /// The user announced a reset of the windows there are.
     void announceReset(PlannedReset::Scope scope);

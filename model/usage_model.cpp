@@ -118,8 +118,8 @@ void UsageModel::finishProbe(const ProbeSource::Answer& answer) {
     if (m_isDemo) {
         return;
     }
-    if (const auto* result = std::get_if<UsageCommandParser::Result>(&answer)) {
-        m_readings.takeAnswer(*result);
+    if (const auto* said = std::get_if<ClientAnswer>(&answer)) {
+        m_readings.takeAnswer(*said);
         m_phase = {.kind = Phase::Kind::ready};
     } else {
         m_readings.takeFailure(std::get<ProbeFailure>(answer));

@@ -62,7 +62,7 @@ public:
     }
 
 private:
-    void read() { m_history.record(m_ledger.takeAnswer(m_counters.read(m_now), std::nullopt, m_now).toRecord, m_now); }
+    void read() { m_history.record(m_ledger.takeAnswer({.windows = m_counters.read(m_now)}, m_now).toRecord, m_now); }
 
     test::TemporaryDirectory m_directory;
     Ledger m_ledger;

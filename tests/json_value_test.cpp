@@ -69,7 +69,8 @@ TEST(JSONValue, keepsNumbersAsTheyAreWritten) {
 }
 
 TEST(JSONValue, keepsTheCodePointsOfTexts) {
-    const std::string text = std::string("\0\x01\x1f\x7f\"\\/\b\f\n\r\t", 12) + "e\u0301 é 😀 \u2028 \uFFFF \uFEFF";
+    std::string text("\0\x01\x1f\x7f\"\\/\b\f\n\r\t", 12);
+    text += "e\u0301 é 😀 \u2028 \uFFFF \uFEFF";
     const JSONValue value = JSONValue(text);
     EXPECT_EQ(JSONValue::parse(value.dump()), value);
     EXPECT_THAT(value.dump(), HasSubstr("\\u0000\\u0001\\u001f\x7f\\\"\\\\/\\b\\f\\n\\r\\te\u0301"));

@@ -56,7 +56,7 @@ void expectLooks(const char* name, Files files, const std::vector<Look>& looks) 
         const Instant now = kNow + look.after;
         Ledger ledger = files.start(now);
         const std::vector readings{session(look.used, look.after)};
-        files.keep(ledger, look.source == Look::Source::client ? ledger.takeAnswer(readings, std::nullopt, now)
+        files.keep(ledger, look.source == Look::Source::client ? ledger.takeAnswer({.windows = readings}, now)
                                                                : ledger.takeSnapshot(readings, now));
         EXPECT_EQ(held(ledger), look.believed);
         EXPECT_EQ(ledger.doubts(), look.doubts);
@@ -82,7 +82,7 @@ TEST(Ledger, ConfirmsAFallAcrossProcesses) {
 TEST(Ledger, KeepsInTheRecordWhatTheNextOneNeeds) {
     Ledger ledger;
     ledger.begin(std::vector{session(40)}, kNow);
-    EXPECT_TRUE(ledger.takeAnswer({session(5, 10s)}, std::nullopt, kNow + 10s).isMemoryChanged);
+    EXPECT_TRUE(ledger.takeAnswer({.windows = {session(5, 10s)}}, kNow + 10s).isMemoryChanged);
     ProbeRecord record{.lastProbeAt = kNow, .consecutiveFailures = 3};
     ledger.remember(record);
     EXPECT_EQ(record, (ProbeRecord{.lastProbeAt = kNow,
@@ -94,7 +94,7 @@ TEST(Ledger, KeepsInTheRecordWhatTheNextOneNeeds) {
         EXPECT_FALSE(
             (Files{.record = {.pendingDrops = record.pendingDrops}, .history = {now}}).start(kNow + 30s).doubts());
     }
-    EXPECT_FALSE(ledger.takeAnswer({session(41, 20s)}, std::nullopt, kNow + 20s) == Ledger::Taken());
+    EXPECT_FALSE(ledger.takeAnswer({.windows = {session(41, 20s)}}, kNow + 20s) == Ledger::Taken());
     ledger.remember(record);
     EXPECT_TRUE(record.pendingDrops.empty());
 }
@@ -106,7 +106,8 @@ TEST(Ledger, JudgesEarlyNewsByWhatWasBefore) {
     EXPECT_EQ(held(ledger), 5) << "shown at once";
     ProbeRecord other{.readings = {session(6, 2s)}};
     ledger.takeRecord(other, {WindowKind::week()}, kNow + 2s);
-    ledger.takeAnswer({session(6, 70s), reading(WindowKind::week(), 20, 90h)}, insights, kNow + 70s);
+    ledger.takeAnswer({.windows = {session(6, 70s), reading(WindowKind::week(), 20, 90h)}, .insights = insights},
+                      kNow + 70s);
     EXPECT_FALSE(ledger.hasBegun());
 
     const auto results = ledger.begin(std::vector{session(40), reading(WindowKind::week(), 80, 90h)}, kNow + 70s);

@@ -197,7 +197,7 @@ TEST(FreshnessContent, TellsWhatThereIsAndHowFreshItIs) {
 
 TEST(PopoverPresenter, TellsOnlyOfThePartsThatChange) {
     ViewState state;
-    state.probe(UsageCommandParser::Result{.windows = {reading(kSession, 38, 2h)}});
+    state.probe(ClientAnswer{.windows = {reading(kSession, 38, 2h)}});
     const PopoverPresenter presenter(*state.model);
     const QSignalSpy head(&presenter, &PopoverPresenter::headChanged);
     const QSignalSpy freshness(&presenter, &PopoverPresenter::freshnessChanged);

@@ -214,9 +214,9 @@ TEST(SettingsView, ShowsEveryStateWithoutAWarning) {
          {.isDark = true},
          [](World& world) {
              world.state.preferences.setClaudePathOverride(world.makeClaude("echo '2.1.330 (Claude Code)'"));
-             world.state.probe(UsageCommandParser::Result{
-                 .windows = {test::reading(WindowKind::session(), 38, std::chrono::hours(2)),
-                             test::reading(WindowKind::week(), 41, std::chrono::hours(80))}});
+             world.state.probe(
+                 ClientAnswer{.windows = {test::reading(WindowKind::session(), 38, std::chrono::hours(2)),
+                                          test::reading(WindowKind::week(), 41, std::chrono::hours(80))}});
              world.writeClaudeSettings(
                  "{\"statusLine\": {\"type\": \"command\", \"command\": \"/old/place/vorn-bridge\"}}");
              world.integrations.refresh();
@@ -453,9 +453,8 @@ TEST_F(SettingsWindowTest, ChoosesAmongSeveral) {
 }
 
 TEST_F(SettingsWindowTest, OrdersTheItemsByKeyboardArrowsAndMouse) {
-    m_world.state.probe(
-        UsageCommandParser::Result{.windows = {test::reading(WindowKind::session(), 38, std::chrono::hours(2)),
-                                               test::reading(WindowKind::week(), 41, std::chrono::hours(80))}});
+    m_world.state.probe(ClientAnswer{.windows = {test::reading(WindowKind::session(), 38, std::chrono::hours(2)),
+                                                 test::reading(WindowKind::week(), 41, std::chrono::hours(80))}});
     open(Page::menuBar);
     const auto picture = [this] {
         return said().substr(said().find("Now: "));
@@ -593,7 +592,7 @@ TEST_F(SettingsWindowTest, FindsClaudeAndAsksIt) {
     click("Check now");
     EXPECT_TRUE(shows("Asked 12:00: claude /usage didn't answer in time.")) << said();
     m_world.state.client = [] {
-        return UsageCommandParser::Result{.windows = {test::reading(WindowKind::session(), 38, std::chrono::hours(2))}};
+        return ClientAnswer{.windows = {test::reading(WindowKind::session(), 38, std::chrono::hours(2))}};
     };
     click("Check now");
     EXPECT_TRUE(shows("Answered 12:00: Session 38%.")) << said();

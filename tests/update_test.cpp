@@ -124,7 +124,7 @@ TEST(Update, TheFallThatWasSeenOnceStillNeedsASecondAnswer) {
         reading.observedAt = kNow;
     }
     readings[2].usedPercent = 1;
-    ledger.takeAnswer(readings, std::nullopt, kNow);
+    ledger.takeAnswer({.windows = readings}, kNow);
     EXPECT_EQ(held(ledger, WindowKind::week()).usedPercent, 31) << "confirmed";
     EXPECT_EQ(held(ledger, kSonnet).usedPercent, 1) << "announced";
     EXPECT_FALSE(ledger.doubts());

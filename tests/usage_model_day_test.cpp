@@ -36,7 +36,7 @@ class ModelDay : public test::ModelWorld {
 public:
     ModelDay() : ModelWorld(kMidnight + 8h) {
         client = [this] {
-            return UsageCommandParser::Result{.windows = m_counters.read(now), .insights = {}};
+            return ClientAnswer{.windows = m_counters.read(now), .insights = {}};
         };
         QObject::connect(model.get(), &UsageModel::changed, [this] {
             recomputes.push_back(now);
@@ -162,7 +162,7 @@ TEST(ModelDay, AsksTheClientAndTheTranscriptsWhenTheyAreDue) {
     EXPECT_EQ(day.model->phase().kind, Phase::ready);
     test::waitFor([&] { return day.record.load().consecutiveFailures == 6; });
     day.client = [&] {
-        return UsageCommandParser::Result{.windows = {{WindowKind::week(), 90, day.now + 5h, day.now}}, .insights = {}};
+        return ClientAnswer{.windows = {{WindowKind::week(), 90, day.now + 5h, day.now}}, .insights = {}};
     };
     day.model->refreshIfStale();
     EXPECT_EQ(day.model->lastProbeError(), std::nullopt);

@@ -34,8 +34,8 @@ using testing::Not;
 using Phase = UsageModel::Phase;
 using Scope = PlannedReset::Scope;
 
-UsageCommandParser::Result answer(std::vector<UsageWindow> windows) {
-    return {.windows = std::move(windows), .insights = {}};
+ClientAnswer answer(std::vector<UsageWindow> windows) {
+    return {.windows = std::move(windows)};
 }
 
 ProbeFailure failure(const char* message) {
@@ -120,7 +120,7 @@ TEST_F(UsageModelTest, KeepsTheBreakdownThatAnAnswerDoesNotHave) {
     start();
     const UsageInsights insights{.periods = {{.label = "Last 24h"}}, .observedAt = now};
     client = [&] {
-        return UsageCommandParser::Result{.windows = {session(3)}, .insights = insights};
+        return ClientAnswer{.windows = {session(3)}, .insights = insights};
     };
     unansweredProbe(client());
     EXPECT_EQ(model->insights(), insights);

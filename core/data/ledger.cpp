@@ -17,11 +17,10 @@ std::vector<Ledger::Taken> Ledger::begin(std::span<const UsageWindow> known, Ins
     return results;
 }
 
-Ledger::Taken Ledger::takeAnswer(std::vector<UsageWindow> readings, std::optional<UsageInsights> insights,
-                                 Instant now) {
-    m_state.setInsights(std::move(insights));
-    m_lastAnswer = readings;
-    return take({.readings = std::move(readings)}, now);
+Ledger::Taken Ledger::takeAnswer(ClientAnswer answer, Instant now) {
+    m_state.setInsights(std::move(answer.insights));
+    m_lastAnswer = answer.windows;
+    return take({.readings = std::move(answer.windows)}, now);
 }
 
 Ledger::Taken Ledger::takeSnapshot(std::vector<UsageWindow> readings, Instant now) {

@@ -5,6 +5,7 @@
 #include <span>
 #include <vector>
 
+#include "core/data/client_answer.hpp"
 #include "core/data/probe_record.hpp"
 #include "core/data/usage_state.hpp"
 
@@ -29,8 +30,8 @@ public:
     std::vector<Taken> begin(std::span<const UsageWindow> known, Instant now);
     [[nodiscard]] bool hasBegun() const { return m_hasBegun; }
 
-    /// An answer of the client to this program. Absent insights leave the last ones in place.
-    Taken takeAnswer(std::vector<UsageWindow> readings, std::optional<UsageInsights> insights, Instant now);
+    /// An answer of the client to this program.
+    Taken takeAnswer(ClientAnswer answer, Instant now);
     /// What the relay left.
     Taken takeSnapshot(std::vector<UsageWindow> readings, Instant now);
     /// An answer that another program was given, and the falls it saw. `announced`: those of the record's resets that

@@ -12,7 +12,7 @@ namespace {
 
 using Kind = ProbeFailure::Kind;
 
-UsageCommandParser::Result readings(std::vector<UsageWindow> windows) {
+ClientAnswer readings(std::vector<UsageWindow> windows) {
     return {.windows = std::move(windows)};
 }
 

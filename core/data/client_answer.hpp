@@ -1,0 +1,32 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/data/other_limits.hpp"
+#include "core/data/usage_insights.hpp"
+#include "core/data/usage_window.hpp"
+
+namespace vorn {
+
+/// What the client said of the limits when it was asked, in whichever form it was asked.
+struct ClientAnswer {
+    /// In the client's order, all from `DataSource::usageCommand`, observed at `fetchedAt`.
+    std::vector<UsageWindow> windows;
+    OtherLimits others{};                     ///< Likewise.
+    std::optional<UsageInsights> insights{};  ///< Absent: it did not say; the last ones stand.
+    /// When the figures were fetched from the service; never later than `answeredAt`. Earlier where the client answered
+    /// from its cache.
+    Instant fetchedAt;
+    Instant answeredAt;
+    /// It lists every limit that there is: one that it leaves out is gone.
+    bool isComplete = false;
+    /// Of whom: a hash; empty where that is not known.
+    std::string account{};
+    /// "max", "pro", …; empty where the form does not say.
+    std::string plan{};
+    bool operator==(const ClientAnswer&) const = default;
+};
+
+}  // namespace vorn

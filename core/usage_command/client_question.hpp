@@ -1,0 +1,23 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "core/data/client_answer.hpp"
+#include "core/support/process.hpp"
+#include "core/support/time.hpp"
+
+namespace vorn {
+
+/// Asking the client once, in the best form that it knows. Blocks; meant for a thread of its own.
+struct ClientQuestion {
+    std::optional<std::string> claudePath{};  ///< The executable that the user chose; absent or empty: look for one.
+    Seconds timeout{30};                      ///< For each process that is run for it.
+
+    /// `now` is asked after the client has ended. Throws ProbeError, or Cancelled when `cancellation` asked for it.
+    [[nodiscard]] ClientAnswer ask(const std::function<Instant()>& now,
+                                   const Cancellation* cancellation = nullptr) const;
+};
+
+}  // namespace vorn

@@ -36,8 +36,7 @@ public:
             if (++m_asked % 50 == 0) {
                 return ProbeFailure{.kind = ProbeFailure::Kind::commandFailed, .detail = "The client says no."};
             }
-            return ClientAnswer{.windows = m_counters.read(now),
-                                              .insights = UsageInsights{.observedAt = now}};
+            return ClientAnswer{.windows = m_counters.read(now), .insights = UsageInsights{.observedAt = now}};
         };
         transcripts = [this] {
             return ActivitySummary({{.timestamp = now - 1min,

@@ -159,12 +159,7 @@ void Look::takeAnswer(const ClientAnswer& answer) {
     if (mayWrite()) {
         saveBreakdown(m_ledger.state().insights());
     }
-    remember([&](ProbeRecord& record) {
-        record.lastProbeAt = now();
-        record.consecutiveFailures = 0;
-        record.failure.reset();
-        record.readings = answer.windows;
-    });
+    remember([&](ProbeRecord& record) { record = record.afterAnswer(answer, now()); });
 }
 
 void Look::store(const std::vector<UsageWindow>& believed) {
@@ -181,6 +176,9 @@ void Look::addJudgement(ProbeRecord& record) const {
     ProbeRecord judged = record;
     m_ledger.remember(judged);
     record.pendingDrops = std::move(judged.pendingDrops);
+    record.missing = std::move(judged.missing);
+    record.others = std::move(judged.others);
+    record.account = std::move(judged.account);
     std::erase_if(record.expectedResets, [&](const WindowKind& kind) {
         return m_announced.contains(kind) && !judged.expectedResets.contains(kind);
     });
@@ -202,13 +200,15 @@ void Look::remember(const std::function<void(ProbeRecord&)>& change) {
 }
 
 Evidence Look::evidence() const {
-    Evidence evidence{.windows = m_ledger.state().current(now()),
+    Evidence evidence{.windows = m_ledger.windows(now()),
+                      .others = m_ledger.others(),
                       .useActivity = m_choices.useLocalActivity,
                       .plan = ResetPlanStore(VornPaths::resetPlan()).load().pruned(now()),
                       .insights = m_ledger.state().insights(),
                       .asking = m_asking,
                       .unsaved = {.history = !m_isSaved}};
     evidence.asking.lastAt = m_record.lastProbeAt;
+    evidence.asking.figuresOf = m_record.figuresOf;
     if (m_request.withRatio) {
         evidence.ratio = VornEngine::sessionWeekRatio(m_samples, VornEngine::kMinimumSessionPoints);
     }

@@ -74,14 +74,15 @@ bool Readings::takeRecord(const ProbeMemory::News& news) {
     }
     m_asked = {.lastProbeAt = record.lastProbeAt,
                .consecutiveFailures = record.consecutiveFailures,
-               .failure = record.failure};
+               .failure = record.failure,
+               .figuresOf = record.figuresOf};
     keep(m_ledger.takeRecord(record, news.announced, now));
     return true;
 }
 
 void Readings::takeAnswer(const ClientAnswer& answer) {
     const Instant now = m_clock.now();
-    m_asked = {.lastProbeAt = now};
+    m_asked = m_asked.afterAnswer(answer, now);
     keep(m_ledger.takeAnswer(answer, now));
     saveRecord();
 }
@@ -115,12 +116,13 @@ void Readings::replace(std::span<const UsageWindow> windows, UsageInsights insig
 
 std::vector<UsageWindow> Readings::current(Instant now) {
     m_ledger.noticeTime(now);
-    return state().current(now);
+    return m_ledger.windows(now);
 }
 
 Asking Readings::asking(Seconds refresh) const {
     Asking asking{.lastAt = m_asked.lastProbeAt, .failure = m_asked.failure};
-    if (m_asked.failure && m_asked.lastProbeAt) {
+    asking.figuresOf = m_asked.figuresOf;
+    if ((m_asked.failure || m_asked.figuresOf) && m_asked.lastProbeAt) {
         asking.retryAt = *m_asked.lastProbeAt + probeInterval(m_asked.consecutiveFailures, refresh);
     }
     return asking;

@@ -115,6 +115,7 @@ Answer VornEngine::formAnswer(const Evidence& evidence, Instant now) {
                   .stage = stageOf(evidence),
                   .isJudged = evidence.isJudged,
                   .isDemo = evidence.isDemo,
+                  .others = evidence.others,
                   .insights = evidence.insights,
                   .plan = evidence.plan,
                   .asking = evidence.asking,

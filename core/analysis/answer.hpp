@@ -11,6 +11,7 @@
 #include "core/analysis/rate_reading.hpp"
 #include "core/analysis/session_week_ratio.hpp"
 #include "core/analysis/window_assessment.hpp"
+#include "core/data/other_limits.hpp"
 #include "core/data/probe_failure.hpp"
 #include "core/data/reset_plan.hpp"
 #include "core/data/usage_insights.hpp"
@@ -23,7 +24,8 @@ struct Asking {
     bool hasAnswered = false;             ///< By now a source told something, if only that there are no limits.
     std::optional<Instant> lastAt;        ///< When the client was last asked to the end, in vain or not.
     std::optional<ProbeFailure> failure;  ///< Of that time.
-    std::optional<Instant> retryAt;       ///< Not asked again before, since it failed.
+    std::optional<Instant> retryAt;       ///< Not asked again before, since it failed or had nothing new.
+    std::optional<Instant> figuresOf;     ///< When that answer's figures were true, where they were old.
     bool operator==(const Asking&) const = default;
 };
 
@@ -37,6 +39,7 @@ struct Unsaved {
 /// Everything that an answer is formed from. What it points to must outlive the forming only.
 struct Evidence {
     std::vector<UsageWindow> windows;       ///< As believed and as they stand now; by kind, each kind once.
+    OtherLimits others{};                   ///< Limits that are no windows.
     const HistoryIndex* history = nullptr;  ///< Null: none.
     /// Null until the transcripts have been read. Summaries that are equal should be the same object.
     std::shared_ptr<const ActivitySummary> activity;
@@ -83,6 +86,7 @@ struct Answer {
     bool isJudged = true;     ///< Else no verdict may be shown: cards hold figures alone, and there is no head.
     bool isDemo = false;      ///< Invented figures.
     std::vector<Card> cards;  ///< By kind.
+    OtherLimits others;       ///< Limits that are no windows.
     std::optional<WindowKind> urgent;  ///< The window that matters most now: the head may speak of another.
     std::optional<Head> head;
     std::optional<VornSteer> steer;         ///< Of all windows that are not limited.

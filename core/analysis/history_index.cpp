@@ -3,7 +3,17 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/data/limit_names.hpp"
+
 namespace vorn {
+namespace {
+
+/// One limit, whatever its lines call it. Only a model's week has several names.
+std::string indexKey(const std::string& kindKey) {
+    return kindKey.starts_with("week:") ? limitKey(kindKey) : kindKey;
+}
+
+}  // namespace
 
 void HistoryIndex::update(std::span<const HistorySample> history) {
     if (!continues(history)) {
@@ -31,11 +41,7 @@ void HistoryIndex::add(const HistorySample& sample) {
     if (sample.resetsAt && !std::isfinite(secondsSince1970(*sample.resetsAt))) {
         return;  // near no reset time, and a NaN has no place in an ordered map
     }
-    auto kind = m_kinds.find(sample.kindKey);
-    if (kind == m_kinds.end()) {
-        kind = m_kinds.emplace(sample.kindKey, Resets()).first;
-    }
-    Resets& resets = kind->second;
+    Resets& resets = m_kinds[indexKey(sample.kindKey)];
     // Nearly every sample repeats the newest reset time: spare it the search.
     const bool isNewest = !resets.empty() && resets.rbegin()->first == sample.resetsAt;
     std::vector<Entry>& entries = isNewest ? resets.rbegin()->second : resets[sample.resetsAt];
@@ -43,7 +49,7 @@ void HistoryIndex::add(const HistorySample& sample) {
 }
 
 MatchingSamples HistoryIndex::matching(const UsageWindow& window) const {
-    const auto kind = m_kinds.find(window.kind.key());
+    const auto kind = m_kinds.find(indexKey(window.kind.key()));
     if (kind == m_kinds.end()) {
         return {};
     }

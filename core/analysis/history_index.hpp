@@ -23,7 +23,8 @@ public:
     /// lost samples (pruned, another file) is indexed anew.
     void update(std::span<const HistorySample> history);
 
-    /// The readings for which `HistorySample::sameWindow` holds, in whatever order they were recorded.
+    /// The readings for which `HistorySample::sameWindow` holds, or would if each limit had one name, in whatever order
+    /// they were recorded.
     [[nodiscard]] MatchingSamples matching(const UsageWindow& window) const;
 
     /// How many samples are known.
@@ -40,7 +41,7 @@ private:
     [[nodiscard]] bool continues(std::span<const HistorySample> history) const;
     void add(const HistorySample& sample);
 
-    std::map<std::string, Resets, std::less<>> m_kinds;  ///< By `HistorySample::kindKey`.
+    std::map<std::string, Resets> m_kinds;  ///< By `limitKey`.
     std::optional<HistorySample> m_first;
     std::optional<HistorySample> m_last;
     std::size_t m_count = 0;

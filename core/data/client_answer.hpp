@@ -20,12 +20,18 @@ struct ClientAnswer {
     /// from its cache.
     Instant fetchedAt;
     Instant answeredAt;
+    bool isFetchedAtCertain = true;  ///< Else they may be newer: not every client notes each time.
     /// It lists every limit that there is: one that it leaves out is gone.
     bool isComplete = false;
     /// Of whom: a hash; empty where that is not known.
     std::string account{};
     /// "max", "pro", …; empty where the form does not say.
     std::string plan{};
+
+    /// The client had no newer figures than these, which are older than what it keeps of its own accord: asking it
+    /// again soon is of no use.
+    [[nodiscard]] bool isStale() const { return isFetchedAtCertain && answeredAt - fetchedAt > Seconds{60}; }
+
     bool operator==(const ClientAnswer&) const = default;
 };
 

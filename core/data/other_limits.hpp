@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include <nlohmann/json_fwd.hpp>
+
 #include "core/support/time.hpp"
 
 namespace vorn {
@@ -38,5 +40,10 @@ struct OtherLimits {
     [[nodiscard]] bool isEmpty() const { return limits.empty() && !credits; }
     bool operator==(const OtherLimits&) const = default;
 };
+
+/// Times are seconds since 1970.
+nlohmann::json encode(const OtherLimits& others);
+/// Throws DecodingError.
+OtherLimits decodeOtherLimits(const nlohmann::json& value);
 
 }  // namespace vorn

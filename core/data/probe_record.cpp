@@ -31,6 +31,11 @@ std::optional<ProbeFailure> decodeFailure(const nlohmann::json& value) {
     return text != nullptr ? std::optional(failureDescribedAs(decodeText(*text))) : std::nullopt;
 }
 
+ProbeRecord::Missing decodeMissing(const nlohmann::json& value) {
+    return {.since = decodeDate(requireMember(value, "since"), DateCoding::secondsSince1970),
+            .until = decodeDate(requireMember(value, "until"), DateCoding::secondsSince1970)};
+}
+
 ProbeRecord decode(const nlohmann::json& value) {
     ProbeRecord record;
     if (const auto* at = findMember(value, "probedAt")) {
@@ -49,6 +54,18 @@ ProbeRecord decode(const nlohmann::json& value) {
     }
     for (const auto& drop : arrayOf(value, "pendingDrops")) {
         record.pendingDrops.push_back(decodeUsageWindow(drop, DateCoding::secondsSince1970));
+    }
+    if (const auto* at = findMember(value, "figuresOf")) {
+        record.figuresOf = decodeDate(*at, DateCoding::secondsSince1970);
+    }
+    for (const auto& entry : arrayOf(value, "missing")) {
+        record.missing.insert_or_assign(decodeWindowKind(requireMember(entry, "kind")), decodeMissing(entry));
+    }
+    if (const auto* others = findMember(value, "others")) {
+        record.others = decodeOtherLimits(*others);
+    }
+    if (const auto* account = findMember(value, "account")) {
+        record.account = decodeText(*account);
     }
     return record;
 }
@@ -73,6 +90,20 @@ nlohmann::json encode(const ProbeRecord& record) {
     for (const UsageWindow& drop : record.pendingDrops) {
         value["pendingDrops"].push_back(encode(drop, DateCoding::secondsSince1970));
     }
+    if (record.figuresOf) {
+        value["figuresOf"] = encodeDate(*record.figuresOf, DateCoding::secondsSince1970);
+    }
+    for (const auto& [kind, missing] : record.missing) {
+        value["missing"].push_back({{"kind", encode(kind)},
+                                    {"since", encodeDate(missing.since, DateCoding::secondsSince1970)},
+                                    {"until", encodeDate(missing.until, DateCoding::secondsSince1970)}});
+    }
+    if (!record.others.isEmpty()) {
+        value["others"] = encode(record.others);
+    }
+    if (!record.account.empty()) {
+        value["account"] = record.account;
+    }
     return value;
 }
 
@@ -91,10 +122,21 @@ ProbeRecord decodeLeniently(const std::optional<std::string>& content) {
 
 }  // namespace
 
+ProbeRecord ProbeRecord::afterAnswer(const ClientAnswer& answer, Instant now) const {
+    ProbeRecord next = *this;
+    next.lastProbeAt = now;
+    next.consecutiveFailures = answer.isStale() ? next.consecutiveFailures + 1 : 0;
+    next.figuresOf = answer.isStale() ? std::optional(answer.fetchedAt) : std::nullopt;
+    next.failure.reset();
+    next.readings = answer.windows;
+    return next;
+}
+
 ProbeRecord ProbeRecord::afterFailure(Instant now, ProbeFailure why) const {
     ProbeRecord next = *this;
     next.lastProbeAt = now;
     ++next.consecutiveFailures;
+    next.figuresOf.reset();
     next.failure = std::move(why);
     return next;
 }

@@ -3,11 +3,13 @@
 #include <chrono>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
+#include "core/data/client_answer.hpp"
 #include "core/data/probe_failure.hpp"
 #include "core/data/usage_window.hpp"
 #include "core/support/file.hpp"
@@ -17,15 +19,28 @@ namespace vorn {
 /// What is remembered of asking the client between runs and between programs, so that a status bar that refreshes every
 /// few seconds never hammers a client that fails.
 struct ProbeRecord {
-    std::optional<Instant> lastProbeAt;   ///< When the last probe finished, successfully or not.
-    int consecutiveFailures = 0;          ///< Since the last success; never negative.
+    std::optional<Instant> lastProbeAt;  ///< When the last probe finished, successfully or not.
+    /// Since the last success; never negative. An answer with old figures counts as one, but has no `failure`.
+    int consecutiveFailures = 0;
     std::optional<ProbeFailure> failure;  ///< Of the last time; absent after a success.
+    std::optional<Instant> figuresOf;     ///< When the last answer's figures were true, where they were old.
     /// The last answer as it was read, before any judgement: a large fall needs a second reading to be believed, and
     /// the next program to ask must know of the first.
     std::vector<UsageWindow> readings;
     std::set<WindowKind> expectedResets;    ///< Announced by the user and not seen after those readings.
     std::vector<UsageWindow> pendingDrops;  ///< Large falls that were seen once and are not believed yet.
+    OtherLimits others;                     ///< As they were told of last.
 
+    /// A limit that answers no longer list although they list all.
+    struct Missing {
+        Instant since;
+        Instant until;
+        bool operator==(const Missing&) const = default;
+    };
+    std::map<WindowKind, Missing> missing;
+    std::string account;  ///< Of the last answer, see `ClientAnswer`.
+
+    [[nodiscard]] ProbeRecord afterAnswer(const ClientAnswer& answer, Instant now) const;
     [[nodiscard]] ProbeRecord afterFailure(Instant now, ProbeFailure why) const;
 
     bool operator==(const ProbeRecord&) const = default;

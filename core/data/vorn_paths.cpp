@@ -97,6 +97,10 @@ fs::path sharedChoices() {
     return root() / "choices.json";
 }
 
+fs::path outcomes() {
+    return root() / "outcomes.jsonl";
+}
+
 fs::path breakdown() {
     return root() / "insights.json";
 }

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "core/analysis/vorn_steer.hpp"
-#include "model/menu_bar_layout.hpp"
+#include "model/preferences/menu_bar_layout.hpp"
 
 class QColor;
 class QPainter;

@@ -1,9 +1,9 @@
-#include "model/choices_file.hpp"
+#include "model/preferences/choices_file.hpp"
 
 #include <utility>
 
 #include "core/support/file.hpp"
-#include "model/preferences.hpp"
+#include "model/preferences/preferences.hpp"
 
 namespace vorn {
 namespace fs = std::filesystem;

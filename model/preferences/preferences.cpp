@@ -1,4 +1,4 @@
-#include "model/preferences.hpp"
+#include "model/preferences/preferences.hpp"
 
 #include <QSettings>
 #include <QVariant>
@@ -6,7 +6,7 @@
 #include <cmath>
 #include <utility>
 
-#include "model/preferences_store.hpp"
+#include "model/preferences/preferences_store.hpp"
 
 namespace vorn {
 namespace {

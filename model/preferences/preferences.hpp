@@ -5,7 +5,7 @@
 #include <QString>
 #include <memory>
 
-#include "model/menu_bar_layout.hpp"
+#include "model/preferences/menu_bar_layout.hpp"
 
 class QSettings;
 

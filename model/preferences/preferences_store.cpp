@@ -1,4 +1,4 @@
-#include "model/preferences_store.hpp"
+#include "model/preferences/preferences_store.hpp"
 
 #include <QFile>
 #include <filesystem>

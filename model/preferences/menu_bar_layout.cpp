@@ -1,4 +1,4 @@
-#include "model/menu_bar_layout.hpp"
+#include "model/preferences/menu_bar_layout.hpp"
 
 #include <algorithm>
 

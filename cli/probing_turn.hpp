@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "core/support/file.hpp"
-#include "core/support/process.hpp"
+#include "core/support/process/process.hpp"
 
 namespace vorn::cli {
 

@@ -1,4 +1,4 @@
-#include "core/support/interrupts.hpp"
+#include "core/support/process/interrupts.hpp"
 
 #include <csignal>
 

@@ -10,7 +10,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-#include "core/support/process_platform.hpp"
+#include "core/support/process/process_platform.hpp"
 
 namespace vorn::process_platform {
 namespace fs = std::filesystem;

@@ -6,7 +6,7 @@
 #include <sys/proc.h>
 #include <unistd.h>
 
-#include "core/support/process_platform.hpp"
+#include "core/support/process/process_platform.hpp"
 
 namespace vorn::process_platform {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/support/process.hpp"
+#include "core/support/process/process.hpp"
 
 namespace vorn {
 

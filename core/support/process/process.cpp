@@ -1,4 +1,4 @@
-#include "core/support/process.hpp"
+#include "core/support/process/process.hpp"
 
 #include <algorithm>
 #include <array>
@@ -18,7 +18,7 @@
 #include <unistd.h>
 
 #include "core/support/descriptor.hpp"
-#include "core/support/process_platform.hpp"
+#include "core/support/process/process_platform.hpp"
 
 namespace vorn {
 namespace fs = std::filesystem;

@@ -11,7 +11,7 @@
 #include "cli/terminal.hpp"
 #include "cli/transcripts.hpp"
 #include "core/analysis/activity_summary.hpp"
-#include "core/data/history_file.hpp"
+#include "core/data/history/history_file.hpp"
 #include "core/data/vorn_paths.hpp"
 #include "core/support/file.hpp"
 #include "core/support/unicode/display_width.hpp"

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "core/analysis/history_index.hpp"
-#include "core/data/history_store.hpp"
+#include "core/data/history/history_store.hpp"
 
 namespace vorn {
 

@@ -5,7 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "core/analysis/learn_rhythm.hpp"
-#include "core/data/history_store.hpp"
+#include "core/data/history/history_store.hpp"
 #include "core/support/unicode/wall_offsets.hpp"
 
 namespace vorn::bench {

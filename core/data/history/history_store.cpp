@@ -1,4 +1,4 @@
-#include "core/data/history_store.hpp"
+#include "core/data/history/history_store.hpp"
 
 #include <algorithm>
 #include <utility>

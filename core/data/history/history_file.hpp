@@ -3,7 +3,7 @@
 #include <chrono>
 #include <filesystem>
 
-#include "core/data/recorded_readings.hpp"
+#include "core/data/history/recorded_readings.hpp"
 
 namespace vorn {
 

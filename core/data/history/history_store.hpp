@@ -8,7 +8,7 @@
 #include <span>
 #include <vector>
 
-#include "core/data/history_file.hpp"
+#include "core/data/history/history_file.hpp"
 #include "core/data/history_sample.hpp"
 
 namespace vorn {

@@ -1,4 +1,4 @@
-#include "core/data/history_file.hpp"
+#include "core/data/history/history_file.hpp"
 
 #include <algorithm>
 #include <cerrno>
@@ -12,7 +12,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "core/data/history_line.hpp"
+#include "core/data/history/history_line.hpp"
 #include "core/support/descriptor.hpp"
 #include "core/support/file.hpp"
 

@@ -1,4 +1,4 @@
-#include "core/data/history_line.hpp"
+#include "core/data/history/history_line.hpp"
 
 #include <cmath>
 #include <iterator>

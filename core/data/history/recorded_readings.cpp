@@ -1,4 +1,4 @@
-#include "core/data/recorded_readings.hpp"
+#include "core/data/history/recorded_readings.hpp"
 
 #include <algorithm>
 #include <cstddef>

@@ -7,7 +7,7 @@
 #include <nlohmann/json_fwd.hpp>
 
 #include "cli/terminal.hpp"
-#include "core/analysis/activity_summary.hpp"
+#include "core/data/activity/activity_summary.hpp"
 
 namespace vorn::cli {
 

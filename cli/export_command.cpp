@@ -10,7 +10,7 @@
 #include "cli/commands.hpp"
 #include "cli/terminal.hpp"
 #include "cli/transcripts.hpp"
-#include "core/analysis/activity_summary.hpp"
+#include "core/data/activity/activity_summary.hpp"
 #include "core/data/history/history_file.hpp"
 #include "core/data/vorn_paths.hpp"
 #include "core/support/file.hpp"

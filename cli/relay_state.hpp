@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "core/analysis/activity_summary.hpp"
+#include "core/data/activity/activity_summary.hpp"
 #include "core/status_line/connection_state.hpp"
 
 namespace vorn::cli {

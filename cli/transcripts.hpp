@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "core/data/activity_event.hpp"
+#include "core/data/activity/activity_event.hpp"
 #include "core/support/time.hpp"
 
 namespace vorn {

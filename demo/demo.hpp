@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/data/activity_event.hpp"
+#include "core/data/activity/activity_event.hpp"
 #include "core/data/history_sample.hpp"
 #include "core/data/reset_plan.hpp"
 #include "core/data/usage_insights.hpp"

@@ -6,7 +6,7 @@
 #include <string>
 #include <variant>
 
-#include "core/analysis/activity_summary.hpp"
+#include "core/data/activity/activity_summary.hpp"
 #include "core/data/client_answer.hpp"
 #include "core/data/probe_failure.hpp"
 #include "core/status_line/status_line_snapshot.hpp"

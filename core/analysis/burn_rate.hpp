@@ -4,8 +4,8 @@
 #include <optional>
 #include <vector>
 
-#include "core/analysis/activity_summary.hpp"
 #include "core/analysis/matching_samples.hpp"
+#include "core/data/activity/activity_summary.hpp"
 #include "core/data/usage_window.hpp"
 
 namespace vorn {

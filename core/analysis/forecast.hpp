@@ -4,7 +4,7 @@
 #include <optional>
 #include <span>
 
-#include "core/analysis/activity_summary.hpp"
+#include "core/data/activity/activity_summary.hpp"
 #include "core/data/history_sample.hpp"
 #include "core/data/rhythm.hpp"
 #include "core/data/usage_window.hpp"

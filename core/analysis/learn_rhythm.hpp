@@ -2,7 +2,7 @@
 
 #include <span>
 
-#include "core/analysis/activity_summary.hpp"
+#include "core/data/activity/activity_summary.hpp"
 #include "core/data/history_sample.hpp"
 #include "core/data/rhythm.hpp"
 #include "core/support/zone_offsets.hpp"

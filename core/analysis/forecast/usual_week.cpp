@@ -1,9 +1,9 @@
-#include "core/analysis/usual_week.hpp"
+#include "core/analysis/forecast/usual_week.hpp"
 
 #include <algorithm>
 #include <cmath>
 
-#include "core/analysis/forecast_prior.hpp"
+#include "core/analysis/forecast/forecast_prior.hpp"
 
 namespace vorn::VornEngine {
 namespace {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/analysis/forecast_clues.hpp"
-#include "core/analysis/forecast_prior.hpp"
+#include "core/analysis/forecast/forecast_clues.hpp"
+#include "core/analysis/forecast/forecast_prior.hpp"
 
 namespace vorn::VornEngine {
 

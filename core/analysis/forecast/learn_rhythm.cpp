@@ -1,4 +1,4 @@
-#include "core/analysis/learn_rhythm.hpp"
+#include "core/analysis/forecast/learn_rhythm.hpp"
 
 #include <algorithm>
 #include <cmath>

@@ -1,5 +1,5 @@
 // Written by tools/fit-forecast; see docs/forecast.md.
-#include "core/analysis/forecast_prior.hpp"
+#include "core/analysis/forecast/forecast_prior.hpp"
 
 namespace vorn::VornEngine::prior {
 

@@ -4,7 +4,7 @@
 #include <span>
 #include <vector>
 
-#include "core/analysis/usual_week.hpp"
+#include "core/analysis/forecast/usual_week.hpp"
 #include "core/data/activity/activity_summary.hpp"
 #include "core/data/history_sample.hpp"
 #include "core/data/usage_window.hpp"

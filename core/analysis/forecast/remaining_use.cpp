@@ -1,4 +1,4 @@
-#include "core/analysis/remaining_use.hpp"
+#include "core/analysis/forecast/remaining_use.hpp"
 
 #include <algorithm>
 #include <cmath>

@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "core/analysis/forecast_clues.hpp"
-#include "core/analysis/forecast_prior.hpp"
+#include "core/analysis/forecast/forecast_clues.hpp"
+#include "core/analysis/forecast/forecast_prior.hpp"
 
 namespace vorn::VornEngine {
 namespace {

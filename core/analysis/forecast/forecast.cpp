@@ -1,11 +1,11 @@
-#include "core/analysis/forecast.hpp"
+#include "core/analysis/forecast/forecast.hpp"
 
 #include <algorithm>
 #include <cmath>
 #include <ostream>
 
-#include "core/analysis/forecast_clues.hpp"
-#include "core/analysis/remaining_use.hpp"
+#include "core/analysis/forecast/forecast_clues.hpp"
+#include "core/analysis/forecast/remaining_use.hpp"
 
 namespace vorn {
 namespace VornEngine {

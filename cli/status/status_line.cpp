@@ -1,4 +1,4 @@
-#include "cli/status_line.hpp"
+#include "cli/status/status_line.hpp"
 
 #include <algorithm>
 #include <array>

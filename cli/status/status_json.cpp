@@ -1,4 +1,4 @@
-#include "cli/status_json.hpp"
+#include "cli/status/status_json.hpp"
 
 #include <array>
 #include <cmath>

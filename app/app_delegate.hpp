@@ -61,7 +61,7 @@ private:
     [[nodiscard]] PopoverAnchor anchorOfClick() const;
     void evaluateNotices();
     void updateStatusItem();
-    /// Takes the place of one that is still open; deletes itself when closed.
+    /// A dialog for a file, in the place of one that is still open; deletes itself when closed.
     QFileDialog* newFileDialog(const QString& title);
     void chooseClaude();
     /// Asks for a file to write the table to.

@@ -32,7 +32,7 @@ struct Demo {
     ResetPlan plan;
 };
 
-/// The same scenario and moment give the same data; another moment shifts it.
+/// The data of one scenario. The same moment gives the same data; another moment shifts it.
 Demo makeDemo(Scenario scenario, Instant now);
 
 }  // namespace vorn::demo

@@ -17,7 +17,7 @@ struct StatusTextOptions {
 std::string renderStatus(const Answer& answer, const std::optional<RelayState>& relay, const Terminal& terminal,
                          const StatusTextOptions& options = {});
 
-/// Why there is nothing, or nothing newer, and what cannot be saved; empty when all is well.
+/// Why there are no figures, or no newer ones, and what cannot be saved; empty when all is well.
 std::string complaint(const Answer& answer);
 
 }  // namespace vorn::cli

@@ -19,7 +19,7 @@ public:
     ChoicesFile(const Preferences& preferences, std::filesystem::path file, QObject* parent = nullptr);
 
 private:
-    /// Writes only what differs; a failure is tried again with the next change.
+    /// Writes the file if it would differ; a failure is tried again with the next change.
     void write() const;
 
     const Preferences& m_preferences;

@@ -39,7 +39,7 @@ struct MenuBarEntry {
 };
 using MenuBarLayout = std::vector<MenuBarEntry>;
 
-/// The first entry of every item, in that order, then the items that were missing, switched off.
+/// `layout` with every item once: the first entry of each in their order, then the missing items, switched off.
 MenuBarLayout completed(const MenuBarLayout& layout);
 
 /// A JSON array of objects with the keys "item" and "isOn".

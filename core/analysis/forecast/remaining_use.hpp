@@ -5,8 +5,8 @@
 
 namespace vorn::VornEngine {
 
-/// How likely it is that so and so much of a limit is still to come. The logarithm of it has a logistic distribution
-/// with a longer tail on one side, so that every answer is a formula.
+/// How much of a limit is still to come, as a distribution. The logarithm of the percent to come is logistic with a
+/// longer tail on one side, so that every answer is a formula.
 struct RemainingUse {
     double location = 0;   ///< Of the logarithm of the percent to come plus `softening`.
     double steepness = 1;  ///< Positive; the larger, the more certain.

@@ -23,12 +23,12 @@ struct UsualWeek {
     double pointsPerWeight = 0;   ///< What a cost-weighted token of this machine costs; 0 while unknown.
     double weekPerSession = 0;    ///< Week points that a session point costs.
 
-    /// `now` decides how long ago what is.
+    /// What `rhythm` tells at `now`; `zone`: of the last nine weeks.
     static UsualWeek of(const Rhythm& rhythm, const ZoneOffsets& zone, Instant now);
 
     /// Points expected between two moments; 0 when `to` is not after `from`.
     [[nodiscard]] double expected(const ZoneOffsets& zone, Instant from, Instant to) const;
-    /// The moment at which `points` of them are used; `to` when they are not before it.
+    /// When `points` are expected to be used, counted from `from`; `to` when that is later.
     [[nodiscard]] Instant reaching(double points, const ZoneOffsets& zone, Instant from, Instant to) const;
 };
 

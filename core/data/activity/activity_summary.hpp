@@ -38,7 +38,7 @@ public:
 
     /// The events with `since` <= time < `until`; empty when `until` lies first.
     [[nodiscard]] std::span<const ActivityEvent> events(Instant since, Instant until) const;
-    /// Their summed weight. Takes logarithmic time.
+    /// The summed weight of the events with `since` <= time < `until`. Takes logarithmic time.
     [[nodiscard]] double weight(Instant since, Instant until) const;
 
     /// The most buckets that are made; more would only cost memory.
@@ -47,8 +47,8 @@ public:
     /// `width` is not positive, one of them is not finite, or there would be more than `kMaximumBuckets`.
     [[nodiscard]] std::vector<Bucket> timeline(Instant from, Instant to, Seconds width) const;
 
-    /// Of the events from `since` on the `limit` largest, by name where equal, then "Other" for the rest, if any.
-    /// Shares add up to 1. Empty when nothing weighs anything.
+    // Which projects or models the events from `since` on belong to: the `limit` largest, by name where equal, then
+    // "Other" for the rest, if any. Shares add up to 1. Empty when nothing weighs anything.
     [[nodiscard]] std::vector<Slice> projects(Instant since, std::size_t limit) const;
     [[nodiscard]] std::vector<Slice> models(Instant since, std::size_t limit) const;
 

@@ -17,7 +17,7 @@ namespace vorn {
 /// worst it can see is a line that is still being written, and that one is found again by the next rewrite.
 class HistoryFile {
 public:
-    /// `patience`: how long a writer waits for another one.
+    /// `patience`: how long a writer waits for another process that is writing.
     HistoryFile(std::filesystem::path path, std::chrono::milliseconds patience);
 
     /// Every line that is a sample, in the order of the file; empty when it cannot be read or is no regular file. Of an

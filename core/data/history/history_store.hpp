@@ -45,9 +45,9 @@ public:
     /// Whether the file has the readings already.
     enum class Stored : std::uint8_t {
         notYet,
-        byAnotherProcess,  ///< which wrote what this one takes over
+        byAnotherProcess,  ///< which was told the same and has written it
     };
-    /// Appends what is new in memory alone; returns it.
+    /// Appends what is new in `windows`, in memory alone. Returns what was appended.
     std::vector<HistorySample> add(std::span<const UsageWindow> windows, Instant now, Stored stored = Stored::notYet);
 
     struct Flushed {

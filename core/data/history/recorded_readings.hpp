@@ -14,7 +14,7 @@ public:
     void reserve(std::size_t count);
     void add(HistorySample sample, DataSource source);
     void add(const RecordedReadings& more);
-    /// Those from index `first` on.
+    /// The samples from index `first` on, with their sources.
     [[nodiscard]] RecordedReadings from(std::size_t first) const;
     void eraseFirst(std::size_t count);
     /// Erases what was observed before `cutoff`.
@@ -24,7 +24,7 @@ public:
     void shrinkToFit();
 
     [[nodiscard]] const std::vector<HistorySample>& samples() const { return m_samples; }
-    /// As many as there are samples, in their order.
+    /// Where each of `samples` came from, in their order.
     [[nodiscard]] const std::vector<DataSource>& sources() const { return m_sources; }
     [[nodiscard]] std::size_t size() const { return m_samples.size(); }
     [[nodiscard]] bool isEmpty() const { return m_samples.empty(); }

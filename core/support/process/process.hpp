@@ -60,7 +60,7 @@ struct ProcessRequest {
     std::filesystem::path workingDirectory;          ///< Empty for our own.
     Seconds timeout{30};
     std::size_t outputLimit = std::size_t{8} << 20U;  ///< Bytes kept of standard output; the rest is read and dropped.
-    std::size_t errorLimit = std::size_t{64} << 10U;  ///< The same for standard error.
+    std::size_t errorLimit = std::size_t{64} << 10U;  ///< Bytes kept of standard error.
 };
 
 struct ProcessResult {

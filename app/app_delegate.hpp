@@ -9,10 +9,10 @@
 #include <vector>
 
 #include "app/command_line.hpp"
-#include "model/choices_file.hpp"
 #include "model/integrations.hpp"
 #include "model/notifier.hpp"
-#include "model/preferences.hpp"
+#include "model/preferences/choices_file.hpp"
+#include "model/preferences/preferences.hpp"
 #include "model/usage_model.hpp"
 #include "platform/desktop_appearance.hpp"
 #include "platform/hot_key.hpp"
@@ -61,7 +61,7 @@ private:
     [[nodiscard]] PopoverAnchor anchorOfClick() const;
     void evaluateNotices();
     void updateStatusItem();
-    /// Takes the place of one that is still open; deletes itself when closed.
+    /// A dialog for a file, in the place of one that is still open; deletes itself when closed.
     QFileDialog* newFileDialog(const QString& title);
     void chooseClaude();
     /// Asks for a file to write the table to.

@@ -12,9 +12,9 @@
 #include "app/snapshot_run.hpp"
 #include "core/data/vorn_paths.hpp"
 #include "core/support/file.hpp"
-#include "core/support/interrupts.hpp"
-#include "model/choices_file.hpp"
+#include "core/support/process/interrupts.hpp"
 #include "model/instance_server.hpp"
+#include "model/preferences/choices_file.hpp"
 #include "ui/window/view_engine.hpp"
 
 namespace vorn {

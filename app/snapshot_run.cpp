@@ -12,7 +12,7 @@
 #include "core/support/file.hpp"
 #include "core/support/uuid.hpp"
 #include "model/model_parts.hpp"
-#include "model/preferences.hpp"
+#include "model/preferences/preferences.hpp"
 #include "model/usage_model.hpp"
 
 namespace vorn {

@@ -7,9 +7,9 @@
 #include <benchmark/benchmark.h>
 
 #include "core/analysis/assess.hpp"
-#include "core/analysis/forecast.hpp"
+#include "core/analysis/forecast/forecast.hpp"
+#include "core/analysis/forecast/learn_rhythm.hpp"
 #include "core/analysis/history_index.hpp"
-#include "core/analysis/learn_rhythm.hpp"
 #include "core/analysis/rate_reading.hpp"
 #include "core/analysis/session_week_ratio.hpp"
 #include "core/analysis/steer.hpp"

@@ -28,7 +28,7 @@
 #include <unistd.h>
 
 #include "demo/demo.hpp"
-#include "model/preferences.hpp"
+#include "model/preferences/preferences.hpp"
 #include "model/usage_model.hpp"
 #include "platform/desktop_appearance.hpp"
 #include "ui/dashboard/dashboard_window.hpp"

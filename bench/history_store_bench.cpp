@@ -8,8 +8,8 @@
 #include <nlohmann/json.hpp>
 #include <unistd.h>
 
-#include "core/data/history_line.hpp"
-#include "core/data/history_store.hpp"
+#include "core/data/history/history_line.hpp"
+#include "core/data/history/history_store.hpp"
 #include "core/support/file.hpp"
 
 namespace {

@@ -7,13 +7,13 @@
 #include <nlohmann/json_fwd.hpp>
 
 #include "cli/terminal.hpp"
-#include "core/analysis/activity_summary.hpp"
+#include "core/data/activity/activity_summary.hpp"
 
 namespace vorn::cli {
 
 /// What was done on this machine in a span of time.
 struct ActivityReport {
-    /// The weight of one of the customary spans, for comparison.
+    /// What was done in one of the customary spans, for comparison.
     struct Total {
         const char* label;
         Seconds span;
@@ -26,7 +26,7 @@ struct ActivityReport {
     std::size_t events = 0;
     TokenCounts tokens;
     double weight = 0;
-    std::vector<Total> totals;  ///< Of the spans that lie within what was read.
+    std::vector<Total> totals;  ///< One for each customary span that lies within what was read.
     Seconds bucket{};
     std::vector<ActivitySummary::Bucket> timeline;
     std::vector<ActivitySummary::Slice> projects;

@@ -6,7 +6,7 @@
 
 #include "cli/breakdown_file.hpp"
 #include "cli/probing_turn.hpp"
-#include "core/data/history_store.hpp"
+#include "core/data/history/history_store.hpp"
 #include "core/data/ledger.hpp"
 #include "core/data/reset_plan_store.hpp"
 #include "core/data/shared_choices.hpp"

@@ -7,7 +7,7 @@
 
 #include "cli/record_keeper.hpp"
 #include "core/analysis/answer.hpp"
-#include "core/support/process.hpp"
+#include "core/support/process/process.hpp"
 #include "core/transcripts/local_activity_scanner.hpp"
 
 namespace vorn::cli {

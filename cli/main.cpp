@@ -10,7 +10,7 @@
 #include <CLI/CLI.hpp>
 
 #include "cli/commands.hpp"
-#include "core/support/process.hpp"
+#include "core/support/process/process.hpp"
 
 namespace {
 

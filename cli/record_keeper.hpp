@@ -8,7 +8,7 @@
 
 namespace vorn::cli {
 
-/// Where the record stands in for `probe.json` while that cannot be written.
+/// The ending of the file that stands in for `probe.json` while that cannot be written.
 inline constexpr const char* kRuntimeRecord = ".probe.json";
 
 /// The record of asking the client. It belongs into Vorn's folder; while that cannot be written it is kept in the
@@ -16,10 +16,10 @@ inline constexpr const char* kRuntimeRecord = ".probe.json";
 /// where even that fails, in this object.
 class RecordKeeper {
 public:
-    /// The newest of what is kept.
+    /// The newest record of those that are kept.
     [[nodiscard]] ProbeRecord load() const;
 
-    /// Applies the change to the record as it stands, with other editors locked out. Returns what it then is.
+    /// Applies the change to the record as it stands, with other editors locked out. Returns the changed record.
     ProbeRecord edit(const std::function<void(ProbeRecord&)>& change);
 
     /// Keeps the record in this object alone, for a run that writes nothing.

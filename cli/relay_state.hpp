@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "core/analysis/activity_summary.hpp"
+#include "core/data/activity/activity_summary.hpp"
 #include "core/status_line/connection_state.hpp"
 
 namespace vorn::cli {
@@ -12,17 +12,17 @@ namespace vorn::cli {
 /// How Vorn stands with Claude Code's status line.
 struct RelayState {
     ConnectionState connection{};
-    std::string problem{};                 ///< Why it is not known; then nothing else counts.
-    std::optional<Instant> silentSince{};  ///< Nothing comes although Claude Code is in use.
-    bool isSilenceNews = false;            ///< Which the user has not been told.
+    std::string problem{};                 ///< Why the state is not known; then nothing else counts.
+    std::optional<Instant> silentSince{};  ///< Since when nothing comes although Claude Code is in use.
+    bool isSilenceNews = false;            ///< The user has not been told of the silence yet.
 };
 
-/// As the settings have it, those of the project in the working directory included.
+/// The state as the settings have it, those of the project in the working directory included.
 RelayState readRelayState();
-/// The same, with what the transcripts (of which `activity`, unless null, holds the last hours already) say of a relay
-/// that has long been silent. Costs little while it is heard.
+/// The state with `silentSince`, for which the transcripts are read where the relay has long been silent; `activity`,
+/// unless null, holds their last hours already. Costs little while the relay is heard.
 RelayState readRelayState(Instant now, const ActivitySummary* activity);
-/// From now on the present silence is no news. Failing is no harm.
+/// Remembers that the user was told of the present silence. A failure to write is ignored.
 void rememberSilenceTold(Instant now);
 
 /// "connected", "notHeard", "needsReconnecting", "notVorns", "notConnected", "unknown"

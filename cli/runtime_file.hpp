@@ -7,9 +7,10 @@
 /// socket, which belongs to the user alone and is no link.
 namespace vorn::cli {
 
-/// The file with that ending (".probe.json") for Vorn's folder of now; its folder is there, or empty is returned.
+/// The file with that ending (".probe.json") that belongs to the present folder of Vorn. Empty where the folder that it
+/// lies in does not exist.
 std::optional<std::filesystem::path> findRuntimeFile(const char* ending);
-/// The same after making the folder. Empty where there is no private place.
+/// `findRuntimeFile` that makes the folder where it is missing. Empty where there is no private place.
 std::optional<std::filesystem::path> makeRuntimeFile(const char* ending);
 
 }  // namespace vorn::cli

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "core/data/activity_event.hpp"
+#include "core/data/activity/activity_event.hpp"
 #include "core/support/time.hpp"
 
 namespace vorn {
@@ -13,13 +13,14 @@ class LocalActivityScanner;
 
 namespace vorn::cli {
 
-/// Where they are in a configuration directory of Claude Code; in the usual one where `configDirectory` is empty.
+/// Where the transcripts are in a configuration directory of Claude Code; in the usual one where `configDirectory` is
+/// empty.
 std::filesystem::path transcriptsIn(const std::string& configDirectory);
 
-/// Reads them; where that takes long, a person at a terminal sees how far it has come.
+/// Reads the transcripts; where that takes long, a person at a terminal sees how far it has come.
 std::vector<ActivityEvent> scanAtTerminal(LocalActivityScanner& scanner, Instant now);
 
-/// Whether there is such a folder at all. If not, says so on standard error, and what to do.
+/// Whether the folder `transcripts` exists. If not, says so on standard error, and what to do.
 bool tellWhetherThereAre(const std::filesystem::path& transcripts);
 
 }  // namespace vorn::cli

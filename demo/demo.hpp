@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/data/activity_event.hpp"
+#include "core/data/activity/activity_event.hpp"
 #include "core/data/history_sample.hpp"
 #include "core/data/reset_plan.hpp"
 #include "core/data/usage_insights.hpp"
@@ -32,7 +32,7 @@ struct Demo {
     ResetPlan plan;
 };
 
-/// The same scenario and moment give the same data; another moment shifts it.
+/// The data of one scenario. The same moment gives the same data; another moment shifts it.
 Demo makeDemo(Scenario scenario, Instant now);
 
 }  // namespace vorn::demo

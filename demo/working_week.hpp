@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "core/data/activity_event.hpp"
+#include "core/data/activity/activity_event.hpp"
 
 namespace vorn::demo {
 

@@ -1,9 +1,9 @@
 #include <algorithm>
 #include <cmath>
 
-#include "core/data/history_file.hpp"
-#include "core/data/history_line.hpp"
-#include "core/data/history_store.hpp"
+#include "core/data/history/history_file.hpp"
+#include "core/data/history/history_line.hpp"
+#include "core/data/history/history_store.hpp"
 #include "core/transcripts/export_text.hpp"
 #include "fuzz/fuzz_target.hpp"
 #include "fuzz/reading_checks.hpp"

@@ -1,7 +1,7 @@
 #include <algorithm>
 
 #include "fuzz/fuzz_target.hpp"
-#include "model/menu_bar_layout.hpp"
+#include "model/preferences/menu_bar_layout.hpp"
 
 /// The layout of the menu bar as the preferences keep it, and what older versions kept instead.
 namespace vorn::fuzz {

@@ -5,7 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "core/analysis/assess.hpp"
-#include "core/data/history_line.hpp"
+#include "core/data/history/history_line.hpp"
 #include "core/data/usage_state.hpp"
 #include "core/wording/format.hpp"
 #include "fuzz/fuzz_target.hpp"

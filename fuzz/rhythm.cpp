@@ -2,8 +2,8 @@
 
 #include <cmath>
 
-#include "core/analysis/forecast.hpp"
-#include "core/analysis/learn_rhythm.hpp"
+#include "core/analysis/forecast/forecast.hpp"
+#include "core/analysis/forecast/learn_rhythm.hpp"
 #include "fuzz/fuzz_target.hpp"
 #include "fuzz/reading_checks.hpp"
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "core/analysis/activity_summary.hpp"
+#include "core/data/activity/activity_summary.hpp"
 #include "core/support/text.hpp"
 #include "core/transcripts/export_text.hpp"
 #include "core/transcripts/local_activity_scanner.hpp"

@@ -16,12 +16,12 @@ class Readings;
 /// another is clearly tighter, and the ratio walks the whole history, so that it is formed only when that has grown.
 class Conclusions {
 public:
-    /// What they are drawn from.
+    /// What the conclusions are drawn from.
     struct Basis {
         Readings& readings;
         const ActivityKeeper& activity;
         const PlanKeeper& plan;
-        bool useActivity = true;  ///< As the user chose.
+        bool useActivity = true;  ///< Whether rates may come from local activity, as the user chose.
         bool mayJudge = true;     ///< Nothing that matters is still being read for the first time.
         bool isDemo = false;
         Asking asking{};
@@ -37,7 +37,7 @@ public:
     [[nodiscard]] const std::vector<WindowAssessment>& assessments() const { return m_assessments; }
     [[nodiscard]] const std::optional<VornSteer>& steer() const { return m_steer; }
     [[nodiscard]] const std::optional<SessionWeekRatio>& ratio() const { return m_ratio; }
-    /// Null when there is none; valid until the next `draw`.
+    /// The assessment of a window; null when there is none, valid until the next `draw`.
     [[nodiscard]] const WindowAssessment* find(const WindowKind& kind) const;
 
 private:

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "core/analysis/history_index.hpp"
-#include "core/data/history_store.hpp"
+#include "core/data/history/history_store.hpp"
 
 namespace vorn {
 
@@ -21,7 +21,7 @@ public:
 
     /// Reads the file; `done` runs on the main thread. Only the first call counts.
     void load(const std::function<void()>& done);
-    /// Whether that has happened. Until then nothing may be added.
+    /// Whether the file has been read. Until then nothing may be added.
     [[nodiscard]] bool isLoaded() const { return m_isLoaded; }
 
     /// Records what is new in the readings; false when nothing was. The file follows.
@@ -30,7 +30,8 @@ public:
     void replace(std::vector<HistorySample> samples);
 
     [[nodiscard]] const std::vector<HistorySample>& samples() const { return m_samples; }
-    /// What to start from, see `HistoryStore::newestCurrent`. Only once loaded: else it would wait for the file.
+    /// The readings to start from, see `HistoryStore::newestCurrent`. Only once loaded: else it would wait for the
+    /// file.
     [[nodiscard]] std::vector<UsageWindow> newestCurrent(Instant now) const { return m_store->newestCurrent(now); }
     [[nodiscard]] const HistoryIndex& index() const { return m_index; }
     /// The last attempt to write failed: part of the history is in memory alone.
@@ -56,7 +57,7 @@ private:
     /// Whether a write waits for its turn; shared with the job that it is.
     const std::shared_ptr<std::atomic<bool>> m_isFlushQueued = std::make_shared<std::atomic<bool>>(false);
     bool m_isUnsaved = false;
-    bool m_isDetached = false;  ///< From file and store.
+    bool m_isDetached = false;  ///< A demonstration: file and store are not touched.
 };
 
 }  // namespace vorn

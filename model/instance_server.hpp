@@ -48,10 +48,10 @@ public:
     explicit InstanceServer(std::filesystem::path home, QObject* parent = nullptr);
     ~InstanceServer() override;
 
-    /// Once.
+    /// Becomes the first start, or hands `request` over to it. To be called once.
     [[nodiscard]] Start start(const InstanceRequest& request, Patience patience);
     [[nodiscard]] Start start(const InstanceRequest& request) { return start(request, Patience()); }
-    /// Whom requests go to, from the event loop. Until then they are turned down.
+    /// Who does what later starts request; called from the event loop. Without one requests are turned down.
     void setHandler(Handler handler) { m_handler = std::move(handler); }
 
 private:
@@ -61,7 +61,7 @@ private:
     [[nodiscard]] QString unanswered() const;
     [[nodiscard]] std::filesystem::path lockFile() const;
     void acceptAll();
-    /// Why the request is not done; empty when it is.
+    /// Does what the line requests. Returns why it was not done, for people; empty when it was.
     [[nodiscard]] QString handle(std::string_view line) const;
 
     std::filesystem::path m_home;

@@ -30,23 +30,23 @@ public:
     void connectStatusLine();
     void disconnectStatusLine();
 
-    /// From now on nothing outside is changed, and who asks for it reads `reason` instead.
+    /// From now on nothing outside is changed; what would be changed fails with `reason`, a sentence for people.
     void setReadOnly(const QString& reason);
-    /// The reason in a demonstration.
+    /// The `reason` for `setReadOnly` in a demonstration.
     static QString demonstration();
-    /// Empty when changes are really made.
+    /// What `setReadOnly` was given; empty when changes are really made.
     [[nodiscard]] const QString& readOnlyReason() const { return m_readOnlyReason; }
 
     [[nodiscard]] bool launchAtLogin() const { return m_now.launchAtLogin; }
     [[nodiscard]] bool canLaunchAtLogin() const { return m_loginItem != nullptr; }
     [[nodiscard]] const StatusLineIntegration::State& statusLine() const { return m_now.statusLine; }
-    /// The same with what keeps a connected relay from being heard.
+    /// The state of the status line with what keeps a connected relay from being heard.
     [[nodiscard]] const ConnectionState& connection() const { return m_now.connection; }
     /// Why the status line could not be read, connected or disconnected; empty when the last operation of that kind
-    /// succeeded. The same below for the login item.
+    /// succeeded.
     [[nodiscard]] const QString& statusLineError() const { return m_now.statusLineError; }
     [[nodiscard]] const QString& loginItemError() const { return m_now.loginItemError; }
-    /// What there is to know of the last connecting or disconnecting beyond the state; empty when nothing.
+    /// What the user has to know of the last connecting or disconnecting beyond the state; empty when nothing.
     [[nodiscard]] const QString& statusLineRemark() const { return m_now.statusLineRemark; }
     [[nodiscard]] bool hasDownstreamCommand() const { return !m_now.downstreamCommand.isEmpty(); }
     /// The user's own status-line command, which keeps running behind the relay; empty when there is none.

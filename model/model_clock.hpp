@@ -18,13 +18,13 @@ public:
 class Ticker {
 public:
     virtual ~Ticker() = default;
-    /// Ends a previous run. The first call comes after one interval.
+    /// Calls `onTick` every `interval`, the first time after one. Ends a previous run.
     virtual void start(Seconds interval, std::function<void()> onTick) = 0;
     virtual void stop() = 0;
 };
 
 std::unique_ptr<ModelClock> makeSystemClock();
-/// Needs a running event loop.
+/// A ticker driven by the event loop.
 std::unique_ptr<Ticker> makeTimerTicker();
 
 }  // namespace vorn

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "core/data/history_store.hpp"
+#include "core/data/history/history_store.hpp"
 #include "core/data/probe_record.hpp"
 #include "core/data/reset_plan_store.hpp"
 #include "model/model_clock.hpp"

@@ -6,7 +6,7 @@
 #include <string>
 #include <variant>
 
-#include "core/analysis/activity_summary.hpp"
+#include "core/data/activity/activity_summary.hpp"
 #include "core/data/client_answer.hpp"
 #include "core/data/probe_failure.hpp"
 #include "core/status_line/status_line_snapshot.hpp"
@@ -26,7 +26,7 @@ public:
     virtual ~ProbeSource() = default;
     /// `overridePath`: the executable the user chose; empty to look for one.
     virtual void run(const std::string& overridePath, std::function<void(Answer)> done) = 0;
-    /// The process is about to end: gives up what is running and waits for that, at most `patience`. No answer comes.
+    /// For the end of the process: gives up what is running and waits for its end, at most `patience`. No answer comes.
     virtual void shutDown(std::chrono::milliseconds patience) { static_cast<void>(patience); }
 };
 
@@ -39,7 +39,7 @@ public:
     virtual void scan(Instant now, std::function<void(Answer)> done) = 0;
 };
 
-/// Quick enough for the main thread.
+/// What the relay left; quick enough to be read on the main thread.
 class SnapshotSource {
 public:
     virtual ~SnapshotSource() = default;

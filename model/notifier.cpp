@@ -7,7 +7,7 @@
 
 #include <fmt/format.h>
 
-#include "model/preferences.hpp"
+#include "model/preferences/preferences.hpp"
 #include "platform/notification_center.hpp"
 
 namespace vorn {

@@ -30,15 +30,15 @@ public:
     void requestAuthorization(std::function<void()> onGranted);
     [[nodiscard]] bool isAuthorized() const { return *m_authorized; }
 
-    /// Posts what is due. To be called with every new answer. Nothing may be announced of one that has not been judged
-    /// yet, and nobody is to take invented figures for real.
+    /// Posts what is due; to be called with every new answer. Does nothing for one that is not judged yet, and for a
+    /// demonstration, whose figures nobody is to take for real.
     void evaluate(const Answer& answer, const Preferences& preferences);
-    /// The same for assessments that may be announced.
+    /// Posts what is due for these assessments, which may all be announced.
     void evaluate(std::span<const WindowAssessment> assessments, const Preferences& preferences, Instant now);
 
 private:
     void evaluateOne(const WindowAssessment& assessment, const Preferences& preferences, Instant now);
-    /// Posts it unless the same was posted about this instance of the window.
+    /// Posts the notice unless the same event was posted about this instance of the window.
     void send(Event event, const UsageWindow& window, const Format::NoticeText& text);
 
     NotificationCenter* m_center;

@@ -22,10 +22,10 @@ public:
     /// Why the plan could not be saved; else empty.
     [[nodiscard]] const std::string& problem() const { return m_problem; }
 
-    /// Reads the file when it is not what was last read, and leaves out what is past. True when the plan is another
-    /// one.
+    /// Reads the file when it changed, and leaves out what is past. True when the plan is another one.
     bool refresh(Instant now);
-    /// Waits a moment for another program that is editing. True when the plan is another one.
+    /// Changes the plan and its file; waits a moment for another program that is editing. True when the plan is another
+    /// one.
     bool edit(const Change& change, Instant now);
     /// Tries once more to save what could not be saved. True when the plan is another one.
     bool retry(Instant now);

@@ -4,7 +4,7 @@
 #include <iterator>
 #include <utility>
 
-#include "model/preferences.hpp"
+#include "model/preferences/preferences.hpp"
 
 namespace vorn {
 namespace {

@@ -37,7 +37,7 @@ public:
     };
 
     static constexpr Seconds tickInterval{5};
-    /// What ending may take at most.
+    /// The longest that `shutDown` waits, for the client and for the disk each.
     static constexpr std::chrono::milliseconds shutdownPatience{200};
 
     /// `preferences` must outlive the model.
@@ -52,11 +52,11 @@ public:
     void shutDown();
     /// Asks the client now, unless it is being asked or this is a demonstration.
     void probe();
-    /// The same, and once more when it is being asked: another client is meant by now.
+    /// Asks the client now, and once more where it is being asked already: another client is meant by now.
     void probeAnew();
     /// `probe` when the freshest reading is more than 60 s old.
     void refreshIfStale();
-    /// Everything that follows from the readings, for the present moment.
+    /// Forms the answer anew, for the present moment.
     void recompute();
     /// Replaces everything by invented data; from then on nothing is read or written.
     void startDemo(const demo::Demo& demo);
@@ -67,7 +67,7 @@ public:
     void setBankedResets(std::int64_t count);
     /// The user redeemed a banked reset: the next fall of the limits it covers is believed at once.
     void redeemReset(PlannedReset::Scope scope);
-    /// The same was entered into the plan's file by another program, which tells of it.
+    /// Another program tells that the user redeemed a banked reset there; the plan's file says so already.
     void redeemedElsewhere(PlannedReset::Scope scope);
 
     /// What everything that people see is made from.
@@ -81,10 +81,10 @@ public:
     [[nodiscard]] const ActivitySummary& activity() const;
     [[nodiscard]] bool isProbing() const { return m_isProbing; }
     [[nodiscard]] std::optional<Instant> lastProbeAt() const { return m_readings.asked().lastProbeAt; }
-    /// As people read it; absent after a success.
+    /// Why the last probe failed, as people read it; absent after a success.
     [[nodiscard]] std::optional<std::string> lastProbeError() const;
     [[nodiscard]] std::optional<Instant> lastStatusLineAt() const { return m_readings.lastStatusLineAt(); }
-    /// Of the last tick or recomputation.
+    /// The moment of the last tick or recomputation.
     [[nodiscard]] Instant now() const { return m_now; }
     [[nodiscard]] const std::vector<HistorySample>& history() const { return m_readings.history(); }
     /// The recorded readings of a window's instance, as stored.
@@ -102,7 +102,7 @@ public:
     }
 
 signals:
-    /// The answer may be another one; everything above is consistent.
+    /// The answer may be another one, and every getter gives what belongs to it.
     void changed();
 
 private:

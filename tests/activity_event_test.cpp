@@ -1,4 +1,4 @@
-#include "core/data/activity_event.hpp"
+#include "core/data/activity/activity_event.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "core/analysis/activity_summary.hpp"
+#include "core/data/activity/activity_summary.hpp"
 
 #include <algorithm>
 #include <cmath>

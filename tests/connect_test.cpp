@@ -10,7 +10,7 @@
 #include "core/status_line/status_line_snapshot.hpp"
 #include "core/support/file.hpp"
 #include "core/support/json_value.hpp"
-#include "core/support/process.hpp"
+#include "core/support/process/process.hpp"
 #include "tests/support/temporary_directory.hpp"
 
 namespace vorn {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "core/analysis/answer.hpp"
-#include "core/data/history_store.hpp"
+#include "core/data/history/history_store.hpp"
 #include "core/data/ledger.hpp"
 #include "core/wording/format.hpp"
 #include "core/wording/head.hpp"

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "model/notifier.hpp"
-#include "model/preferences.hpp"
+#include "model/preferences/preferences.hpp"
 #include "platform/linux/freedesktop_notification_center.hpp"
 #include "tests/support/fake_notification_server.hpp"
 #include "tests/support/private_bus.hpp"

@@ -1,4 +1,4 @@
-#include "core/analysis/forecast.hpp"
+#include "core/analysis/forecast/forecast.hpp"
 
 #include <cmath>
 #include <limits>
@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "core/analysis/learn_rhythm.hpp"
+#include "core/analysis/forecast/learn_rhythm.hpp"
 #include "tests/support/lived_weeks.hpp"
 
 namespace vorn {

@@ -1,4 +1,4 @@
-#include "core/data/history_store.hpp"
+#include "core/data/history/history_store.hpp"
 
 #include <algorithm>
 #include <atomic>
@@ -17,7 +17,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "core/data/history_line.hpp"
+#include "core/data/history/history_line.hpp"
 #include "core/support/file.hpp"
 #include "tests/support/temporary_directory.hpp"
 

@@ -21,7 +21,7 @@
 #include "core/support/executable_path.hpp"
 #include "core/support/json.hpp"
 #include "core/support/local_socket.hpp"
-#include "core/support/process.hpp"
+#include "core/support/process/process.hpp"
 #include "tests/support/repeated.hpp"
 #include "tests/support/temporary_directory.hpp"
 #include "tests/support/wait_until.hpp"

@@ -1,8 +1,8 @@
-#include "core/analysis/learn_rhythm.hpp"
+#include "core/analysis/forecast/learn_rhythm.hpp"
 
 #include <gtest/gtest.h>
 
-#include "core/analysis/usual_week.hpp"
+#include "core/analysis/forecast/usual_week.hpp"
 #include "tests/support/lived_weeks.hpp"
 
 namespace vorn {

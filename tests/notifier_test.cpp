@@ -4,7 +4,7 @@
 
 #include <gmock/gmock.h>
 
-#include "model/preferences.hpp"
+#include "model/preferences/preferences.hpp"
 #include "platform/notification_center.hpp"
 #include "tests/support/readings.hpp"
 #include "tests/support/temporary_directory.hpp"

@@ -1,4 +1,4 @@
-#include "model/preferences.hpp"
+#include "model/preferences/preferences.hpp"
 
 #include <QSettings>
 #include <cmath>
@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "model/choices_file.hpp"
+#include "model/preferences/choices_file.hpp"
 #include "tests/support/temporary_directory.hpp"
 
 namespace vorn {

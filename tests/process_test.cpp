@@ -1,4 +1,4 @@
-#include "core/support/process.hpp"
+#include "core/support/process/process.hpp"
 
 #include <array>
 #include <chrono>

@@ -1,4 +1,4 @@
-#include "cli/status_text.hpp"
+#include "cli/status/status_text.hpp"
 
 #include <limits>
 #include <sstream>

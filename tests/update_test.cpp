@@ -7,7 +7,7 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
-#include "core/data/history_store.hpp"
+#include "core/data/history/history_store.hpp"
 #include "core/data/ledger.hpp"
 #include "core/data/probe_record.hpp"
 #include "core/data/reset_plan_store.hpp"

@@ -25,7 +25,7 @@
 #endif
 
 #include "core/support/file.hpp"
-#include "core/support/process.hpp"
+#include "core/support/process/process.hpp"
 #include "core/support/time.hpp"
 #include "tests/support/child_watch.hpp"
 #include "tests/support/temporary_directory.hpp"

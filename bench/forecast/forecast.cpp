@@ -11,7 +11,7 @@
 #include <fmt/format.h>
 
 #include "bench/forecast/replay.hpp"
-#include "core/analysis/forecast_clues.hpp"
+#include "core/analysis/forecast/forecast_clues.hpp"
 
 namespace {
 

@@ -4,8 +4,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "core/analysis/learn_rhythm.hpp"
-#include "core/data/history_store.hpp"
+#include "core/analysis/forecast/learn_rhythm.hpp"
+#include "core/data/history/history_store.hpp"
 #include "core/support/unicode/wall_offsets.hpp"
 
 namespace vorn::bench {

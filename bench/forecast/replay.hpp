@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/analysis/forecast.hpp"
+#include "core/analysis/forecast/forecast.hpp"
 
 namespace vorn::bench {
 

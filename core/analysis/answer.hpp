@@ -6,11 +6,11 @@
 #include <span>
 #include <vector>
 
-#include "core/analysis/activity_summary.hpp"
 #include "core/analysis/history_index.hpp"
 #include "core/analysis/rate_reading.hpp"
 #include "core/analysis/session_week_ratio.hpp"
 #include "core/analysis/window_assessment.hpp"
+#include "core/data/activity/activity_summary.hpp"
 #include "core/data/other_limits.hpp"
 #include "core/data/probe_failure.hpp"
 #include "core/data/reset_plan.hpp"

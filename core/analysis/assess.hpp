@@ -21,8 +21,8 @@ struct AssessmentInput {
 /// is not finite is assessed like a window without a reset time.
 WindowAssessment assess(const UsageWindow& window, const AssessmentInput& input);
 
-/// The one that matters most: the worst status, then the sooner limit, then the higher projection; of equals the first.
-/// Empty only for no assessments.
+/// The assessment that matters most: the worst status, then the sooner limit, then the higher projection; of equals the
+/// first. Empty only for no assessments.
 std::optional<WindowAssessment> headline(std::span<const WindowAssessment> assessments);
 
 }  // namespace vorn::VornEngine

@@ -4,8 +4,8 @@
 #include <optional>
 #include <vector>
 
-#include "core/analysis/activity_summary.hpp"
 #include "core/analysis/matching_samples.hpp"
+#include "core/data/activity/activity_summary.hpp"
 #include "core/data/usage_window.hpp"
 
 namespace vorn {
@@ -27,7 +27,7 @@ inline constexpr double kNegligibleRatePerHour = 0.01;
 /// The part of one window instance after an early reset: readings before it no longer count.
 struct WindowEpoch {
     Instant start;           ///< Time of the first reading after the fall.
-    double usedPercent = 0;  ///< That reading: the baseline for rises within the epoch.
+    double usedPercent = 0;  ///< What that reading said: the baseline for rises within the epoch.
     bool operator==(const WindowEpoch&) const = default;
 };
 

@@ -31,7 +31,7 @@ public:
     explicit MatchingSamples(std::vector<VornEngine::RatePoint> points);
 
     [[nodiscard]] std::span<const VornEngine::RatePoint> points() const { return m_points; }
-    /// Those at or after `start`.
+    /// The readings at or after `start`.
     [[nodiscard]] std::span<const VornEngine::RatePoint> since(Instant start) const;
 
     bool operator==(const MatchingSamples&) const = default;

@@ -15,7 +15,7 @@ struct SessionWeekRatio {
 
     /// The week percent that one full session costs.
     [[nodiscard]] double weekPercentPerSession() const;
-    /// +infinity when a session costs nothing.
+    /// Full sessions that fit into a week; +infinity when a session costs nothing.
     [[nodiscard]] double sessionsPerWeek() const;
     /// Full sessions that fit into the rest of a week of which `weekUsed` percent are used; +infinity when a session
     /// costs nothing.

@@ -14,7 +14,7 @@ struct VornSteer {
     WindowKind kind;  ///< The window steered by.
     /// Sustainable rate over current rate; +infinity when the current one is negligible, 0 at the limit.
     double factor = 0;
-    RateBasis basis = RateBasis::none;  ///< Of the rate used.
+    RateBasis basis = RateBasis::none;  ///< What the current rate was formed from.
 
     [[nodiscard]] Direction direction() const;
     [[nodiscard]] double tilt() const;          ///< -1 (stop) to 1 (four times the pace or more), logarithmic.

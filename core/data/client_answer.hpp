@@ -14,7 +14,7 @@ namespace vorn {
 struct ClientAnswer {
     /// In the client's order, all from `DataSource::usageCommand`, observed at `fetchedAt`.
     std::vector<UsageWindow> windows;
-    OtherLimits others{};                     ///< Likewise.
+    OtherLimits others{};                     ///< From the same source, observed at `fetchedAt` as well.
     std::optional<UsageInsights> insights{};  ///< Absent: it did not say; the last ones stand.
     /// When the figures were fetched from the service; never later than `answeredAt`. Earlier where the client answered
     /// from its cache.
@@ -23,9 +23,9 @@ struct ClientAnswer {
     bool isFetchedAtCertain = true;  ///< Else they may be newer: not every client notes each time.
     /// It lists every limit that there is: one that it leaves out is gone.
     bool isComplete = false;
-    /// Of whom: a hash; empty where that is not known.
+    /// A hash that tells accounts apart; empty where the account is not known.
     std::string account{};
-    /// "max", "pro", …; empty where the form does not say.
+    /// The user's plan: "max", "pro", …; empty where the answer does not say.
     std::string plan{};
 
     /// The client had no newer figures than these, which are older than what it keeps of its own accord: asking it

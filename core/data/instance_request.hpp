@@ -18,7 +18,7 @@ struct InstanceRequest {
     };
 
     Kind kind = Kind::activate;
-    PlannedReset::Scope scope = PlannedReset::Scope::all;  ///< Of the redeemed reset.
+    PlannedReset::Scope scope = PlannedReset::Scope::all;  ///< Which limits the redeemed reset covers.
     bool operator==(const InstanceRequest&) const = default;
 };
 

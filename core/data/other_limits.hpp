@@ -25,9 +25,9 @@ struct OtherLimit {
 /// What may be used beyond the plan's limits and is paid for by the month.
 struct Credits {
     bool isEnabled = false;
-    double spent = 0;                     ///< In hundredths of the currency's unit, as `cap`.
-    std::optional<double> cap{};          ///< Of the month; absent where there is none.
-    std::optional<double> usedPercent{};  ///< Of the cap, as reported.
+    double spent = 0;                     ///< In hundredths of the currency's unit.
+    std::optional<double> cap{};          ///< The most for the month, in the same unit; absent where there is none.
+    std::optional<double> usedPercent{};  ///< Percent of `cap`, as reported.
     std::string currency{};               ///< "USD"; empty where the source does not say.
     Instant observedAt;                   ///< When it was true.
     bool operator==(const Credits&) const = default;

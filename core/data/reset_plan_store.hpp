@@ -21,7 +21,7 @@ public:
     /// Never fails: a file that is missing, unreadable or not wholly a plan is the empty plan.
     [[nodiscard]] ResetPlan load() const;
 
-    /// Differs once the file was changed; see `fileStamp`.
+    /// Stands for the file's content, to be compared before it is read again; see `fileStamp`.
     [[nodiscard]] std::optional<FileStamp> stamp() const { return fileStamp(m_file); }
 
     /// Replaces the file, creating its directory where that is missing. Throws std::filesystem::filesystem_error, and

@@ -94,7 +94,7 @@ struct Rhythm {
     std::optional<Reading> session;
     std::optional<Reading> week;
     std::optional<Instant> firstReadAt;    ///< The first reading ever.
-    std::optional<Instant> firstKnownAt;   ///< That, or the first event before it.
+    std::optional<Instant> firstKnownAt;   ///< The first reading, or the first local activity before it.
     std::optional<Instant> learntUpTo;     ///< Later readings are still to be learnt.
     std::optional<std::int64_t> seenUpTo;  ///< The local hour that comes next to be counted as seen.
     bool operator==(const Rhythm&) const = default;

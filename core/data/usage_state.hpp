@@ -11,9 +11,9 @@
 
 namespace vorn {
 
-/// What of an earlier answer, kept from another run or by another program, can still be true: nothing of a clock that
-/// was ahead, and a window that is over only while another is not, so that a session does not vanish at its reset but
-/// stands at nothing used.
+/// The readings of an earlier answer, kept from another run or by another program, that can still be true at `now`.
+/// Readings of a clock that was ahead are left out. A window that is over stays while another one is not, so that a
+/// session does not vanish at its reset but stands at nothing used.
 std::vector<UsageWindow> believable(std::span<const UsageWindow> readings, Instant now);
 
 /// The latest accepted reading of every limit, and the judgement what to believe when sources disagree.
@@ -40,14 +40,14 @@ public:
     [[nodiscard]] const std::map<WindowKind, UsageWindow>& pendingDrops() const { return m_pendingDrops; }
     /// Whether the later of two falls that nothing has confirmed is the earlier one, seen again.
     static bool isSameDrop(const UsageWindow& earlier, const UsageWindow& later);
-    /// Falls that another program saw. Of each only what would still be a fall counts, and nothing where one is known.
+    /// Takes in falls that another program saw: those that would still be falls, of limits without a known one.
     void restorePendingDrops(std::span<const UsageWindow> drops);
 
     /// Absent leaves the stored insights in place: output without a breakdown does not erase the last one.
     void setInsights(std::optional<UsageInsights> insights);
     [[nodiscard]] const std::optional<UsageInsights>& insights() const { return m_insights; }
 
-    /// As stored, by kind.
+    /// The accepted readings as they came, by kind.
     [[nodiscard]] const std::map<WindowKind, UsageWindow>& windows() const { return m_windows; }
     /// Every window as it stands at `now`, ordered by kind: one whose reset time has passed has used 0 and no reset
     /// time, even if no newer reading came.

@@ -27,19 +27,20 @@ std::filesystem::path expandTilde(std::string_view path);
 /// regular file, or larger than `limit` bytes.
 std::optional<std::string> readFile(const std::filesystem::path& path, std::size_t limit = 512U << 20U);
 
-/// The same with the reason in `error`, which is no_such_file_or_directory for a missing file alone, and clear when the
-/// content is there.
+/// `readFile` that tells why: `error` is clear when the content is there, no_such_file_or_directory for a missing file
+/// alone.
 std::optional<std::string> readFile(const std::filesystem::path& path, std::size_t limit, std::error_code& error);
 
-/// The same for a caller who has to tell why: throws std::filesystem::filesystem_error, with
+/// `readFile` that throws std::filesystem::filesystem_error where that is empty, with
 /// std::errc::no_such_file_or_directory for a missing file alone.
 std::string requireFile(const std::filesystem::path& path, std::size_t limit = 512U << 20U);
 
-/// The same for a caller who is going to replace what it has read: empty for a missing file alone, since whatever else
-/// cannot be read may hold something. Throws std::filesystem::filesystem_error for that.
+/// `readFile` before the file is replaced: empty for a missing file alone. Any other file that cannot be read may hold
+/// something, and throws std::filesystem::filesystem_error.
 std::optional<std::string> readToReplace(const std::filesystem::path& path, std::size_t limit = 512U << 20U);
 
-/// Which content a path has, for who looks again and again: another one after the file was written to or replaced.
+/// Stands for the content of a file: the stamp is another one after the file was written to or replaced. Cheap to get,
+/// so that a file that is looked at every few seconds is read only after a change.
 struct FileStamp {
     std::uint64_t device = 0;
     std::uint64_t number = 0;
@@ -47,7 +48,7 @@ struct FileStamp {
     std::int64_t size = 0;      ///< Bytes.
     bool operator==(const FileStamp&) const = default;
 };
-/// Follows links. Empty when there is nothing of that name, or nothing can be told about it.
+/// The stamp of a file, links followed. Empty when there is nothing of that name, or nothing can be told about it.
 std::optional<FileStamp> fileStamp(const std::filesystem::path& path);
 
 /// Whether `path` is a link that a stranger left in a directory that everybody may write to. Nothing of ours is written
@@ -72,10 +73,10 @@ struct Replacement {
     bool followsLinks = true;               ///< Else a link in the file's place is itself replaced.
     std::function<bool()> isStillWanted{};  ///< Asked last, with the new content flushed; absent for "yes".
 };
-/// The same with a choice. False when it was no longer wanted; then nothing has changed.
+/// `replaceFile` with the choices of `replacement`. False when it was no longer wanted; then nothing has changed.
 bool replaceFile(const Replacement& replacement);
 
-/// The same without waiting for the disk, for a file that is soon written again: readers see the old or the new
+/// `replaceFile` without waiting for the disk, for a file that is soon written again: readers see the old or the new
 /// content, but after a power cut it may be empty.
 void replaceFileUnflushed(const std::filesystem::path& path, std::string_view content);
 
@@ -90,11 +91,12 @@ class FileLock {
 public:
     /// Waits at most `patience`; empty when another process still holds it or the file cannot be opened.
     static std::optional<FileLock> acquire(const std::filesystem::path& path, std::chrono::milliseconds patience);
-    /// The same with the reason in `error`: `device_or_resource_busy` when another process holds it.
+    /// `acquire` that tells why in `error`: `device_or_resource_busy` when another process holds the lock.
     static std::optional<FileLock> acquire(const std::filesystem::path& path, std::chrono::milliseconds patience,
                                            std::error_code& error);
-    /// For who replaces `file`: the lock is beside it, named with ".lock" at the end, since what comes in its place is
-    /// another file. Makes their directory. Throws std::filesystem::filesystem_error with the reason, as above.
+    /// The lock to hold while `file` is replaced. It is a file of its own, named with ".lock" at the end, since a lock
+    /// on `file` itself would be one on the old content. Makes the directory of both. Throws
+    /// std::filesystem::filesystem_error: `device_or_resource_busy` when another process holds the lock.
     static FileLock beside(const std::filesystem::path& file, std::chrono::milliseconds patience);
 
     FileLock(FileLock&&) noexcept = default;

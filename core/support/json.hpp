@@ -30,7 +30,7 @@ const nlohmann::json& requireMember(const nlohmann::json& object, const char* ke
 /// The member `key`, or null when it is absent or JSON null.
 const nlohmann::json* findMember(const nlohmann::json& object, const char* key);
 
-/// A finite number, a text, a whole number: anything else throws DecodingError.
+// A finite number, a text, a whole number: anything else throws DecodingError.
 double decodeNumber(const nlohmann::json& value);
 std::string decodeText(const nlohmann::json& value);
 std::int64_t decodeInteger(const nlohmann::json& value);

@@ -54,12 +54,12 @@ public:
     /// Stricter than most readers, since what is read is written back: a comment, a trailing comma, a key that occurs
     /// twice, a byte order mark, invalid UTF-8, half a surrogate pair or more than 256 levels throw ParseError.
     static JSONValue parse(std::string_view text);
-    /// The same without an exception: empty instead, and `failure`, unless null, tells what is wrong.
+    /// `parse` without an exception: empty instead, and `failure`, unless null, tells what is wrong.
     static std::optional<JSONValue> parsed(std::string_view text, std::string* failure = nullptr);
     /// Two blanks a level, keys sorted, "/" and letters beyond ASCII as they are, no line break at the end.
     [[nodiscard]] std::string dump() const;
 
-    /// A null pointer unless the value is of that type; all are for JSON null.
+    // Each is null unless the value is of that type; for JSON null all are.
     [[nodiscard]] const bool* boolean() const { return std::get_if<bool>(&m_payload); }
     [[nodiscard]] const JSONNumber* number() const { return std::get_if<JSONNumber>(&m_payload); }
     [[nodiscard]] const std::string* string() const { return std::get_if<std::string>(&m_payload); }

@@ -13,7 +13,7 @@
 /// that nobody else can enter.
 namespace vorn {
 
-/// Bytes of a line, without the end of it.
+/// The most bytes that a line may have, without its end.
 inline constexpr std::size_t kLongestRequest = std::size_t{64} << 10U;
 
 /// Where the program listens that keeps its files in `home`: in "vorn" in `XDG_RUNTIME_DIR`, else in "vorn-" and the
@@ -21,7 +21,8 @@ inline constexpr std::size_t kLongestRequest = std::size_t{64} << 10U;
 /// there is no such directory or it may be another user's. Says nothing about whether anybody listens there.
 std::optional<std::filesystem::path> findLocalSocket(const std::filesystem::path& home);
 
-/// The same for the program that is going to listen: makes the directory. Throws std::filesystem::filesystem_error.
+/// `findLocalSocket` for the program that is going to listen: makes the directory where it is missing. Throws
+/// std::filesystem::filesystem_error.
 std::filesystem::path makeLocalSocketPlace(const std::filesystem::path& home);
 
 /// Sends the line and returns the answer, neither with its line break. Empty when nobody listens, or does not answer in
@@ -32,7 +33,7 @@ std::optional<std::string> sendRequest(const std::filesystem::path& socket, std:
 /// A socket to listen at, in the place of whatever was left there; it does not block. Throws std::system_error.
 Descriptor listenAt(const std::filesystem::path& socket);
 
-/// The next connection, not blocking either; not open, with `errno` set, when there is none.
+/// The next connection, which does not block; not open, with `errno` set, when there is none.
 Descriptor acceptFrom(const Descriptor& listener);
 
 /// Answers and closes the connection: what does not fit the socket's buffer (some kilobytes do) is not waited for.

@@ -35,7 +35,7 @@ std::optional<Instant> parseIso8601(std::string_view text, Fraction fraction);
 /// "2026-11-22T20:45:00Z": whole seconds (rounded down), UTC. What lies beyond the years that the calendar can count
 /// (-32767 to 32767) reads like the first or last of their days.
 std::string formatIso8601(Instant instant);
-/// "2026-11-22T20:45:00.123Z": the same with milliseconds.
+/// `formatIso8601` with milliseconds: "2026-11-22T20:45:00.123Z".
 std::string formatIso8601Milliseconds(Instant instant);
 
 }  // namespace vorn

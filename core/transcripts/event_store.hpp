@@ -8,7 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "core/data/activity_event.hpp"
+#include "core/data/activity/activity_event.hpp"
 #include "core/transcripts/transcript_line.hpp"
 
 namespace vorn {

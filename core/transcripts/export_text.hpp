@@ -4,7 +4,7 @@
 #include <span>
 #include <string>
 
-#include "core/data/activity_event.hpp"
+#include "core/data/activity/activity_event.hpp"
 #include "core/data/history_sample.hpp"
 
 /// What Vorn knows as tables for other programs. Both forms have one record per reading or reply with the same fields,

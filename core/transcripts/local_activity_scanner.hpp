@@ -9,7 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "core/data/activity_event.hpp"
+#include "core/data/activity/activity_event.hpp"
 #include "core/transcripts/event_store.hpp"
 #include "core/transcripts/transcript_files.hpp"
 #include "core/transcripts/transcript_reader.hpp"

@@ -7,7 +7,7 @@
 
 #include <simdjson.h>
 
-#include "core/data/activity_event.hpp"
+#include "core/data/activity/activity_event.hpp"
 
 namespace vorn {
 

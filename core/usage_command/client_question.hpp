@@ -5,7 +5,7 @@
 #include <string>
 
 #include "core/data/client_answer.hpp"
-#include "core/support/process.hpp"
+#include "core/support/process/process.hpp"
 #include "core/support/time.hpp"
 
 namespace vorn {

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/support/process.hpp"
+#include "core/support/process/process.hpp"
 #include "core/usage_command/usage_command_parser.hpp"
 
 namespace vorn {

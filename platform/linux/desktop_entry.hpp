@@ -13,10 +13,10 @@ class DesktopEntry {
 public:
     explicit DesktopEntry(std::string_view text);
 
-    /// Without the file's escapes; empty when the key is absent.
+    /// The value of a key, without the file's escapes; empty when the key is absent.
     [[nodiscard]] std::optional<std::string> value(std::string_view key) const;
     [[nodiscard]] bool isTrue(std::string_view key) const;
-    /// The parts of a value that separates them by semicolons.
+    /// The value of a key as a list, whose parts are separated by semicolons.
     [[nodiscard]] std::vector<std::string> list(std::string_view key) const;
     /// Whether there is nothing besides these keys: no comment, no other group.
     [[nodiscard]] bool hasOnly(std::span<const std::string_view> keys) const;

@@ -22,7 +22,7 @@ public:
     TrayHost();
 
     [[nodiscard]] Kind kind() const { return m_kind; }
-    /// Whether it puts what comes later to the left of what is there.
+    /// Whether the host puts an item that comes later to the left of those that are there.
     [[nodiscard]] bool addsToTheLeft() const { return m_addsToTheLeft; }
     /// Whether somebody shows what is enrolled, rather than only keeping the list.
     [[nodiscard]] bool isShown() const { return m_kind == Kind::embedded || (m_kind == Kind::notifier && m_hasHost); }
@@ -40,7 +40,7 @@ private:
     void setHasHost(bool hasHost);
     void watcherCame();
     void watcherWent();
-    /// Answers later, and not at all when the bus does not.
+    /// Asks whether `name` has an owner; answers later, and not at all when the bus does not.
     void askForOwner(const QString& name, std::function<void(bool hasOwner)> answer);
     void awaitEmbedding();
     void lookForEmbedding();

@@ -28,7 +28,7 @@ public:
     [[nodiscard]] std::optional<QRect> geometry() const override;
 
 private:
-    /// One of the two, as the host has it.
+    /// One cell: an item on the bus or an icon of Qt's, as the host has it.
     struct Cell {
         std::unique_ptr<NotifierItem> item;
         std::unique_ptr<QSystemTrayIcon> embedded;
@@ -49,8 +49,8 @@ private:
     QString m_toolTip;
     std::vector<Cell> m_cells;   ///< As they came.
     std::size_t m_enrolled = 0;  ///< How many of them the host was told of.
-    QTimer m_enrolling;          ///< Runs while the host takes in the last one.
-    QDeadlineTimer m_patience;   ///< With that one.
+    QTimer m_enrolling;          ///< Runs while the host takes in the last cell.
+    QDeadlineTimer m_patience;   ///< How long that is waited for.
 };
 
 }  // namespace vorn

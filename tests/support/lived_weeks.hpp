@@ -5,7 +5,7 @@
 #include <cmath>
 #include <vector>
 
-#include "core/analysis/activity_summary.hpp"
+#include "core/data/activity/activity_summary.hpp"
 #include "core/data/history_sample.hpp"
 #include "core/support/zone_offsets.hpp"
 

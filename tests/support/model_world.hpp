@@ -11,7 +11,7 @@
 
 #include <gtest/gtest.h>
 
-#include "model/preferences.hpp"
+#include "model/preferences/preferences.hpp"
 #include "model/usage_model.hpp"
 #include "tests/support/temporary_directory.hpp"
 #include "tests/support/wait_until.hpp"

@@ -4,8 +4,8 @@
 #include <utility>
 #include <vector>
 
-#include "core/analysis/activity_summary.hpp"
 #include "core/analysis/matching_samples.hpp"
+#include "core/data/activity/activity_summary.hpp"
 #include "core/data/usage_window.hpp"
 
 /// Readings and activity around one fixed moment, for tests of what is computed from them.

@@ -55,7 +55,7 @@ public:
     double span = 0;   ///< How long the chart is; 0 while there is nothing to draw, which `emptyText` explains.
     double top = 100;  ///< The highest percent drawn.
     double now = 0;
-    double used = 0;          ///< Now.
+    double used = 0;          ///< Percent used now.
     double evenPaceEnd = -1;  ///< Where even use reaches 100 %; negative while that is not known.
     bool isCutShort = false;  ///< A planned reset ends the window there.
     bool isProjected = false;

@@ -47,20 +47,20 @@ public:
     [[nodiscard]] const LimitChartContent& chart() const { return m_content.chart; }
     [[nodiscard]] const LimitChartMarks& marks() const { return m_content.chart.marks; }
     [[nodiscard]] const PaceContent& pace() const { return m_content.pace; }
-    /// Of the same window.
+    /// `content`: of the same window as before.
     void setContent(LimitPanelContent content);
 
     /// How many lines the readings make: one more than there were early resets.
     Q_INVOKABLE int runCount() const;
-    /// One of them, as a plot of so many pixels can show it.
+    /// Line number `run` of the readings, as a plot of `plot` pixels can show it.
     Q_INVOKABLE QList<QPointF> line(int run, QSizeF plot) const;
-    /// The outline of what lies under all of them.
+    /// The outline of what lies under all lines of the readings.
     Q_INVOKABLE QList<QPointF> area(QSizeF plot) const;
-    /// From now to where the projection ends; empty without one.
+    /// The line from now to where the projection ends; empty without one.
     Q_INVOKABLE QList<QPointF> projection(QSizeF plot) const;
     /// What the chart shows at `x`; negative where it shows nothing.
     Q_INVOKABLE double valueAt(double x) const;
-    /// The same in words: "Sat 16:46 · 46%".
+    /// What the chart shows at `x`, in words: "Sat 16:46 · 46%".
     Q_INVOKABLE QString readout(double x) const;
 
 signals:

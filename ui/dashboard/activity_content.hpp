@@ -47,7 +47,7 @@ public:
 /// `period`: a day or a week.
 ActivityContent activityContent(const Answer& answer, PeriodForViews::Period period);
 
-/// Where the last of its buckets ends: until then the same activity gives the same content.
+/// Where the last bucket of the period ends: until then the same activity gives the same content.
 Instant activityEnd(PeriodForViews::Period period, Instant now);
 
 }  // namespace vorn

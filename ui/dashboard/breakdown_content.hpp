@@ -56,7 +56,7 @@ struct MeasuredContent {
 public:
     PeriodForViews::Period period = PeriodForViews::FiveHours;
     QVariantList projects;  ///< `RankedShare`s, the largest first, "Other" last.
-    QVariantList models;    ///< The same.
+    QVariantList models;    ///< `RankedShare`s, likewise.
     QString nothing;        ///< Why there are none; else empty.
     bool operator==(const MeasuredContent&) const = default;
 };

@@ -51,7 +51,7 @@ public:
     Q_INVOKABLE void forgetProblem();
     Q_INVOKABLE void remove(const QString& id);
     Q_INVOKABLE void setBanked(int count);
-    /// The user redeemed one in Claude's settings.
+    /// The user redeemed a banked reset in Claude's settings.
     Q_INVOKABLE void redeem(vorn::ScopeForViews::Scope scope);
 
 signals:
@@ -69,7 +69,7 @@ struct TypedMoment {
     QString date;
     QString time;
 };
-/// The moment, or what is wrong with it.
+/// What was typed as a moment, or what is wrong with it.
 struct ReadMoment {
     std::optional<Instant> moment{};
     ResetProblem problem{};

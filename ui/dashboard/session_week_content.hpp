@@ -28,7 +28,7 @@ public:
     QString left;             ///< "3.4"; empty while the week is unknown.
     QString measured;         ///< What it was learnt from.
     double sessions = 0;      ///< That fit into a week, for drawing; 0 when there are too many to draw.
-    double usedSessions = 0;  ///< Of those.
+    double usedSessions = 0;  ///< How many of `sessions` are used.
     bool operator==(const SessionWeekContent&) const = default;
 };
 

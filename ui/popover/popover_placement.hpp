@@ -17,7 +17,7 @@ struct PopoverAnchor {
     Kind kind = Kind::screenCorner;
     QRect rect;
 
-    /// At the mouse.
+    /// The mouse at `position`.
     static PopoverAnchor atCursor(QPoint position) { return {Kind::cursor, QRect(position, QSize(1, 1))}; }
     static PopoverAnchor inCorner(QPoint onScreen) { return {Kind::screenCorner, QRect(onScreen, QSize(1, 1))}; }
     bool operator==(const PopoverAnchor&) const = default;

@@ -16,11 +16,12 @@ class PopoverWindow : public ViewWindow {
     Q_OBJECT
 
 public:
-    /// All of them must outlive it.
+    /// `model`, `requests` and `engine` must outlive it.
     PopoverWindow(const UsageModel& model, AppRequests& requests, ViewEngine& engine, QObject* parent = nullptr);
     ~PopoverWindow() override;
 
-    /// Shows it with the keyboard focus; moves it when it is shown already. Stays closed where it cannot be loaded.
+    /// Shows the popover with the keyboard focus; moves it when it is shown already. Stays closed where it cannot be
+    /// loaded.
     void open(const PopoverAnchor& anchor);
     /// For a click on the tray or the hot key. The click that closes the popover by being outside it may arrive here as
     /// well: it does not open it again.

@@ -38,7 +38,7 @@ private:
     std::vector<Row> m_rows;
 };
 
-/// A row for each card.
+/// A row for each card of the answer.
 std::vector<WindowListModel::Row> windowRows(const Answer& answer);
 
 }  // namespace vorn

@@ -15,7 +15,7 @@
 #include "core/wording/failure_text.hpp"
 #include "core/wording/format.hpp"
 #include "model/integrations.hpp"
-#include "model/preferences.hpp"
+#include "model/preferences/preferences.hpp"
 #include "ui/controls/left_to_right.hpp"
 
 namespace vorn {

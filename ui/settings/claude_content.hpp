@@ -60,7 +60,7 @@ public:
     QString checkResult;  ///< What the client answered last; empty before the first answer and after a failure.
     QString checkProblem;
     bool isLineSet = false;    ///< The settings run a relay of Vorn's.
-    bool isLineAmiss = false;  ///< But nothing comes from it.
+    bool isLineAmiss = false;  ///< The settings run a relay, but nothing comes from it.
     QString connectAction;     ///< What the button that connects is called; empty for none.
     QString lineTitle;
     QString lineText;
@@ -73,13 +73,13 @@ public:
     bool operator==(const ClaudeContent&) const = default;
 };
 
-/// Must outlive the call only.
+/// What the content is formed from. What it points to must outlive the call only.
 struct ClaudeEvidence {
     const Answer& answer;
     const Preferences& preferences;
     const Integrations& integrations;
     const ClaudeFinder::Finding& finding;
-    ActivityCount activity;  ///< Of the answer's.
+    ActivityCount activity;  ///< Counts the activity of the answer.
 };
 ClaudeContent claudeContent(const ClaudeEvidence& evidence);
 

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "core/support/process.hpp"
+#include "core/support/process/process.hpp"
 #include "core/support/text.hpp"
 #include "core/usage_command/claude_locator.hpp"
 #include "core/usage_command/probe_error.hpp"

@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "model/integrations.hpp"
-#include "model/preferences.hpp"
+#include "model/preferences/preferences.hpp"
 #include "model/usage_model.hpp"
 
 namespace vorn {

@@ -19,7 +19,7 @@ class ClaudePresenter : public QObject {
     Q_PROPERTY(vorn::ClaudeContent content READ content NOTIFY changed FINAL)
 
 public:
-    /// All of them must outlive it.
+    /// What is shown and changed; all of it must outlive the presenter.
     struct Sources {
         UsageModel& model;
         Preferences& preferences;
@@ -45,7 +45,7 @@ private:
 
     const Sources m_sources;
     std::shared_ptr<const ActivitySummary> m_counted;
-    ActivityCount m_count;  ///< Of `m_counted`.
+    ActivityCount m_count;  ///< Counts `m_counted`.
     ClaudeContent m_content;
 };
 

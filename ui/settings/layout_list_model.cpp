@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "model/preferences.hpp"
+#include "model/preferences/preferences.hpp"
 
 namespace vorn {
 namespace {

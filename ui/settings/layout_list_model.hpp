@@ -4,7 +4,7 @@
 
 #include <QtQml/qqmlregistration.h>
 
-#include "model/menu_bar_layout.hpp"
+#include "model/preferences/menu_bar_layout.hpp"
 
 namespace vorn {
 

@@ -16,7 +16,7 @@ public:
     /// All of `deps` and `finder` must outlive it.
     SettingsPages(const SettingsWindow::Deps& deps, ClaudeFinder& finder);
 
-    /// What the view is made with, on that page.
+    /// The properties that the view is made with, to begin on `page`.
     [[nodiscard]] QVariantMap properties(SettingsWindow::Page page);
 
 private:

@@ -4,7 +4,7 @@
 
 #include "core/wording/format.hpp"
 #include "model/integrations.hpp"
-#include "model/preferences.hpp"
+#include "model/preferences/preferences.hpp"
 #include "platform/hot_key.hpp"
 #include "platform/notification_center.hpp"
 #include "ui/controls/left_to_right.hpp"

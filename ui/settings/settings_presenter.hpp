@@ -25,7 +25,7 @@ public:
     /// What became of the test notice; empty before the first one.
     [[nodiscard]] const QString& testText() const { return m_testText; }
 
-    /// `index`: in the content's intervals; nothing for one that is not there. The same below.
+    // Indices are those of the content's lists; one that is not there changes nothing.
     Q_INVOKABLE void setInterval(int index);
     Q_INVOKABLE void setGlyphStyle(int index);
     Q_INVOKABLE void setLaunchAtLogin(bool on);
@@ -35,7 +35,7 @@ public:
     Q_INVOKABLE void setNotifyLimited(bool on);
     Q_INVOKABLE void setNotifyReset(bool on);
     Q_INVOKABLE void setUseLocalActivity(bool on);
-    /// Nothing where the desktop shows no notices.
+    /// Posts a notice for trying; nothing where the desktop shows no notices.
     Q_INVOKABLE void sendTest();
 
 signals:

@@ -24,11 +24,11 @@ class SettingsWindow : public ViewWindow {
     Q_OBJECT
 
 public:
-    /// In the order in which they are listed.
+    /// The pages, in the order in which they are listed.
     enum class Page : std::uint8_t { general, menuBar, notifications, claudeCode };
     static constexpr std::array kPages{Page::general, Page::menuBar, Page::notifications, Page::claudeCode};
 
-    /// All of them must outlive the window.
+    /// What the window shows and changes; all of it must outlive the window.
     struct Deps {
         Preferences& preferences;
         Integrations& integrations;

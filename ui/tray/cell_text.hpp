@@ -20,7 +20,7 @@ struct Line {
 /// How one of the tray's texts is set: one line, or two where it has two parts.
 std::vector<Line> lines(std::string_view text);
 
-/// As large as a square of `side` device pixels at the painter's origin allows.
+/// Paints the lines as large as a square of `side` device pixels at the painter's origin allows.
 void paint(QPainter& painter, const std::vector<Line>& lines, int side, const QColor& color);
 
 }  // namespace vorn::CellText

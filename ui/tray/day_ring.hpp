@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "core/analysis/vorn_steer.hpp"
-#include "model/menu_bar_layout.hpp"
+#include "model/preferences/menu_bar_layout.hpp"
 
 class QColor;
 class QPainter;
@@ -37,7 +37,7 @@ struct Dash {  ///< no decision yet
 };
 using Center = std::variant<EvenPace, Arrow, None, Stop, Dash>;
 
-/// `evenPace`: the used percent that even spending would show now.
+/// What stands in the middle of a ring. `evenPace`: the used percent that even spending would show now.
 Center center(GlyphStyle style, const std::optional<VornSteer>& steer, std::optional<double> evenPace);
 
 struct Mark {
@@ -61,7 +61,7 @@ struct Ring {
     Center center = None{};
 };
 
-/// In the order in which they are painted.
+/// What the ring is drawn with, in the order of painting.
 std::vector<Mark> marks(const Ring& ring);
 
 /// Paints the marks from the painter's origin, in one colour.

@@ -24,7 +24,7 @@ public:
     static bool isSign(QStringView text);
 
     [[nodiscard]] double width(QStringView text) const;
-    /// Of a capital letter or digit; whole pixels, at least 1.
+    /// The height of a capital letter or digit; whole pixels, at least 1.
     [[nodiscard]] int capHeight() const { return m_capHeight; }
     /// `start`: the left end of the base line.
     void draw(QPainter& painter, QPointF start, QStringView text, const QColor& color) const;

@@ -4,7 +4,7 @@
 #include <array>
 
 #include "demo/demo_answer.hpp"
-#include "model/preferences.hpp"
+#include "model/preferences/preferences.hpp"
 #include "model/usage_model.hpp"
 #include "platform/desktop_appearance.hpp"
 #include "platform/panel_brightness.hpp"

@@ -27,7 +27,7 @@ class LiveGlyph : public QObject {
     Q_PROPERTY(QString spoken READ spoken NOTIFY changed FINAL)
 
 public:
-    /// All of them must outlive it.
+    /// What the glyph is made from; all of it must outlive the object.
     struct Sources {
         Preferences& preferences;
         const UsageModel& model;
@@ -46,7 +46,7 @@ public:
 
     [[nodiscard]] bool hasCells() const { return m_sources.hasCells; }
     [[nodiscard]] const MenuBarGlyph::Look& look() const { return m_look; }
-    /// One for every item that is on; never empty.
+    /// One part for every item that is on; never empty.
     [[nodiscard]] const std::vector<MenuBarPart>& items() const { return m_items; }
     /// What stands there when only one ring is wanted.
     [[nodiscard]] const std::vector<MenuBarPart>& singleRing() const { return m_singleRing; }

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "core/analysis/answer.hpp"
-#include "model/menu_bar_layout.hpp"
+#include "model/preferences/menu_bar_layout.hpp"
 #include "ui/tray/day_ring.hpp"
 
 namespace vorn {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "model/preferences.hpp"
+#include "model/preferences/preferences.hpp"
 #include "platform/desktop_appearance.hpp"
 #include "platform/panel_brightness.hpp"
 

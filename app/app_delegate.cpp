@@ -142,7 +142,7 @@ void AppDelegate::followProject() {
 
 void AppDelegate::connectWindows() {
     connect(&m_popover, &PopoverWindow::opened, this, [this] {
-        m_model->refreshIfStale();
+        m_model->refreshForViewer();
         m_integrations.refresh();
     });
     connect(&m_requests, &AppRequests::refresh, m_model.get(), &UsageModel::probe);
@@ -157,7 +157,7 @@ void AppDelegate::connectDesktop() {
     connect(m_statusItem.get(), &StatusItem::activated, this, [this] { togglePopover(anchorOfClick()); });
     connect(m_statusItem.get(), &StatusItem::hostChanged, this, &AppDelegate::updateStatusItem);
     connect(m_hotKey.get(), &HotKey::pressed, this, [this] { togglePopover(PopoverAnchor::inCorner(QCursor::pos())); });
-    connect(m_wakeSignal.get(), &WakeSignal::woke, m_model.get(), &UsageModel::refreshIfStale);
+    connect(m_wakeSignal.get(), &WakeSignal::woke, m_model.get(), &UsageModel::refreshForViewer);
     connect(m_panelBrightness.get(), &PanelBrightness::changed, this, &AppDelegate::updateStatusItem);
     if (m_notificationCenter) {
         connect(m_notificationCenter.get(), &NotificationCenter::activated, this, &AppDelegate::showPopover);
@@ -188,7 +188,7 @@ void AppDelegate::showPopover() {
 
 void AppDelegate::openDashboard() {
     m_popover.close();
-    m_model->refreshIfStale();
+    m_model->refreshForViewer();
     m_dashboard.open();
 }
 

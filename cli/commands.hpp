@@ -23,6 +23,7 @@ struct CommandContext {
 void addStatusCommand(CLI::App& app, CommandContext& context);
 void addActivityCommand(CLI::App& app, CommandContext& context);
 void addExportCommand(CLI::App& app, CommandContext& context);
+void addLogCommand(CLI::App& app, CommandContext& context);
 void addPlanCommand(CLI::App& app, CommandContext& context);
 void addConnectCommand(CLI::App& app, CommandContext& context);
 void addDisconnectCommand(CLI::App& app, CommandContext& context);

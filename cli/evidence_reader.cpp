@@ -6,6 +6,7 @@
 
 #include "cli/breakdown_file.hpp"
 #include "cli/probing_turn.hpp"
+#include "core/analysis/outcomes.hpp"
 #include "core/data/history/history_store.hpp"
 #include "core/data/ledger.hpp"
 #include "core/data/reset_plan_store.hpp"
@@ -67,6 +68,7 @@ private:
     HistoryStore m_history;
     std::vector<HistorySample> m_samples;  ///< What the history holds; copied no more often than it changes.
     Ledger m_ledger;
+    std::vector<Outcome> m_moved;
     Asking m_asking;
     bool m_isSaved = true;  ///< The file has the whole history.
 };
@@ -82,6 +84,7 @@ void Look::gather() {
     m_asking.hasAnswered = m_record.lastProbeAt && !m_record.failure && m_record.readings.empty();
     if (const auto snapshot = StatusLineSnapshot::read(VornPaths::statusLineSnapshot())) {
         const Ledger::Taken taken = m_ledger.takeSnapshot(believable(snapshot->windows(), now()), now());
+        m_moved = taken.moved;
         store(taken.toRecord);
         if (taken.isMemoryChanged) {
             remember();
@@ -155,6 +158,7 @@ void Look::ask() {
 void Look::takeAnswer(const ClientAnswer& answer) {
     m_asking.hasAnswered = true;
     const Ledger::Taken taken = m_ledger.takeAnswer(answer, now());
+    m_moved = taken.moved;
     store(taken.toRecord);
     if (mayWrite()) {
         saveBreakdown(m_ledger.state().insights());
@@ -166,6 +170,8 @@ void Look::store(const std::vector<UsageWindow>& believed) {
     if (!mayWrite() || m_history.add(believed, now()).empty()) {
         return;
     }
+    m_samples = m_history.all();
+    OutcomeStore(VornPaths::outcomes()).add(VornEngine::outcomes(m_samples, now()), now());
     m_isSaved = m_history.flush(now()).isSaved;
     m_samples = m_history.all();
 }
@@ -202,6 +208,7 @@ void Look::remember(const std::function<void(ProbeRecord&)>& change) {
 Evidence Look::evidence() const {
     Evidence evidence{.windows = m_ledger.windows(now()),
                       .others = m_ledger.others(),
+                      .moved = m_moved,
                       .useActivity = m_choices.useLocalActivity,
                       .plan = ResetPlanStore(VornPaths::resetPlan()).load().pruned(now()),
                       .insights = m_ledger.state().insights(),

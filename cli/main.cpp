@@ -66,6 +66,7 @@ int run(int argc, char** argv) {
     vorn::cli::addStatusCommand(app, context);
     vorn::cli::addActivityCommand(app, context);
     vorn::cli::addExportCommand(app, context);
+    vorn::cli::addLogCommand(app, context);
     vorn::cli::addPlanCommand(app, context);
     vorn::cli::addConnectCommand(app, context);
     vorn::cli::addDisconnectCommand(app, context);

@@ -59,21 +59,22 @@ _vornctl() {
         fi
         case "$place/$word" in
             */--claude | */--root | */--format | */--demo | */--scope | */--since | */--now | */--note | */--output) skip=yes ;;
-            /status | /activity | /export | /plan | /connect | /disconnect) place=$word ;;
+            /status | /activity | /log | /export | /plan | /connect | /disconnect) place=$word ;;
             /help) place=help ;;
-            plan/add | plan/remove | plan/list | plan/bank | plan/redeem | help/status | help/activity | help/export | help/plan | \
+            plan/add | plan/remove | plan/list | plan/bank | plan/redeem | help/status | help/activity | help/log | help/export | help/plan | \
                 help/connect | help/disconnect)
                 place="$place $word" ;;
         esac
     done
 
     case $place in
-        '') _vornctl_offer 'status activity export plan connect disconnect help --version --help' "$current" ;;
-        help) _vornctl_offer 'status activity export plan connect disconnect' "$current" ;;
+        '') _vornctl_offer 'status activity log export plan connect disconnect help --version --help' "$current" ;;
+        help) _vornctl_offer 'status activity log export plan connect disconnect' "$current" ;;
         status)
             _vornctl_offer '--claude --probe --no-probe --rates --json --format --demo --demo-if-empty --now --watch
                 --help' "$current" ;;
         activity) _vornctl_offer '--since --root --now --json --help' "$current" ;;
+        log) _vornctl_offer '--since --now --json --help' "$current" ;;
         export) _vornctl_offer 'history activity --format --since --root --now --output --help' "$current" ;;
         plan) _vornctl_offer 'add remove list bank redeem --help' "$current" ;;
         'help plan') _vornctl_offer 'add remove list bank redeem' "$current" ;;

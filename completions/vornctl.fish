@@ -43,6 +43,7 @@ complete -c vornctl -s h -l help -d 'Show this help'
 for at in '' help
     complete -c vornctl -n "__vornctl_at $at" -a status -d 'How much of each limit is used, and where that leads'
     complete -c vornctl -n "__vornctl_at $at" -a activity -d 'What Claude Code did on this machine'
+    complete -c vornctl -n "__vornctl_at $at" -a log -d 'What happened to each limit'
     complete -c vornctl -n "__vornctl_at $at" -a export -d 'The readings or the activity as a table'
     complete -c vornctl -n "__vornctl_at $at" -a plan -d 'Resets that you expect ahead of schedule, or hold'
     complete -c vornctl -n "__vornctl_at $at" -a connect -d "Have Claude Code's status line report to Vorn"
@@ -67,6 +68,11 @@ complete -c vornctl -n $in_activity -l since -x -a '1h 5h 24h 7d 30d' -d 'How fa
 complete -c vornctl -n $in_activity -l root -x -a '(__fish_complete_directories)' -d "Claude Code's configuration directory"
 complete -c vornctl -n $in_activity -l now -x -d 'Take this moment as now'
 complete -c vornctl -n $in_activity -l json -d 'Print one JSON object'
+
+set -l in_log '__vornctl_in log'
+complete -c vornctl -n $in_log -l since -x -a '24h 7d 30d 365d' -d 'How far back to look'
+complete -c vornctl -n $in_log -l now -x -d 'Take this moment as now'
+complete -c vornctl -n $in_log -l json -d 'Print one JSON object'
 
 set -l in_export '__vornctl_in export'
 complete -c vornctl -n '__vornctl_at export' -a 'history activity'

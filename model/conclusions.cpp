@@ -26,6 +26,8 @@ void Conclusions::draw(const Basis& basis, Instant now) {
     m_steer = VornEngine::steer(m_assessments, kindOf(m_steer), VornEngine::kSteerSwitchMargin);
     updateRatio(readings.history());
     m_answer = VornEngine::formAnswer({.windows = windows,
+                                       .others = readings.others(),
+                                       .moved = readings.moved(now),
                                        .history = &readings.index(),
                                        .activity = basis.activity.summary(),
                                        .useActivity = basis.isDemo || basis.useActivity,

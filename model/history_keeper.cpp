@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "core/analysis/outcomes.hpp"
 #include "model/background_queue.hpp"
 
 namespace vorn {
@@ -11,8 +12,9 @@ struct HistoryKeeper::Content {
     HistoryIndex index;
 };
 
-HistoryKeeper::HistoryKeeper(std::unique_ptr<HistoryStore> store, BackgroundQueue& disk)
-    : m_store(std::move(store)), m_disk(disk) {}
+HistoryKeeper::HistoryKeeper(std::unique_ptr<HistoryStore> store, std::optional<OutcomeStore> outcomes,
+                             BackgroundQueue& disk)
+    : m_outcomes(std::move(outcomes)), m_store(std::move(store)), m_disk(disk) {}
 
 HistoryKeeper::Content HistoryKeeper::read(HistoryStore& store) {
     Content content{.samples = store.all(), .index = {}};
@@ -67,8 +69,11 @@ void HistoryKeeper::flush(Instant now) {
     if (m_isFlushQueued->exchange(true)) {
         return;  // that one will find what is new
     }
-    const bool isRunning = m_disk.run([this, store = m_store, isQueued = m_isFlushQueued, now] {
+    const bool isRunning = m_disk.run([this, store = m_store, outcomes = m_outcomes, isQueued = m_isFlushQueued, now] {
         *isQueued = false;
+        if (outcomes) {  // before anything is pruned
+            outcomes->add(VornEngine::outcomes(store->all(), now), now);
+        }
         const HistoryStore::Flushed flushed = store->flush(now);
         return [this, flushed] {
             finishFlush(flushed);

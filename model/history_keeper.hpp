@@ -3,11 +3,13 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
 #include "core/analysis/history_index.hpp"
 #include "core/data/history/history_store.hpp"
+#include "core/data/outcome.hpp"
 
 namespace vorn {
 
@@ -16,8 +18,8 @@ class BackgroundQueue;
 /// The history for the main thread: always in memory and indexed, read and written in the background.
 class HistoryKeeper {
 public:
-    /// `disk` must outlive the keeper.
-    HistoryKeeper(std::unique_ptr<HistoryStore> store, BackgroundQueue& disk);
+    /// `disk` must outlive the keeper. `outcomes`: where what the readings tell of each limit is kept; may be absent.
+    HistoryKeeper(std::unique_ptr<HistoryStore> store, std::optional<OutcomeStore> outcomes, BackgroundQueue& disk);
 
     /// Reads the file; `done` runs on the main thread. Only the first call counts.
     void load(const std::function<void()>& done);
@@ -48,6 +50,7 @@ private:
     void flush(Instant now);
     void finishFlush(HistoryStore::Flushed flushed);
 
+    const std::optional<OutcomeStore> m_outcomes;
     const std::shared_ptr<HistoryStore> m_store;  ///< Shared with the job that is reading or writing.
     BackgroundQueue& m_disk;
     std::vector<HistorySample> m_samples;

@@ -23,7 +23,8 @@ ModelParts makeModelParts() {
             .history = std::make_unique<HistoryStore>(VornPaths::history(), HistoryStore::defaultRetention,
                                                       HistoryStore::defaultHeartbeat, kHistoryPatience),
             .resetPlan = ResetPlanStore(VornPaths::resetPlan()),
-            .probeRecord = ProbeRecordStore(VornPaths::probeRecord())};
+            .probeRecord = ProbeRecordStore(VornPaths::probeRecord()),
+            .outcomes = OutcomeStore(VornPaths::outcomes())};
 }
 
 }  // namespace vorn

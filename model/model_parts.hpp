@@ -1,8 +1,10 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include "core/data/history/history_store.hpp"
+#include "core/data/outcome.hpp"
 #include "core/data/probe_record.hpp"
 #include "core/data/reset_plan_store.hpp"
 #include "model/model_clock.hpp"
@@ -21,6 +23,7 @@ struct ModelParts {
     std::unique_ptr<HistoryStore> history;
     ResetPlanStore resetPlan;
     ProbeRecordStore probeRecord;
+    std::optional<OutcomeStore> outcomes{};
 };
 
 /// The real clock, sources and stores of this user, at the places that `VornPaths` names now.

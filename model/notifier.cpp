@@ -28,7 +28,7 @@ Seconds warningHorizon(const WindowKind& kind) {
 
 /// "risk:week@1": what the desktop knows the notice by.
 std::string identifier(Notifier::Event event, const WindowKind& kind, double number) {
-    constexpr std::array kNames{"risk", "limited", "reset"};
+    constexpr std::array kNames{"risk", "limited", "reset", "moved", "credits"};
     return fmt::format("{}:{}@{:.0f}", kNames.at(static_cast<std::size_t>(event)), kind.key(), number);
 }
 
@@ -60,8 +60,30 @@ void Notifier::requestAuthorization(std::function<void()> onGranted) {
 }
 
 void Notifier::evaluate(const Answer& answer, const Preferences& preferences) {
-    if (answer.isJudged && !answer.isDemo) {
-        evaluate(answer.assessments(), preferences, answer.now);
+    if (!answer.isJudged || answer.isDemo) {
+        return;
+    }
+    evaluate(answer.assessments(), preferences, answer.now);
+    evaluateCredits(answer, preferences);
+    for (const Outcome& moved : answer.moved) {
+        if (const WindowAssessment* const assessment = answer.find(moved.kind);
+            preferences.notifyReset() && assessment) {
+            send(Event::moved, assessment->window, Format::movedNotice(moved, answer.now));
+        }
+    }
+}
+
+/// A limit that is reached ends nothing where credits take over: whoever works on should know that it costs.
+void Notifier::evaluateCredits(const Answer& answer, const Preferences& preferences) {
+    const auto& credits = answer.others.credits;
+    if (!credits) {
+        return;
+    }
+    const auto before = std::exchange(m_lastSpent, credits->spent);
+    const WindowAssessment* const urgent = answer.urgentAssessment();
+    if (preferences.notifyLimited() && credits->isEnabled && before && credits->spent > *before && urgent != nullptr &&
+        urgent->status == VornStatus::limited) {
+        send(Event::credits, urgent->window, Format::creditsNotice(urgent->window, *credits));
     }
 }
 

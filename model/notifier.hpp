@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <span>
 #include <tuple>
@@ -19,7 +20,7 @@ class Preferences;
 /// Tells the user once per window instance that a limit is near, reached, or has reset. Main thread only.
 class Notifier {
 public:
-    enum class Event : std::uint8_t { risk, limited, reset };
+    enum class Event : std::uint8_t { risk, limited, reset, moved, credits };
 
     /// `center`: null where the system has none; must outlive the notifier.
     explicit Notifier(NotificationCenter* center) : m_center(center) {}
@@ -37,6 +38,7 @@ public:
     void evaluate(std::span<const WindowAssessment> assessments, const Preferences& preferences, Instant now);
 
 private:
+    void evaluateCredits(const Answer& answer, const Preferences& preferences);
     void evaluateOne(const WindowAssessment& assessment, const Preferences& preferences, Instant now);
     /// Posts the notice unless the same event was posted about this instance of the window.
     void send(Event event, const UsageWindow& window, const Format::NoticeText& text);
@@ -45,6 +47,7 @@ private:
     /// What was posted in this run; the number is that of the window's instance.
     std::set<std::tuple<Event, WindowKind, double>> m_sent;
     std::map<WindowKind, VornStatus> m_lastStatus;
+    std::optional<double> m_lastSpent;  ///< Of the credits.
     /// Shared, so that an answer that comes after our end finds nobody.
     std::shared_ptr<bool> m_authorized = std::make_shared<bool>(false);
 };

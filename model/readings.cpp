@@ -1,16 +1,28 @@
 #include "model/readings.hpp"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
+#include "model/background_queue.hpp"
+
 namespace vorn {
+namespace {
+
+/// How long it is worth telling that a reset time moved.
+constexpr Seconds kNews{3600};
+
+}  // namespace
 
 Readings::Readings(std::unique_ptr<SnapshotSource> snapshot, std::unique_ptr<HistoryStore> history,
-                   ProbeRecordStore record, const ModelClock& clock, BackgroundQueue& disk)
+                   ProbeRecordStore record, std::optional<OutcomeStore> outcomes, const ModelClock& clock,
+                   BackgroundQueue& disk)
     : m_snapshot(std::move(snapshot)),
       m_clock(clock),
-      m_history(std::move(history), disk),
-      m_probeMemory(std::move(record), disk) {
+      m_history(std::move(history), outcomes, disk),
+      m_probeMemory(std::move(record), disk),
+      m_outcomes(std::move(outcomes)),
+      m_disk(disk) {
     m_history.onFlushed = [this] {
         if (!m_isDetached && onNews) {
             onNews();
@@ -92,6 +104,33 @@ void Readings::takeFailure(const ProbeFailure& failure) {
     saveRecord();
 }
 
+bool Readings::takeRefusals(std::span<const RefusedTurn> refusals) {
+    const Instant now = m_clock.now();
+    if (m_isDetached || !m_ledger.takeRefusals(refusals, now)) {
+        return false;
+    }
+    if (m_outcomes) {
+        const auto isQueued = m_disk.run([store = *m_outcomes, reached = outcomesOf(refusals), now] {
+            store.add(reached, now);
+            return nullptr;
+        });
+        static_cast<void>(isQueued);  // the next start reads the transcripts again
+    }
+    return true;
+}
+
+std::vector<Outcome> Readings::moved(Instant now) const {
+    std::vector<Outcome> recent;
+    std::ranges::copy_if(m_moved, std::back_inserter(recent),
+                         [&](const Outcome& outcome) { return now - outcome.at < kNews; });
+    return recent;
+}
+
+bool Readings::hasOpenDoubt() const {
+    const auto since = m_ledger.doubtsSince();
+    return since && (!m_asked.lastProbeAt || *since > *m_asked.lastProbeAt);
+}
+
 void Readings::announceReset(PlannedReset::Scope scope) {
     std::set<WindowKind> covered;
     for (const auto& [kind, window] : state().windows()) {
@@ -130,6 +169,7 @@ Asking Readings::asking(Seconds refresh) const {
 
 void Readings::keep(const Ledger::Taken& taken) {
     using Stored = HistoryStore::Stored;
+    m_moved.insert(m_moved.end(), taken.moved.begin(), taken.moved.end());
     m_history.add(taken.toRecord, m_clock.now(), taken.isRecordedElsewhere ? Stored::byAnotherProcess : Stored::notYet);
     if (taken.isMemoryChanged) {
         saveRecord();  // what was announced has been seen, or a fall has been seen once: others have to know

@@ -22,7 +22,7 @@ class Readings {
 public:
     /// `clock` and `disk` must outlive it. `snapshot` may be null for a demonstration.
     Readings(std::unique_ptr<SnapshotSource> snapshot, std::unique_ptr<HistoryStore> history, ProbeRecordStore record,
-             const ModelClock& clock, BackgroundQueue& disk);
+             std::optional<OutcomeStore> outcomes, const ModelClock& clock, BackgroundQueue& disk);
 
     /// Reads the history in the background; `onNews` comes when readings can be judged by it.
     void load();
@@ -35,12 +35,19 @@ public:
 
     void takeAnswer(const ClientAnswer& answer);
     void takeFailure(const ProbeFailure& failure);
+    /// What the transcripts tell of refused turns, all that are known. True when that changed anything.
+    bool takeRefusals(std::span<const RefusedTurn> refusals);
     /// The user announced a reset of the windows there are.
     void announceReset(PlannedReset::Scope scope);
     /// For a demonstration: these instead, from no file and kept in none.
     void replace(std::span<const UsageWindow> windows, UsageInsights insights, std::vector<HistorySample> history);
 
     [[nodiscard]] const UsageState& state() const { return m_ledger.state(); }
+    [[nodiscard]] const OtherLimits& others() const { return m_ledger.others(); }
+    /// Reset times that were seen to change within the last hour.
+    [[nodiscard]] std::vector<Outcome> moved(Instant now) const;
+    /// A large fall that nobody has asked the client about.
+    [[nodiscard]] bool hasOpenDoubt() const;
     /// The windows as they stand now, by kind.
     [[nodiscard]] std::vector<UsageWindow> current(Instant now);
     [[nodiscard]] const std::vector<HistorySample>& history() const { return m_history.samples(); }
@@ -68,6 +75,9 @@ private:
     ProbeMemory m_probeMemory;
     Ledger m_ledger;
     ProbeRecord m_asked;  ///< What it says of asking; of readings the ledger knows.
+    std::vector<Outcome> m_moved;
+    const std::optional<OutcomeStore> m_outcomes;
+    BackgroundQueue& m_disk;
     std::optional<Instant> m_lastStatusLineAt;
     std::optional<FileStamp> m_lastSnapshot;  ///< The snapshot that was read last.
     bool m_isDetached = false;                ///< From all files.

@@ -13,6 +13,8 @@ constexpr Seconds kScanInterval{30};
 constexpr Seconds kRecomputeInterval{30};
 /// A reading older than this is refreshed when somebody looks.
 constexpr Seconds kStaleAge{60};
+/// No two questions of any Vorn are closer than this unless the user asks.
+constexpr Seconds kLeastRest{120};
 /// How many ticks a verdict waits for the first scan: rates from local activity tell another story than the history
 /// does, and a transcript folder on a dead network drive may never be read.
 constexpr int kScanPatience = 2;
@@ -30,7 +32,8 @@ UsageModel::UsageModel(Preferences& preferences, ModelParts parts, QObject* pare
       m_ticker(std::move(parts.ticker)),
       m_probe(std::move(parts.probe)),
       m_activity(std::move(parts.activity)),
-      m_readings(std::move(parts.snapshot), std::move(parts.history), std::move(parts.probeRecord), *m_clock, m_disk),
+      m_readings(std::move(parts.snapshot), std::move(parts.history), std::move(parts.probeRecord),
+                 std::move(parts.outcomes), *m_clock, m_disk),
       m_plan(std::move(parts.resetPlan)),
       m_now(m_clock->now()) {
     m_readings.onNews = [this] {
@@ -78,13 +81,36 @@ void UsageModel::tick() {
     if (m_preferences.useLocalActivity() && (!scanned || isAhead(*scanned) || m_now - *scanned > kScanInterval)) {
         scanActivity();
     }
-    if (isProbeDue(m_readings.asked(), refreshInterval(), m_now)) {
+    if (isProbeDue(m_readings.asked(), refreshInterval(), m_now) || (isWorthAsking() && mayAskAgain())) {
         probe();
     }
     const bool isRecomputeDue =
         !m_lastRecompute || isAhead(*m_lastRecompute) || m_now - *m_lastRecompute >= kRecomputeInterval;
     if (hasNewPlan || hasNewRecord || hasNewSnapshot || isRecomputeDue || m_ticks == kScanPatience) {
         recompute();
+    }
+}
+
+/// What is shown may be wrong by more than figures change between two regular questions.
+bool UsageModel::isWorthAsking() const {
+    return m_readings.hasOpenDoubt() || answer().hasBurst();
+}
+
+/// Not in the rest after a failure, and not soon after anybody asked: the service refuses who asks every minute.
+bool UsageModel::mayAskAgain() const {
+    const ProbeRecord& asked = m_readings.asked();
+    return asked.consecutiveFailures == 0 && !askedLately();
+}
+
+bool UsageModel::askedLately() const {
+    const auto last = lastProbeAt();
+    const Instant now = m_clock->now();
+    return last && now - *last < kLeastRest && !(*last > now + kClockSlack);
+}
+
+void UsageModel::refreshForViewer() {
+    if (!askedLately()) {
+        refreshIfStale();
     }
 }
 

@@ -56,6 +56,8 @@ public:
     void probeAnew();
     /// `probe` when the freshest reading is more than 60 s old.
     void refreshIfStale();
+    /// The same unless the client was asked within two minutes: for a window that opens, and after a sleep.
+    void refreshForViewer();
     /// Forms the answer anew, for the present moment.
     void recompute();
     /// Replaces everything by invented data; from then on nothing is read or written.
@@ -110,6 +112,9 @@ private:
     [[nodiscard]] bool isAhead(Instant stamp) const;
     [[nodiscard]] Seconds refreshInterval() const;
     [[nodiscard]] bool mayJudge() const;
+    [[nodiscard]] bool isWorthAsking() const;
+    [[nodiscard]] bool mayAskAgain() const;
+    [[nodiscard]] bool askedLately() const;
     void finishProbe(const ProbeSource::Answer& answer);
     void scanActivity();
     void editPlan(const PlanKeeper::Change& change);

@@ -1,5 +1,9 @@
 #include "core/data/ledger.hpp"
 
+#include <algorithm>
+#include <span>
+#include <utility>
+
 #include <gtest/gtest.h>
 
 #include "tests/support/readings.hpp"
@@ -126,6 +130,147 @@ TEST(Ledger, TakesNothingOldFromARecord) {
     ledger.begin({}, kNow);
     EXPECT_TRUE(ledger.takeRecord(record, {}, kNow).toRecord.empty());
     EXPECT_TRUE(ledger.state().windows().empty());
+}
+
+ClientAnswer answered(std::vector<UsageWindow> windows, Seconds after, Seconds fetchedBefore = 0s) {
+    for (UsageWindow& window : windows) {
+        window.observedAt = kNow + after - fetchedBefore;
+    }
+    return {.windows = std::move(windows),
+            .fetchedAt = kNow + after - fetchedBefore,
+            .answeredAt = kNow + after,
+            .isComplete = true};
+}
+
+UsageWindow told(const UsageWindow& by, DataSource source) {
+    UsageWindow window = by;
+    window.source = source;
+    return window;
+}
+
+TEST(Ledger, TakesNothingTwiceThatIsNotNewer) {
+    Ledger ledger;
+    ledger.begin(std::vector{session(90)}, kNow);
+    EXPECT_TRUE(ledger.takeAnswer(answered({session(60)}, 30s, 60s), kNow + 30s).toRecord.empty()) << "older";
+    EXPECT_EQ(held(ledger), 90);
+    // A fall in an answer from the cache, told twice with one time, is one look at it.
+    const ClientAnswer cached = answered({session(60)}, 100s, 70s);
+    EXPECT_EQ(ledger.takeAnswer(cached, kNow + 100s).toRecord.size(), 1U);
+    EXPECT_TRUE(ledger.takeAnswer(cached, kNow + 400s).toRecord.empty());
+    EXPECT_EQ(held(ledger), 90);
+    EXPECT_TRUE(ledger.doubts());
+    EXPECT_EQ(ledger.doubtsSince(), kNow + 30s);
+}
+
+TEST(Ledger, BelievesAFallThatTheOtherSourceShowsToo) {
+    for (const auto& [second, believed] : {std::pair(told(session(5, 20s), DataSource::statusLine), 5.0),
+                                           std::pair(told(session(5, 20s), DataSource::usageCommand), 40.0),
+                                           std::pair(told(session(38, 20s), DataSource::statusLine), 40.0),
+                                           std::pair(told(session(5, 9s), DataSource::statusLine), 40.0)}) {
+        Ledger ledger;
+        ledger.begin(std::vector{session(40)}, kNow);
+        ledger.takeAnswer({.windows = {session(5, 10s)}}, kNow + 10s);
+        ledger.takeSnapshot({second}, kNow + 20s);
+        EXPECT_EQ(held(ledger), believed) << second.usedPercent << "%, " << rawValue(second.source);
+    }
+    // Turns every twenty seconds never lie a minute apart; the first of them counts.
+    Ledger busy;
+    busy.begin(std::vector{session(40)}, kNow);
+    for (const Seconds after : {20s, 40s, 60s}) {
+        busy.takeSnapshot({session(5, after)}, kNow + after);
+        EXPECT_EQ(held(busy), 40);
+    }
+    busy.takeSnapshot({session(6, 80s)}, kNow + 80s);
+    EXPECT_EQ(held(busy), 6);
+    EXPECT_FALSE(busy.doubts());
+}
+
+TEST(Ledger, LetsGoOfALimitThatIsNoLongerListed) {
+    const WindowKind opus = WindowKind::weekModel("Opus");
+    const std::vector before{session(40), reading(opus, 90, 90h)};
+    const auto isThere = [&](const Ledger& ledger, Seconds after) {
+        return std::ranges::count(ledger.windows(kNow + after), opus, &UsageWindow::kind) == 1;
+    };
+    Ledger ledger;
+    ledger.begin(before, kNow);
+    ledger.takeAnswer(answered({session(41)}, 60s), kNow + 60s);
+    EXPECT_TRUE(isThere(ledger, 60s)) << "once is not enough";
+    ledger.takeAnswer(answered({session(42)}, 90s), kNow + 90s);
+    EXPECT_TRUE(isThere(ledger, 90s)) << "nor twice within a minute";
+    ClientAnswer partial = answered({session(42)}, 300s);
+    partial.isComplete = false;
+    ledger.takeAnswer(partial, kNow + 300s);
+    EXPECT_TRUE(isThere(ledger, 300s)) << "nor an answer that need not list all";
+    ledger.takeAnswer(answered({session(43)}, 1000s, 500s), kNow + 1000s);
+    EXPECT_TRUE(isThere(ledger, 1000s)) << "nor one from the cache";
+    ledger.takeAnswer(answered({session(43)}, 1060s), kNow + 1060s);
+    EXPECT_FALSE(isThere(ledger, 1060s));
+
+    ProbeRecord record;
+    ledger.remember(record);
+    Ledger next;
+    next.begin(before, kNow + 1100s);
+    next.takeRecord(record, {}, kNow + 1100s);
+    EXPECT_FALSE(isThere(next, 1100s)) << "nor does it come back out of the history";
+    next.takeAnswer(answered({session(44), reading(opus, 1, 90h)}, 1200s), kNow + 1200s);
+    EXPECT_TRUE(isThere(next, 1200s));
+    // The session is always there; another account's answers are no second ones.
+    ClientAnswer other = answered({reading(WindowKind::week(), 20, 90h)}, 1300s);
+    next.takeAnswer(other, kNow + 1300s);
+    other = answered({reading(WindowKind::week(), 20, 90h)}, 1400s);
+    other.account = "another";
+    next.takeAnswer(other, kNow + 1400s);
+    EXPECT_EQ(next.windows(kNow + 1400s).size(), 3U);
+}
+
+TEST(Ledger, KnowsOneLimitByAllItsNames) {
+    Ledger ledger;
+    ledger.begin(std::vector{reading(WindowKind::weekModel("Sonnet only"), 10, 90h)}, kNow);
+    UsageWindow sonnet = reading(WindowKind::weekModel("sonnet"), 12, 90h);
+    sonnet.observedAt = kNow + 60s;
+    const Ledger::Taken taken = ledger.takeSnapshot({sonnet}, kNow + 60s);
+    ASSERT_EQ(ledger.windows(kNow + 60s).size(), 1U);
+    EXPECT_EQ(ledger.windows(kNow + 60s)[0].kind, WindowKind::weekModel("Sonnet"));
+    EXPECT_EQ(taken.toRecord.at(0).kind, WindowKind::weekModel("Sonnet"));
+}
+
+TEST(Ledger, IsAtTheLimitWhenATurnWasRefused) {
+    const auto used = [](const Ledger& ledger, Seconds after) {
+        return ledger.windows(kNow + after).at(0).usedPercent;
+    };
+    const RefusedTurn refused{.kind = kSession, .at = kNow + 60s, .resetsAt = kNow + 3h};
+    Ledger ledger;
+    ledger.begin(std::vector{session(93)}, kNow);
+    EXPECT_TRUE(ledger.takeRefusals(std::span(&refused, 1), kNow + 70s));
+    EXPECT_FALSE(ledger.takeRefusals(std::span(&refused, 1), kNow + 80s));
+    EXPECT_EQ(used(ledger, 80s), 100);
+    EXPECT_EQ(held(ledger), 93) << "which is what the history gets";
+    ledger.takeSnapshot({session(99, 90s)}, kNow + 90s);
+    EXPECT_EQ(used(ledger, 90s), 100) << "rounded, or a moment old";
+    EXPECT_EQ(used(ledger, 3h), 0) << "and until its reset";
+
+    ledger.announce({kSession});
+    ledger.takeSnapshot({session(2, 600s)}, kNow + 600s);
+    EXPECT_EQ(used(ledger, 600s), 2) << "reset early";
+
+    Ledger fresh;
+    fresh.begin({}, kNow);
+    fresh.takeRefusals(std::span(&refused, 1), kNow + 70s);
+    EXPECT_EQ(fresh.windows(kNow + 70s),
+              (std::vector<UsageWindow>{{kSession, 100, kNow + 3h, kNow + 60s, DataSource::statusLine}}));
+    EXPECT_TRUE(fresh.windows(kNow + 4h).empty());
+}
+
+TEST(Ledger, TellsOfAResetTimeThatMoved) {
+    const auto moved = [](const UsageWindow& next) {
+        Ledger ledger;
+        ledger.begin(std::vector{session(40)}, kNow);
+        return ledger.takeSnapshot({next}, next.observedAt).moved.size();
+    };
+    EXPECT_EQ(moved(session(41, 60s, 4h)), 1U);
+    EXPECT_EQ(moved(session(41, 60s, 3h + 200s)), 0U) << "rounded";
+    EXPECT_EQ(moved(session(2, 60s, 5h)), 0U) << "reset early";
+    EXPECT_EQ(moved(session(2, 3h, 8h)), 0U) << "the next one";
 }
 
 }  // namespace

@@ -138,6 +138,33 @@ TEST_F(NotifierTest, TellsEveryResetOfATightWindow) {
     EXPECT_THAT(posted(), ElementsAre("reset:session@2992302"));
 }
 
+TEST_F(NotifierTest, TellsOfAMovedResetAndOfCreditsOnce) {
+    const UsageWindow full = test::reading(WindowKind::session(), 100, 2h);
+    Answer answer{.now = kNow,
+                  .cards = {{.assessment = {.window = full, .status = limited}, .rates = {}, .readings = {}}},
+                  .others = {.credits = Credits{.isEnabled = true, .spent = 100, .currency = "USD"}},
+                  .urgent = full.kind};
+    notifier.evaluate(answer, preferences);
+    EXPECT_THAT(posted(), testing::SizeIs(1)) << "the limit; that credits are switched on is no news";
+    answer.others.credits->spent = 1540;
+    notifier.evaluate(answer, preferences);
+    EXPECT_EQ(center.text,
+              "Now on credits | Session limit reached; what is used from now on is paid for: $15.40 spent");
+    answer.others.credits->spent = 1600;
+    notifier.evaluate(answer, preferences);
+    EXPECT_THAT(posted(), testing::SizeIs(1));
+
+    answer.moved = {{.event = Outcome::Event::moved,
+                     .kind = full.kind,
+                     .at = kNow,
+                     .resetsAt = kNow + 50h,
+                     .nextResetsAt = kNow + 2h}};
+    notifier.evaluate(answer, preferences);
+    notifier.evaluate(answer, preferences);
+    EXPECT_THAT(posted(), testing::SizeIs(1));
+    EXPECT_EQ(center.text, "Session: another reset time | The session now resets 14:00, was Tue 14:00");
+}
+
 TEST_F(NotifierTest, FollowsWhileItMayNotTell) {
     const Stand near{.status = atRisk, .timeToLimit = 1h};
     const Stand fresh{.usedPercent = 0, .resetsIn = 9h};

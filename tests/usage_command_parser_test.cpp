@@ -9,6 +9,7 @@
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 
+#include "core/support/unicode/calendar.hpp"
 #include "core/support/unicode/time_zone.hpp"
 #include "tests/support/repeated.hpp"
 #include "tests/support/temporary_directory.hpp"
@@ -229,11 +230,23 @@ TEST(ResetTime, KnowsWhenTheClockChanges) {
 }
 
 TEST(ResetTime, FollowsTheSystemsZone) {
-    for (const char* text : {"3pm", "Jan 5 at 3pm", "Dec 20, 2025"}) {
-        EXPECT_EQ(parser::parseResetTime(text, kNow),
-                  parser::parseResetTime(text + (" (" + currentTimeZone() + ")"), kNow))
-            << text << " in " << currentTimeZone();
-    }
+    const auto local = [](const char* text) {
+        return Calendar(currentTimeZone()).wallTime(parser::parseResetTime(text, kNow).value());
+    };
+    EXPECT_EQ(local("Jan 5, 2027 at 3pm"), (WallTime{.year = 2027, .month = 1, .day = 5, .hour = 15}));
+    EXPECT_EQ(local("Jul 20, 2025"), (WallTime{.year = 2025, .month = 7, .day = 20}));
+    const test::ScopedEnvironment zone("TZ", "<+0530>-5:30");
+    expectResets({{"Jan 5, 2027 at 3pm", "2027-01-05T09:30:00Z"}}, kNow);
+}
+
+TEST(ResetTime, KnowsWhatChangedLately) {
+    // Rules that a library of some years ago does not have: the client's words say when the window resets.
+    expectResets({{"Jul 15, 2026, 3pm (America/Mexico_City)", "2026-07-15T21:00:00Z"},
+                  {"Jul 15, 2026, 3pm (Africa/Cairo)", "2026-07-15T12:00:00Z"},
+                  {"Jul 15, 2026, 3pm (America/Ciudad_Juarez)", "2026-07-15T21:00:00Z"},
+                  {"Jan 15, 2026, 3pm (Asia/Almaty)", "2026-01-15T10:00:00Z"},
+                  {"Jul 15, 2026, 3pm (America/Asuncion)", "2026-07-15T18:00:00Z"}},
+                 kNow);
 }
 
 TEST(UsageCommandParser, ReadsMonths) {

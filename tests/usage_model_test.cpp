@@ -165,6 +165,69 @@ TEST_F(UsageModelTest, NeverAsksTwiceAtOnce) {
     }
 }
 
+TEST_F(UsageModelTest, AsksOutOfTurnAfterABurstAndForAFall) {
+    preferences.setRefreshMinutes(15);
+    clientSays(40);
+    start();
+    pass(60s);
+    const auto before = probes.size();
+    const auto asked = [&] {
+        return probes.size() - before;
+    };
+    transcripts = [this] {
+        return ActivitySummary(std::vector(20, ActivityEvent{.timestamp = now - 5s, .tokens = {.input = 1}}));
+    };
+    pass(35s);
+    EXPECT_EQ(asked(), 0U) << "within two minutes of the last question";
+    pass(30s);
+    EXPECT_EQ(asked(), 1U);
+    transcripts = [] {
+        return ActivitySummary();
+    };
+    pass(3min);
+    EXPECT_EQ(asked(), 1U) << "quiet again";
+
+    relayWrites(5, now);
+    clientSays(5);
+    pass(5s);
+    EXPECT_EQ(asked(), 2U);
+    EXPECT_EQ(used(), 5) << "both sources say so";
+
+    // Not while it rests after a failure.
+    clientFails("gone");
+    model->probe();
+    transcripts = [this] {
+        return ActivitySummary(std::vector(30, ActivityEvent{.timestamp = now, .tokens = {.input = 1}}));
+    };
+    pass(10min);
+    EXPECT_EQ(asked(), 3U);
+}
+
+TEST_F(UsageModelTest, BacksOffFromAClientThatHasOnlyOldFigures) {
+    preferences.setRefreshMinutes(5);
+    client = [this] {
+        ClientAnswer old = answer({session(40)});
+        old.windows[0].observedAt = now - 10min;
+        old.fetchedAt = now - 10min;
+        old.answeredAt = now;
+        return old;
+    };
+    start();
+    EXPECT_EQ(used(), 40) << "better than nothing";
+    EXPECT_EQ(model->answer().asking.figuresOf, now - 10min);
+    EXPECT_EQ(model->answer().asking.retryAt, now + 10min);
+    pass(9min);
+    EXPECT_EQ(probes.size(), 1U);
+    client = [this] {
+        ClientAnswer fresh = answer({session(41)});
+        fresh.fetchedAt = fresh.answeredAt = now;
+        return fresh;
+    };
+    pass(2min);
+    EXPECT_EQ(probes.size(), 2U);
+    EXPECT_EQ(model->answer().asking.figuresOf, std::nullopt);
+}
+
 TEST_F(UsageModelTest, GoesOnWhileAScanHangs) {
     transcripts = nullptr;
     relayWrites(10, now);

@@ -6,6 +6,7 @@
 
 #include "core/analysis/forecast/learn_rhythm.hpp"
 #include "core/data/history/history_store.hpp"
+#include "core/support/unicode/time_zone.hpp"
 #include "core/support/unicode/wall_offsets.hpp"
 
 namespace vorn::bench {
@@ -99,9 +100,9 @@ void replay(const Trace& trace, LocalActivity local, const std::function<void(co
     }
     const ActivitySummary events(trace.events);
     const ActivitySummary* activity = local == LocalActivity::on ? &events : nullptr;
-    Calendar calendar(trace.zone);
     const ZoneOffsets zone =
-        wallOffsets(calendar, trace.moments.front() - kZoneMargin, trace.moments.back() + WindowKind::week().length());
+        wallOffsets(timeZoneNamed(trace.zone).value_or(TimeZone()), trace.moments.front() - kZoneMargin,
+                    trace.moments.back() + WindowKind::week().length());
     History history;
     Rhythm rhythm;
     auto reading = trace.readings.begin();

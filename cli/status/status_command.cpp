@@ -70,6 +70,7 @@ EvidenceRequest requestFor(const StatusArguments& arguments) {
         .probing = arguments.probe     ? Probing::always
                    : arguments.noProbe ? Probing::never
                                        : Probing::whenStale,
+        .staleAfter = ::isatty(STDOUT_FILENO) == 1 ? 60s : 300s,  // a bar or a script asks again by itself
         .wholeWeek = arguments.rates,
         .withRatio = showsAll(arguments),
         .now = arguments.now};

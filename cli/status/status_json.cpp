@@ -126,6 +126,35 @@ json failureJson(const ProbeFailure& failure, std::optional<Instant> retryAt) {
     return object;
 }
 
+json otherLimitJson(const OtherLimit& limit) {
+    json object = {{"name", limit.name}, {"observedAt", formatIso8601(limit.observedAt)}};
+    put(object, "usedPercent", limit.usedPercent);
+    put(object, "used", limit.used);
+    put(object, "cap", limit.cap);
+    put(object, "resetsAt", limit.resetsAt);
+    return object;
+}
+
+json creditsJson(const Credits& credits) {
+    json object = {{"enabled", credits.isEnabled}, {"observedAt", formatIso8601(credits.observedAt)}};
+    put(object, "spentHundredths", credits.spent);
+    put(object, "capHundredths", credits.cap);
+    put(object, "usedPercent", credits.usedPercent);
+    if (!credits.currency.empty()) {
+        object["currency"] = credits.currency;
+    }
+    return object;
+}
+
+void putOtherLimits(json& object, const OtherLimits& others) {
+    for (const OtherLimit& limit : others.limits) {
+        object["otherLimits"].push_back(otherLimitJson(limit));
+    }
+    if (others.credits) {
+        object["credits"] = creditsJson(*others.credits);
+    }
+}
+
 void putConclusions(json& object, const Answer& answer) {
     const auto head = Format::head(answer);
     if (const WindowAssessment* const urgent = answer.urgentAssessment(); head && urgent != nullptr) {
@@ -149,6 +178,7 @@ json statusJson(const Answer& answer, const std::optional<RelayState>& relay, bo
     for (const Answer::Card& card : answer.cards) {
         object["windows"].push_back(windowJson(card, answer.now, withRates));
     }
+    putOtherLimits(object, answer.others);
     putConclusions(object, answer);
     if (answer.insights) {
         object["insights"] = encode(*answer.insights, DateCoding::iso8601);
@@ -161,6 +191,7 @@ json statusJson(const Answer& answer, const std::optional<RelayState>& relay, bo
     if (relay) {
         object["statusLine"] = relayJson(*relay, answer.now);
     }
+    put(object, "figuresOf", answer.asking.figuresOf);
     if (answer.asking.failure) {
         object["failure"] = failureJson(*answer.asking.failure, answer.asking.retryAt);
     }

@@ -13,6 +13,8 @@
 #include "core/wording/failure_text.hpp"
 #include "core/wording/format.hpp"
 #include "core/wording/head.hpp"
+#include "core/wording/limit_text.hpp"
+#include "core/wording/outcome_text.hpp"
 #include "core/wording/plan_text.hpp"
 #include "core/wording/window_text.hpp"
 
@@ -41,6 +43,9 @@ public:
         for (const auto& card : answer.cards) {
             m_titleCells = std::max(m_titleCells, displayWidth(card.assessment.window.kind.title()));
         }
+        for (const Format::LimitLine& limit : Format::limitLines(answer.others, answer.now)) {
+            m_titleCells = std::max(m_titleCells, displayWidth(limit.title));
+        }
         m_titleCells = std::min(m_titleCells, kWidestTitle);
         m_isNarrow = m_titleCells + kComfortableBar + kRowOverhead > terminal.width;
         const std::size_t overhead = m_isNarrow ? kShortRowOverhead : kRowOverhead;
@@ -59,7 +64,11 @@ public:
         for (const auto& card : m_answer.cards) {
             window(card);
         }
+        otherLimits();
         blank();
+        for (const Outcome& moved : m_answer.moved) {
+            paragraph("  ", Format::movedText(moved, m_answer.now), Ink::plain);
+        }
         paragraph("  ", Format::weekSessions(m_answer).text(), Ink::plain);
         plannedResets();
         insights();
@@ -141,6 +150,22 @@ private:
                      m_isNarrow ? shapeFor(assessment.status)
                                 : fmt::format("{} {}", shapeFor(assessment.status), label(assessment.status)));
         line(row);
+    }
+
+    void otherLimits() {
+        for (const Format::LimitLine& limit : Format::limitLines(m_answer.others, m_answer.now)) {
+            const Ink ink = limit.isReached ? Ink::limited : Ink::accent;
+            const std::string title = "  " + fitted(limit.title, m_titleCells) + "  ";
+            blank();
+            if (limit.usedPercent) {
+                line(title +
+                     drawBar(m_terminal, {.filled = *limit.usedPercent / 100, .cells = m_barCells, .ink = ink}) +
+                     fmt::format("  {:>4}", Format::percent(*limit.usedPercent)));
+                detail(limit.text);
+            } else {
+                paragraph(title, limit.text, Ink::plain);
+            }
+        }
     }
 
     static std::optional<double> share(std::optional<double> percent) {

@@ -86,6 +86,20 @@ std::vector<WindowAssessment> Answer::assessments() const {
     return all;
 }
 
+bool Answer::hasBurst() const {
+    constexpr std::size_t kManyReplies = 20;
+    const WindowAssessment* const current = session();
+    if (current == nullptr || !isJudged || activity == nullptr || !usesActivity) {
+        return false;
+    }
+    const Instant readAt = current->window.observedAt;
+    const Seconds since = now - readAt;
+    const bool isLocal = current->rateBasis == RateBasis::localActivity;
+    const double points = isLocal ? current->ratePerHour.value_or(0) * (since / std::chrono::hours(1)) : 0;
+    const std::size_t replies = activity->events(readAt, now).size();
+    return replies >= kManyReplies || (replies > 0 && points >= 1);
+}
+
 std::optional<Instant> Answer::lastObserved(DataSource wanted) const {
     std::optional<Instant> latest;
     for (const Card& card : cards) {
@@ -116,6 +130,7 @@ Answer VornEngine::formAnswer(const Evidence& evidence, Instant now) {
                   .isJudged = evidence.isJudged,
                   .isDemo = evidence.isDemo,
                   .others = evidence.others,
+                  .moved = evidence.moved,
                   .insights = evidence.insights,
                   .plan = evidence.plan,
                   .asking = evidence.asking,

@@ -12,6 +12,7 @@
 #include "core/analysis/window_assessment.hpp"
 #include "core/data/activity/activity_summary.hpp"
 #include "core/data/other_limits.hpp"
+#include "core/data/outcome.hpp"
 #include "core/data/probe_failure.hpp"
 #include "core/data/reset_plan.hpp"
 #include "core/data/usage_insights.hpp"
@@ -40,6 +41,7 @@ struct Unsaved {
 struct Evidence {
     std::vector<UsageWindow> windows;       ///< As believed and as they stand now; by kind, each kind once.
     OtherLimits others{};                   ///< Limits that are no windows.
+    std::vector<Outcome> moved{};           ///< Reset times that changed lately.
     const HistoryIndex* history = nullptr;  ///< Null: none.
     /// Null until the transcripts have been read. Summaries that are equal should be the same object.
     std::shared_ptr<const ActivitySummary> activity;
@@ -83,10 +85,11 @@ struct Answer {
 
     Instant now;
     Stage stage = Stage::starting;
-    bool isJudged = true;     ///< Else no verdict may be shown: cards hold figures alone, and there is no head.
-    bool isDemo = false;      ///< Invented figures.
-    std::vector<Card> cards;  ///< By kind.
-    OtherLimits others;       ///< Limits that are no windows.
+    bool isJudged = true;        ///< Else no verdict may be shown: cards hold figures alone, and there is no head.
+    bool isDemo = false;         ///< Invented figures.
+    std::vector<Card> cards;     ///< By kind.
+    OtherLimits others;          ///< Limits that are no windows.
+    std::vector<Outcome> moved;  ///< Reset times that changed lately.
     std::optional<WindowKind> urgent;  ///< The window that matters most now: the head may speak of another.
     std::optional<Head> head;
     std::optional<VornSteer> steer;         ///< Of all windows that are not limited.
@@ -111,6 +114,8 @@ struct Answer {
     [[nodiscard]] const WindowAssessment* urgentAssessment() const { return urgent ? find(*urgent) : nullptr; }
     /// The window that the head speaks of.
     [[nodiscard]] const WindowAssessment* headAssessment() const { return head ? find(head->kind) : nullptr; }
+    /// Since the session was read, this machine has used a point of it or more, or made many replies.
+    [[nodiscard]] bool hasBurst() const;
     [[nodiscard]] std::vector<WindowAssessment> assessments() const;
     /// When the status line last told something that is still shown.
     [[nodiscard]] std::optional<Instant> lastObserved(DataSource source) const;

@@ -175,6 +175,14 @@ void Ledger::noteFalls(std::span<const UsageWindow> seenElsewhere) {
     m_falls = std::move(falls);
 }
 
+std::optional<Instant> Ledger::doubtsSince() const {
+    std::optional<Instant> since;
+    for (const auto& [kind, fall] : m_falls) {
+        since = std::max(since, std::optional(fall.observedAt));
+    }
+    return since;
+}
+
 WindowKind Ledger::nameHeld(WindowKind kind) const {
     if (kind.which() != WindowKind::Case::weekModel) {
         return kind;

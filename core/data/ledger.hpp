@@ -65,6 +65,8 @@ public:
     [[nodiscard]] const OtherLimits& others() const { return m_others; }
     /// A large fall was seen that nothing has confirmed yet: the next answer of the client will tell.
     [[nodiscard]] bool doubts() const { return !m_state.pendingDrops().empty(); }
+    /// When the latest of those falls was seen first.
+    [[nodiscard]] std::optional<Instant> doubtsSince() const;
 
     /// Fills in what the record keeps of the ledger for other programs and the next start: the client's last answer
     /// before any judgement, announced resets that were not seen yet, and falls that were seen once; of several looks

@@ -30,10 +30,10 @@ std::optional<WindowKind> windowKindOfMember(std::string_view member) {
         return WindowKind::week();
     }
     const bool isModel = member.starts_with("seven_day_") && member.size() > kWeek.size() + 1;
-    return isModel ? std::optional(modelWeek(memberTitle(member.substr(kWeek.size() + 1)))) : std::nullopt;
+    return isModel ? std::optional(modelWeek(titleOfMember(member.substr(kWeek.size() + 1)))) : std::nullopt;
 }
 
-std::string memberTitle(std::string_view member) {
+std::string titleOfMember(std::string_view member) {
     std::string title(member);
     std::ranges::replace(title, '_', ' ');
     return asciiUpper(title.substr(0, 1)) + title.substr(std::min<std::size_t>(1, title.size()));

@@ -18,7 +18,7 @@ WindowKind modelWeek(std::string_view sourceName);
 std::optional<WindowKind> windowKindOfMember(std::string_view member);
 
 /// A member's name for people: "spend_limit" becomes "Spend limit".
-std::string memberTitle(std::string_view member);
+std::string titleOfMember(std::string_view member);
 
 /// The same for all names of one limit: `WindowKind::key()` of the kind without a trailing " only", in small letters.
 std::string limitKey(std::string_view kindKey);

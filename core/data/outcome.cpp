@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 
+#include "core/data/refused_turn.hpp"
 #include "core/data/usage_window.hpp"
 #include "core/support/file.hpp"
 #include "core/support/json.hpp"
@@ -91,6 +92,20 @@ bool Outcome::isSameAs(const Outcome& other) const {
         return sameReset(resetsAt, other.resetsAt);
     }
     return sameReset(at, other.at);
+}
+
+std::vector<Outcome> outcomesOf(std::span<const RefusedTurn> refusals) {
+    std::vector<Outcome> reached;
+    for (const RefusedTurn& refusal : refusals) {
+        reached.push_back({.event = Outcome::Event::reachedLimit,
+                           .kind = refusal.kind,
+                           .at = refusal.at,
+                           .resetsAt = refusal.resetsAt,
+                           .usedPercent = 100,
+                           .readAt = refusal.at,
+                           .origin = Outcome::Origin::refusedTurn});
+    }
+    return reached;
 }
 
 std::string encodeOutcome(const Outcome& outcome) {

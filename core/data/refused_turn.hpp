@@ -1,8 +1,10 @@
 #pragma once
 
 #include <optional>
+#include <span>
+#include <vector>
 
-#include "core/data/window_kind.hpp"
+#include "core/data/outcome.hpp"
 #include "core/support/time.hpp"
 
 namespace vorn {
@@ -17,5 +19,8 @@ struct RefusedTurn {
 
     bool operator==(const RefusedTurn&) const = default;
 };
+
+/// Each as a limit that was reached.
+std::vector<Outcome> outcomesOf(std::span<const RefusedTurn> refusals);
 
 }  // namespace vorn

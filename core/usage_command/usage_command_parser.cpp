@@ -163,7 +163,7 @@ std::optional<PrintedTime> readPrintedTime(std::string_view text) {
 }
 
 /// Today's, or tomorrow's when today's has passed.
-std::optional<Instant> resolveTime(const PrintedTime& printed, Calendar& calendar, WallTime today, Instant now) {
+std::optional<Instant> resolveTime(const PrintedTime& printed, const Calendar& calendar, WallTime today, Instant now) {
     today.hour = printed.hour;
     today.minute = printed.minute;
     const auto candidate = calendar.instant(today);
@@ -171,7 +171,8 @@ std::optional<Instant> resolveTime(const PrintedTime& printed, Calendar& calenda
 }
 
 /// Of the printed year; without one, this year's, or next year's when this year's has passed.
-std::optional<Instant> resolveDate(const PrintedTime& printed, Calendar& calendar, const WallTime& today, Instant now) {
+std::optional<Instant> resolveDate(const PrintedTime& printed, const Calendar& calendar, const WallTime& today,
+                                   Instant now) {
     const auto month = monthNumber(*printed.month);
     if (!month || !printed.day) {
         return std::nullopt;
@@ -274,7 +275,8 @@ std::optional<Instant> parseResetTime(std::string_view text, Instant now) {
     if (!printed) {
         return std::nullopt;
     }
-    Calendar calendar(isTimeZoneName(zone) ? std::string(zone) : currentTimeZone());
+    const auto named = timeZoneNamed(zone);
+    const Calendar calendar(named ? *named : currentTimeZone());
     const auto today = calendar.wallTime(now);
     if (!today) {
         return std::nullopt;

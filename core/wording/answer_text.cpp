@@ -13,6 +13,7 @@ namespace {
 using Stage = Answer::Stage;
 
 constexpr const char* kDemonstration = "Demonstration, invented figures";
+constexpr const char* kNoNewerOnes = "; Claude Code could not get newer ones";
 
 Placeholder failedPlaceholder(const ProbeFailure& failure) {
     const std::string whatToDo = advice(failure);
@@ -60,9 +61,16 @@ std::string headline(const Answer& answer) {
     return answer.stage == Stage::ready ? "Reading your usage…" : placeholder(answer).title;
 }
 
+bool areFiguresOld(const Answer& answer) {
+    return answer.asking.figuresOf && answer.observedAt && *answer.observedAt <= *answer.asking.figuresOf;
+}
+
 std::string age(const Answer& answer) {
     if (!answer.observedAt || !answer.source) {
         return {};
+    }
+    if (areFiguresOld(answer)) {
+        return "Figures of " + clock(*answer.observedAt, answer.now) + kNoNewerOnes;
     }
     const Seconds old = answer.now - *answer.observedAt;
     const std::string when = old < Seconds{60} ? "just now" : duration(old) + " ago";
@@ -76,6 +84,9 @@ Phrase freshness(const Answer& answer) {
     }
     if (answer.isDemo) {
         return words(kDemonstration);
+    }
+    if (answer.stage == Stage::ready && areFiguresOld(answer)) {
+        return words("Figures of ") + figure(clock(*answer.observedAt, answer.now)) + kNoNewerOnes;
     }
     if (answer.stage == Stage::ready && answer.observedAt && answer.source) {
         return joined(

@@ -24,7 +24,11 @@ Placeholder placeholder(const Answer& answer);
 /// The whole answer in one line: the head's, and where nothing can be concluded yet, why.
 std::string headline(const Answer& answer);
 
-/// How old the figures are: "Read 3m ago from claude /usage", "Read just now from the status line"; empty without any.
+/// Whether the client had nothing newer than old figures, and no other source has told more since.
+bool areFiguresOld(const Answer& answer);
+
+/// How old the figures are: "Read 3m ago from claude /usage", "Read just now from the status line", "Figures of 13:02;
+/// Claude Code could not get newer ones"; empty without any.
 std::string age(const Answer& answer);
 /// The same for what stays on the screen: "Updated 20:44 · status line", "Asking claude /usage…", "Demonstration,
 /// invented figures"; without figures "Checked 20:44 · claude /usage", where somebody was asked.

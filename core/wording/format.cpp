@@ -287,7 +287,7 @@ std::string clock(Instant instant, Instant now) {
     if (!std::isfinite(secondsSince1970(instant))) {
         return std::string(kNoNumber);
     }
-    const std::string zone = currentTimeZone();
+    const TimeZone zone = currentTimeZone();
     const std::string time = shortTime(instant, zone);
     return isSameDay(instant, now, zone) ? time : shortWeekday(instant, zone) + " " + time;
 }

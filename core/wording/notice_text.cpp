@@ -1,6 +1,8 @@
 #include "core/wording/notice_text.hpp"
 
 #include "core/wording/format.hpp"
+#include "core/wording/limit_text.hpp"
+#include "core/wording/outcome_text.hpp"
 
 namespace vorn::Format {
 
@@ -17,6 +19,16 @@ NoticeText warningNotice(const UsageWindow& window, Seconds timeToLimit, Instant
 NoticeText limitNotice(const UsageWindow& window, Instant now) {
     return {.title = window.kind.title() + " limit reached",
             .body = window.resetsAt ? "Resets at " + clock(*window.resetsAt, now) : "No reset time known yet"};
+}
+
+NoticeText movedNotice(const Outcome& moved, Instant now) {
+    return {.title = moved.kind.title() + ": another reset time", .body = movedText(moved, now)};
+}
+
+NoticeText creditsNotice(const UsageWindow& window, const Credits& credits) {
+    return {
+        .title = "Now on credits",
+        .body = window.kind.title() + " limit reached; what is used from now on is paid for: " + spentText(credits)};
 }
 
 NoticeText resetNotice(const UsageWindow& window) {

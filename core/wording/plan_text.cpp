@@ -13,7 +13,7 @@ std::string nothingPlanned() {
 }
 
 Phrase plannedMoment(const PlannedReset& reset) {
-    const std::string zone = currentTimeZone();
+    const TimeZone zone = currentTimeZone();
     return figure(std::isfinite(secondsSince1970(reset.date))
                       ? shortDate(reset.date, zone) + ", " + shortTime(reset.date, zone)
                       : "—");

@@ -1,9 +1,10 @@
 #include "ui/charts/time_axis.hpp"
 
-#include <QDateTime>
 #include <cmath>
 #include <string>
 
+#include "core/support/unicode/calendar.hpp"
+#include "core/support/unicode/time_zone.hpp"
 #include "core/wording/format.hpp"
 
 namespace vorn {
@@ -14,24 +15,25 @@ using namespace std::chrono_literals;
 /// Clocks are set back and forth: no more marks than this, whatever happens.
 constexpr int kMostTicks = 48;
 
-QDateTime local(Instant instant) {
-    return QDateTime::fromSecsSinceEpoch(static_cast<qint64>(std::ceil(secondsSince1970(instant))));
-}
-
-/// The first full hour or beginning of a day at or after a moment.
-QDateTime firstTick(const QDateTime& from, bool isByDay) {
-    if (isByDay) {
-        const QDateTime day = from.date().startOfDay();
-        return day < from ? from.date().addDays(1).startOfDay() : day;
+/// The first full hour, or beginning of a day, at or after a moment.
+std::optional<Instant> firstTick(const Calendar& calendar, Instant from, bool isByDay) {
+    auto wall = calendar.wallTime(from);
+    if (!wall) {
+        return std::nullopt;
     }
-    constexpr qint64 kHour = 3600;
-    const QTime time = from.time();
-    const qint64 past = time.minute() * 60LL + time.second();
-    return past == 0 ? from : from.addSecs(kHour - past);
+    wall->minute = 0;
+    if (!isByDay) {
+        const auto hour = calendar.instant(*wall);
+        return hour ? std::optional(*hour + 1h * std::ceil((from - *hour) / 1h)) : std::nullopt;
+    }
+    wall->hour = 0;
+    const auto day = calendar.instant(*wall);
+    ++wall->day;
+    return day && *day < from ? calendar.instant(*wall) : day;
 }
 
-QDateTime nextTick(const QDateTime& tick, bool isByDay) {
-    return isByDay ? tick.date().addDays(1).startOfDay() : tick.addSecs(3600);
+std::optional<Instant> nextTick(const Calendar& calendar, Instant tick, bool isByDay) {
+    return isByDay ? firstTick(calendar, tick + 1s, true) : tick + 1h;
 }
 
 }  // namespace
@@ -42,12 +44,11 @@ TimeAxis timeAxis(Instant from, Instant to) {
         return axis;
     }
     const bool isByDay = to - from > 24h;
-    const QDateTime end = local(to);
-    for (QDateTime tick = firstTick(local(from), isByDay); tick <= end && axis.ticks.size() < kMostTicks;
-         tick = nextTick(tick, isByDay)) {
-        const Instant instant = instantSince1970(static_cast<double>(tick.toSecsSinceEpoch()));
-        axis.ticks.append((instant - from).count());
-        axis.texts.append(QString::fromStdString(isByDay ? Format::weekday(instant) : Format::clock(instant, instant)));
+    const Calendar calendar(currentTimeZone());
+    for (auto tick = firstTick(calendar, from, isByDay); tick && *tick <= to && axis.ticks.size() < kMostTicks;
+         tick = nextTick(calendar, *tick, isByDay)) {
+        axis.ticks.append((*tick - from).count());
+        axis.texts.append(QString::fromStdString(isByDay ? Format::weekday(*tick) : Format::clock(*tick, *tick)));
     }
     return axis;
 }

@@ -81,6 +81,7 @@ Item {
             width: side.cardWidth
             height: Math.max(implicitHeight, side.cardHeight)
             content: page.presenter.sessionWeek
+            otherLimits: page.presenter.otherLimits
         }
 
         ResetsCard {

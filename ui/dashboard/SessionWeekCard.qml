@@ -1,4 +1,5 @@
 import QtQuick
+import Vorn.Answer
 import Vorn.Controls
 import Vorn.Dashboard
 
@@ -7,6 +8,7 @@ Card {
     id: card
 
     required property sessionWeekContent content
+    required property var otherLimits
 
     readonly property bool isKnown: content.waiting === ""
 
@@ -65,6 +67,12 @@ Card {
         DetailLabel {
             text: card.isKnown ? card.content.measured : card.content.waiting
             Accessible.ignored: false
+        }
+
+        OtherLimits {
+            width: parent.width
+            topPadding: Theme.sizes.gap
+            limits: card.otherLimits
         }
     }
 }

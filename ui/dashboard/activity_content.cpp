@@ -23,7 +23,7 @@ Grid gridOf(PeriodForViews::Period period) {
 }
 
 /// The end of the bucket that `now` lies in, counted from the zone's midnight.
-Instant endOfBucket(Instant now, Seconds bucket, Calendar& calendar) {
+Instant endOfBucket(Instant now, Seconds bucket, const Calendar& calendar) {
     auto wall = calendar.wallTime(now);
     if (!wall) {
         return now;
@@ -34,8 +34,8 @@ Instant endOfBucket(Instant now, Seconds bucket, Calendar& calendar) {
     return midnight + bucket * (std::floor((now - midnight) / bucket) + 1);
 }
 
-void addMarks(int hoursBetween, Calendar& calendar, ActivityContent& content) {
-    const std::string zone = currentTimeZone();
+void addMarks(int hoursBetween, const Calendar& calendar, ActivityContent& content) {
+    const TimeZone zone = currentTimeZone();
     for (std::size_t i = 0; i < content.buckets.size(); ++i) {
         const Instant start = content.buckets[i].start;
         const auto wall = calendar.wallTime(start);
@@ -68,7 +68,7 @@ ActivityContent activityContent(const Answer& answer, PeriodForViews::Period per
     }
     const Grid grid = gridOf(period);
     const Seconds span = lengthOf(period);
-    Calendar calendar(currentTimeZone());
+    const Calendar calendar(currentTimeZone());
     const Instant to = endOfBucket(answer.now, grid.bucket, calendar);
     if (!(activity.weight(to - span, to) > 0)) {
         content.nothing = QString::fromStdString(Format::noReplies(span));
@@ -87,7 +87,7 @@ ActivityContent activityContent(const Answer& answer, PeriodForViews::Period per
 }
 
 Instant activityEnd(PeriodForViews::Period period, Instant now) {
-    Calendar calendar(currentTimeZone());
+    const Calendar calendar(currentTimeZone());
     return endOfBucket(now, gridOf(period).bucket, calendar);
 }
 

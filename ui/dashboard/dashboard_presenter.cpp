@@ -53,6 +53,9 @@ void DashboardPresenter::update() {
         emit freshnessChanged();
     }
     m_panels.show(answer);
+    if (replace(m_otherLimits, vorn::otherLimits(answer))) {
+        emit otherLimitsChanged();
+    }
     if (replace(m_sessionWeek, sessionWeekContent(answer))) {
         emit sessionWeekChanged();
     }

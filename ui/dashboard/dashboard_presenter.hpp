@@ -8,6 +8,7 @@
 
 #include "ui/answer/freshness_content.hpp"
 #include "ui/answer/head_content.hpp"
+#include "ui/answer/other_limit.hpp"
 #include "ui/charts/limit_panel_model.hpp"
 #include "ui/dashboard/activity_content.hpp"
 #include "ui/dashboard/breakdown_content.hpp"
@@ -25,6 +26,7 @@ class DashboardPresenter : public QObject {
     Q_PROPERTY(vorn::HeadContent head READ head NOTIFY headChanged FINAL)
     Q_PROPERTY(vorn::FreshnessContent freshness READ freshness NOTIFY freshnessChanged FINAL)
     Q_PROPERTY(vorn::LimitPanelModel* panels READ panels CONSTANT FINAL)
+    Q_PROPERTY(QVariantList otherLimits READ otherLimits NOTIFY otherLimitsChanged FINAL)
     Q_PROPERTY(vorn::SessionWeekContent sessionWeek READ sessionWeek NOTIFY sessionWeekChanged FINAL)
     Q_PROPERTY(vorn::ResetsContent resets READ resets NOTIFY resetsChanged FINAL)
     Q_PROPERTY(vorn::PlanEditor* planEditor READ planEditor CONSTANT FINAL)
@@ -39,6 +41,7 @@ public:
     [[nodiscard]] const HeadContent& head() const { return m_head; }
     [[nodiscard]] const FreshnessContent& freshness() const { return m_freshness; }
     [[nodiscard]] LimitPanelModel* panels() { return &m_panels; }
+    [[nodiscard]] const QVariantList& otherLimits() const { return m_otherLimits; }
     [[nodiscard]] const SessionWeekContent& sessionWeek() const { return m_sessionWeek; }
     [[nodiscard]] const ResetsContent& resets() const { return m_resets; }
     [[nodiscard]] PlanEditor* planEditor() { return &m_planEditor; }
@@ -55,6 +58,7 @@ public:
 signals:
     void headChanged();
     void freshnessChanged();
+    void otherLimitsChanged();
     void sessionWeekChanged();
     void resetsChanged();
     void activityChanged();
@@ -79,6 +83,7 @@ private:
     HeadContent m_head;
     FreshnessContent m_freshness;
     LimitPanelModel m_panels;
+    QVariantList m_otherLimits;
     SessionWeekContent m_sessionWeek;
     ResetsContent m_resets;
     PlanEditor m_planEditor;

@@ -20,8 +20,8 @@ constexpr int kLongestNote = 200;
 
 Instant suggestion(Instant now) {
     using namespace std::chrono_literals;
-    const std::string zone = currentTimeZone();
-    Calendar calendar(zone);
+    const TimeZone zone = currentTimeZone();
+    const Calendar calendar(zone);
     const Instant tomorrow = calendar.addDays(now, 1).value_or(now + 24h);
     auto wall = calendar.wallTime(tomorrow);
     if (!wall) {
@@ -35,7 +35,7 @@ Instant suggestion(Instant now) {
 }  // namespace
 
 ReadMoment readMoment(const TypedMoment& typed, Instant now) {
-    const std::string zone = currentTimeZone();
+    const TimeZone zone = currentTimeZone();
     const auto date = parseTypedDate(typed.date.toStdString(), zone);
     const auto time = parseTypedTime(typed.time.toStdString());
     ReadMoment read;
@@ -48,7 +48,7 @@ ReadMoment readMoment(const TypedMoment& typed, Instant now) {
     if (!date || !time) {
         return read;
     }
-    Calendar calendar(zone);
+    const Calendar calendar(zone);
     auto wall = calendar.wallTime(*date);
     if (wall) {
         wall->hour = 0;

@@ -74,6 +74,7 @@ WindowView {
                                           : implicitHeight
         visible: popover.isReady
         windows: popover.presenter.windows
+        otherLimits: popover.presenter.otherLimits
     }
 
     EndBand {

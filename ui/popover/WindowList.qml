@@ -1,4 +1,5 @@
 import QtQuick
+import Vorn.Answer
 import Vorn.Controls
 import Vorn.Popover
 
@@ -7,6 +8,7 @@ ScrollArea {
     id: list
 
     required property WindowListModel windows
+    required property var otherLimits
 
     implicitHeight: cards.height
     contentHeight: cards.height
@@ -33,6 +35,21 @@ ScrollArea {
                     visible: block.index > 0
                 }
             }
+        }
+
+        Hairline {
+            width: parent.width
+            visible: others.visible
+        }
+
+        OtherLimits {
+            id: others
+
+            x: Theme.sizes.inset
+            width: parent.width - 2 * x
+            topPadding: Theme.sizes.gap
+            bottomPadding: Theme.sizes.inset
+            limits: list.otherLimits
         }
     }
 }

@@ -19,6 +19,9 @@ void PopoverPresenter::show(const Answer& answer) {
         emit freshnessChanged();
     }
     m_windows.setRows(windowRows(answer));
+    if (const auto others = vorn::otherLimits(answer); std::exchange(m_otherLimits, others) != others) {
+        emit otherLimitsChanged();
+    }
 }
 
 }  // namespace vorn

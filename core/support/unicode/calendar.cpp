@@ -1,67 +1,58 @@
 #include "core/support/unicode/calendar.hpp"
 
-#include <cmath>
-
-#include <unicode/gregocal.h>
-
-#include "core/support/unicode/icu_conversion.hpp"
+#include <chrono>
+#include <cstdint>
 
 namespace vorn {
+namespace {
 
-class Calendar::Icu {
-public:
-    explicit Icu(std::string_view zoneId) : calendar(makeIcuZone(zoneId).release(), icu::Locale::getRoot(), status) {
-        calendar.setLenient(1);
-        calendar.setRepeatedWallTimeOption(UCAL_WALLTIME_FIRST);
-        calendar.setSkippedWallTimeOption(UCAL_WALLTIME_LAST);  // which is the one that moves forward
-    }
+using std::chrono::sys_days;
+using std::chrono::year;
 
-    UErrorCode status = U_ZERO_ERROR;  ///< Of the construction; handed on, an error makes every later call fail, too.
-    icu::GregorianCalendar calendar;
-};
+constexpr Instant kFirst = sys_days{year::min() / 1 / 1};
+constexpr Instant kEnd = sys_days{year::max() / 12 / 31};
 
-Calendar::Calendar(std::string_view zoneId) : m_icu(std::make_unique<Icu>(zoneId)) {}
-
-Calendar::~Calendar() = default;
-
-std::optional<WallTime> Calendar::wallTime(Instant instant) {
-    if (!std::isfinite(secondsSince1970(instant))) {
-        return std::nullopt;
-    }
-    UErrorCode status = m_icu->status;
-    auto& calendar = m_icu->calendar;
-    calendar.setTime(toIcuDate(instant), status);
-    const WallTime time{.year = calendar.get(UCAL_EXTENDED_YEAR, status),
-                        .month = calendar.get(UCAL_MONTH, status) + 1,
-                        .day = calendar.get(UCAL_DATE, status),
-                        .hour = calendar.get(UCAL_HOUR_OF_DAY, status),
-                        .minute = calendar.get(UCAL_MINUTE, status)};
-    return U_SUCCESS(status) != 0 ? std::optional(time) : std::nullopt;
+/// What a clock shows, as if it were UTC; false for what is no number as well.
+bool isWithin(Instant shown) {
+    return shown >= kFirst && shown < kEnd;
 }
 
-std::optional<Instant> Calendar::instant(const WallTime& time) {
-    UErrorCode status = m_icu->status;
-    auto& calendar = m_icu->calendar;
-    calendar.clear();
-    calendar.set(UCAL_EXTENDED_YEAR, time.year);
-    calendar.set(UCAL_MONTH, time.month - 1);
-    calendar.set(UCAL_DATE, time.day);
-    calendar.set(UCAL_HOUR_OF_DAY, time.hour);
-    calendar.set(UCAL_MINUTE, time.minute);
-    const UDate date = calendar.getTime(status);
-    return U_SUCCESS(status) != 0 ? std::optional(fromIcuDate(date)) : std::nullopt;
-}
+}  // namespace
 
-std::optional<Instant> Calendar::addDays(Instant instant, int days) {
-    if (!std::isfinite(secondsSince1970(instant))) {
+std::optional<WallTime> Calendar::wallTime(Instant instant) const {
+    const Instant shown = m_zone.shown(instant);
+    if (!isWithin(shown)) {
         return std::nullopt;
     }
-    UErrorCode status = m_icu->status;
-    auto& calendar = m_icu->calendar;
-    calendar.setTime(toIcuDate(instant), status);
-    calendar.add(UCAL_DATE, days, status);
-    const UDate date = calendar.getTime(status);
-    return U_SUCCESS(status) != 0 ? std::optional(fromIcuDate(date)) : std::nullopt;
+    const auto day = std::chrono::floor<std::chrono::days>(shown);
+    const std::chrono::year_month_day date{day};
+    const std::chrono::hh_mm_ss time{std::chrono::floor<std::chrono::minutes>(shown - day)};
+    return WallTime{.year = static_cast<int>(date.year()),
+                    .month = static_cast<int>(static_cast<unsigned>(date.month())),
+                    .day = static_cast<int>(static_cast<unsigned>(date.day())),
+                    .hour = static_cast<int>(time.hours().count()),
+                    .minute = static_cast<int>(time.minutes().count())};
+}
+
+std::optional<Instant> Calendar::instant(const WallTime& time) const {
+    using std::chrono::days;
+    using std::chrono::hours;
+    using std::chrono::minutes;
+    constexpr std::int64_t kMonths = 12;
+    const std::int64_t months = std::int64_t{time.year} * kMonths + time.month - 1;
+    const std::int64_t years = (months - (months % kMonths + kMonths) % kMonths) / kMonths;
+    if (years < static_cast<int>(year::min()) || years > static_cast<int>(year::max())) {
+        return std::nullopt;
+    }
+    const std::chrono::month month{static_cast<unsigned>(months - years * kMonths) + 1};
+    const Instant shown = Instant{sys_days{year{static_cast<int>(years)} / month / 1}} + days{time.day} - days{1} +
+                          hours{time.hour} + minutes{time.minute};
+    return isWithin(shown) ? std::optional(m_zone.whenShown(shown)) : std::nullopt;
+}
+
+std::optional<Instant> Calendar::addDays(Instant instant, int days) const {
+    const Instant shown = m_zone.shown(instant) + std::chrono::days{days};
+    return isWithin(shown) ? std::optional(m_zone.whenShown(shown)) : std::nullopt;
 }
 
 }  // namespace vorn

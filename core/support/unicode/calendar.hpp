@@ -1,10 +1,10 @@
 #pragma once
 
-#include <memory>
 #include <optional>
-#include <string_view>
+#include <utility>
 
 #include "core/support/time.hpp"
+#include "core/support/time_zone.hpp"
 
 namespace vorn {
 
@@ -19,26 +19,21 @@ struct WallTime {
     bool operator==(const WallTime&) const = default;
 };
 
-/// The Gregorian calendar of one time zone. One thread at a time.
+/// The Gregorian calendar of one time zone.
 class Calendar {
 public:
-    /// `zoneId` as `isTimeZoneName` accepts it or `currentTimeZone` gives it; an unknown one counts as UTC.
-    explicit Calendar(std::string_view zoneId);
-    ~Calendar();
-    Calendar(const Calendar&) = delete;
-    Calendar& operator=(const Calendar&) = delete;
+    explicit Calendar(TimeZone zone) : m_zone(std::move(zone)) {}
 
-    /// Cut to the minute. Empty for an instant that is no number.
-    std::optional<WallTime> wallTime(Instant instant);
+    /// Cut to the minute. Empty for an instant that is no number, and beyond the years -32767 to 32767.
+    [[nodiscard]] std::optional<WallTime> wallTime(Instant instant) const;
     /// The earlier one of two when the clock goes back; moved forward by the gap when the clock skips the time. Empty
     /// when it lies beyond the calendar.
-    std::optional<Instant> instant(const WallTime& time);
+    [[nodiscard]] std::optional<Instant> instant(const WallTime& time) const;
     /// The same wall time `days` later: 23 to 25 hours a day.
-    std::optional<Instant> addDays(Instant instant, int days);
+    [[nodiscard]] std::optional<Instant> addDays(Instant instant, int days) const;
 
 private:
-    class Icu;
-    std::unique_ptr<Icu> m_icu;
+    TimeZone m_zone;
 };
 
 }  // namespace vorn

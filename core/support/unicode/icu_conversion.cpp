@@ -12,9 +12,4 @@ icu::UnicodeString toIcuText(std::string_view utf8) {
     return icu::UnicodeString::fromUTF8({text.data(), static_cast<std::int32_t>(text.size())});
 }
 
-std::unique_ptr<icu::TimeZone> makeIcuZone(std::string_view zoneId) {
-    // ICU answers an unknown identifier with a zone "Etc/Unknown" that equals UTC, never with null.
-    return std::unique_ptr<icu::TimeZone>(icu::TimeZone::createTimeZone(toIcuText(zoneId)));
-}
-
 }  // namespace vorn

@@ -1,22 +1,18 @@
 #pragma once
 
-#include <memory>
 #include <string_view>
 
-#include <unicode/timezone.h>
 #include <unicode/unistr.h>
+#include <unicode/utypes.h>
 
 #include "core/support/time.hpp"
 
-/// Between Vorn's texts, instants and zones and ICU's. For the files of this folder only.
+/// Between Vorn's texts and instants and ICU's. For the files of this folder only.
 namespace vorn {
 
 /// Invalid sequences become U+FFFD. Nothing we read is longer than 256 MiB; of such a text the rest is left out, since
 /// ICU counts in 32 bits.
 icu::UnicodeString toIcuText(std::string_view utf8);
-
-/// A zone of our own for ICU to adopt; an unknown identifier is UTC.
-std::unique_ptr<icu::TimeZone> makeIcuZone(std::string_view zoneId);
 
 /// ICU counts milliseconds.
 inline UDate toIcuDate(Instant instant) {

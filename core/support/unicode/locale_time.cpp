@@ -18,9 +18,7 @@
 namespace vorn {
 namespace {
 
-constexpr double kMillisecondsPerDay = 86'400'000.0;
-
-/// How many pairs of locale and zone are kept: one is normal, a few follow a change of settings.
+/// How many locales are kept: one is normal, another follows a change of settings.
 constexpr std::size_t kCachedFormats = 8;
 
 /// As in the environment ("sr_RS.UTF-8@latin"); empty when nothing is set.
@@ -51,7 +49,8 @@ std::string icuLocale(std::string_view posix) {
     return std::string(name);
 }
 
-/// Formatters of one locale and zone; either may be null when ICU has no data.
+/// Formatters of one locale, all in UTC: they are handed what a clock shows as if it were that, since ICU has rules of
+/// its own for zones. Any may be null when ICU has no data.
 struct Formats {
     std::unique_ptr<icu::DateFormat> time;
     std::unique_ptr<icu::DateFormat> weekday;
@@ -59,7 +58,7 @@ struct Formats {
     std::unique_ptr<icu::DateFormat> typedDate;
 };
 
-Formats makeFormats(const std::string& posixLocale, const std::string& zoneId) {
+Formats makeFormats(const std::string& posixLocale) {
     const std::string name = icuLocale(posixLocale);
     const bool isPlain = name.empty() || name == "C" || name == "POSIX";
     const icu::Locale locale = isPlain ? icu::Locale::getUS() : icu::Locale(name.c_str());
@@ -83,7 +82,7 @@ Formats makeFormats(const std::string& posixLocale, const std::string& zoneId) {
     for (const auto& format :
          {formats.time.get(), formats.weekday.get(), formats.date.get(), formats.typedDate.get()}) {
         if (format != nullptr) {
-            format->adoptTimeZone(makeIcuZone(zoneId).release());
+            format->setTimeZone(*icu::TimeZone::getGMT());
         }
     }
     return formats;
@@ -94,31 +93,31 @@ using Which = std::unique_ptr<icu::DateFormat> Formats::*;
 /// Making a formatter takes a good part of a millisecond, so they are kept. They are not safe to share between threads:
 /// the lock covers their use too.
 template <typename Use>
-void useFormat(const std::string& zoneId, Which which, const Use& use) {
+void useFormat(Which which, const Use& use) {
     static std::mutex mutex;
-    static std::map<std::pair<std::string, std::string>, Formats> cache;
+    static std::map<std::string, Formats> cache;
 
-    std::pair key(environmentLocale(), zoneId);
+    std::string locale = environmentLocale();
     const std::lock_guard lock(mutex);
-    auto found = cache.find(key);
+    auto found = cache.find(locale);
     if (found == cache.end()) {
         if (cache.size() >= kCachedFormats) {
             cache.clear();
         }
-        Formats made = makeFormats(key.first, key.second);
-        found = cache.emplace(std::move(key), std::move(made)).first;
+        Formats made = makeFormats(locale);
+        found = cache.emplace(std::move(locale), std::move(made)).first;
     }
     if (const auto& formatter = found->second.*which) {
         use(*formatter);
     }
 }
 
-std::string format(Instant instant, const std::string& zoneId, Which which) {
+std::string format(Instant instant, const TimeZone& zone, Which which) {
     std::string text;
     if (std::isfinite(secondsSince1970(instant))) {
-        useFormat(zoneId, which, [&](const icu::DateFormat& formatter) {
+        useFormat(which, [&](const icu::DateFormat& formatter) {
             icu::UnicodeString formatted;
-            formatter.format(toIcuDate(instant), formatted).toUTF8String(text);
+            formatter.format(toIcuDate(zone.shown(instant)), formatted).toUTF8String(text);
         });
     }
     return text;
@@ -132,7 +131,7 @@ icu::UnicodeString withPlainSpaces(icu::UnicodeString text) {
     return text.trim();
 }
 
-/// The whole of `text`, which has plain spaces, in that format.
+/// The whole of `text`, which has plain spaces, in that format: what a clock shows, as if it were UTC.
 std::optional<Instant> parseAll(icu::DateFormat& format, const icu::UnicodeString& text) {
     format.setLenient(0);
     icu::ParsePosition position(0);
@@ -143,20 +142,20 @@ std::optional<Instant> parseAll(icu::DateFormat& format, const icu::UnicodeStrin
     return fromIcuDate(date);
 }
 
-std::optional<Instant> parseAs(const char* pattern, const icu::UnicodeString& text, const std::string& zoneId) {
+std::optional<Instant> parseAs(const char* pattern, const icu::UnicodeString& text) {
     UErrorCode status = U_ZERO_ERROR;
     icu::SimpleDateFormat format(icu::UnicodeString(pattern), icu::Locale::getUS(), status);
     if (U_FAILURE(status) != 0) {
         return std::nullopt;
     }
-    format.adoptTimeZone(makeIcuZone(zoneId).release());
+    format.setTimeZone(*icu::TimeZone::getGMT());
     return parseAll(format, text);
 }
 
 /// The locale's pattern, in which some locales have other spaces than keyboards do.
-std::optional<Instant> parseAsLocale(Which which, const icu::UnicodeString& text, const std::string& zoneId) {
+std::optional<Instant> parseAsLocale(Which which, const icu::UnicodeString& text) {
     std::optional<Instant> parsed;
-    useFormat(zoneId, which, [&](const icu::DateFormat& shared) {
+    useFormat(which, [&](const icu::DateFormat& shared) {
         const std::unique_ptr<icu::DateFormat> own(shared.clone());
         if (auto* const simple = dynamic_cast<icu::SimpleDateFormat*>(own.get())) {
             icu::UnicodeString pattern;
@@ -167,68 +166,53 @@ std::optional<Instant> parseAsLocale(Which which, const icu::UnicodeString& text
     return parsed;
 }
 
-/// "26" means 2026.
-std::optional<Instant> inThisCentury(std::optional<Instant> date, const std::string& zoneId) {
-    constexpr int kCentury = 2000;
-    if (!date) {
-        return date;
-    }
-    Calendar calendar(zoneId);
-    auto wall = calendar.wallTime(*date);
-    if (!wall || wall->year < 0 || wall->year >= 100) {
-        return date;
-    }
-    wall->year += kCentury;
-    return calendar.instant(*wall);
-}
-
 /// Days since 1970 on the zone's own calendar.
-double localDay(Instant instant, const icu::TimeZone& zone) {
-    std::int32_t standard = 0;
-    std::int32_t summer = 0;
-    UErrorCode status = U_ZERO_ERROR;
-    zone.getOffset(toIcuDate(instant), 0, standard, summer, status);
-    return std::floor((toIcuDate(instant) + standard + summer) / kMillisecondsPerDay);
+double localDay(Instant instant, const TimeZone& zone) {
+    return std::floor(zone.shown(instant).time_since_epoch() / std::chrono::days{1});
 }
 
 }  // namespace
 
-std::string shortTime(Instant instant, const std::string& zoneId) {
-    return format(instant, zoneId, &Formats::time);
+std::string shortTime(Instant instant, const TimeZone& zone) {
+    return format(instant, zone, &Formats::time);
 }
 
-std::string shortWeekday(Instant instant, const std::string& zoneId) {
-    return format(instant, zoneId, &Formats::weekday);
+std::string shortWeekday(Instant instant, const TimeZone& zone) {
+    return format(instant, zone, &Formats::weekday);
 }
 
-std::string shortDate(Instant instant, const std::string& zoneId) {
-    return format(instant, zoneId, &Formats::date);
+std::string shortDate(Instant instant, const TimeZone& zone) {
+    return format(instant, zone, &Formats::date);
 }
 
-std::string typedDate(Instant instant, const std::string& zoneId) {
-    return format(instant, zoneId, &Formats::typedDate);
+std::string typedDate(Instant instant, const TimeZone& zone) {
+    return format(instant, zone, &Formats::typedDate);
 }
 
-std::optional<Instant> parseTypedDate(std::string_view text, const std::string& zoneId) {
+std::optional<Instant> parseTypedDate(std::string_view text, const TimeZone& zone) {
+    constexpr int kCentury = 2000;
     const icu::UnicodeString typed = withPlainSpaces(toIcuText(text));
-    if (const auto date = parseAs("yyyy-MM-dd", typed, zoneId)) {
-        return inThisCentury(date, zoneId);
+    auto date = parseAs("yyyy-MM-dd", typed);
+    date = date ? date : parseAsLocale(&Formats::typedDate, typed);
+    auto wall = date ? Calendar(TimeZone()).wallTime(*date) : std::nullopt;
+    if (!wall) {
+        return std::nullopt;
     }
-    return inThisCentury(parseAsLocale(&Formats::typedDate, typed, zoneId), zoneId);
+    wall->year += wall->year >= 0 && wall->year < 100 ? kCentury : 0;  // "26" means 2026
+    return Calendar(zone).instant(*wall);
 }
 
 std::optional<Seconds> parseTypedTime(std::string_view text) {
     const icu::UnicodeString typed = withPlainSpaces(toIcuText(text));
-    auto time = parseAsLocale(&Formats::time, typed, "UTC");
+    auto time = parseAsLocale(&Formats::time, typed);
     for (const char* pattern : {"H:mm", "h:mm a", "h a"}) {
-        time = time ? time : parseAs(pattern, typed, "UTC");
+        time = time ? time : parseAs(pattern, typed);
     }
     return time ? std::optional(time->time_since_epoch()) : std::nullopt;
 }
 
-bool isSameDay(Instant one, Instant other, const std::string& zoneId) {
-    const auto zone = makeIcuZone(zoneId);
-    return localDay(one, *zone) == localDay(other, *zone);
+bool isSameDay(Instant one, Instant other, const TimeZone& zone) {
+    return localDay(one, zone) == localDay(other, zone);
 }
 
 }  // namespace vorn

@@ -3,24 +3,25 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
-#include <ctime>
-#include <filesystem>
+#include <map>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <set>
+#include <string>
+#include <vector>
 
-#include <fmt/format.h>
-#include <sys/stat.h>
+#include <unicode/basictz.h>
 #include <unicode/strenum.h>
-#include <unicode/timezone.h>
+#include <unicode/tztrans.h>
+
+#include "core/support/file.hpp"
+#include "core/support/unicode/icu_conversion.hpp"
+#include "core/support/zone_file.hpp"
 
 namespace vorn {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr const char* kLocalTime = "/etc/localtime";
 
 /// ICU lists the IANA names and, beside them, identifiers of its own, which no list that it offers leaves out: the
 /// abbreviations that Java once had, and names that IANA has withdrawn. Taken from a comparison with the database.
@@ -60,96 +61,143 @@ std::set<std::string, std::less<>> readZoneNames() {
     return names;
 }
 
-/// The name within a path such as "/usr/share/zoneinfo/posix/Europe/Berlin".
-std::optional<std::string> nameInPath(std::string_view path) {
-    constexpr std::string_view kDirectory = "/zoneinfo/";
-    const auto at = path.rfind(kDirectory);
-    if (at == std::string_view::npos) {
+bool isKnownToIcu(std::string_view name) {
+    static const auto names = readZoneNames();
+    return names.contains(name);
+}
+
+/// With all changes that ICU knows of up to a distant year.
+std::optional<TimeZone> zoneOfIcu(std::string_view name) {
+    constexpr UDate kDistant = 4102444800000.0;  // the year 2100
+    const std::unique_ptr<icu::TimeZone> zone(icu::TimeZone::createTimeZone(toIcuText(name)));
+    const auto* const rules = dynamic_cast<const icu::BasicTimeZone*>(zone.get());
+    if (rules == nullptr) {
         return std::nullopt;
     }
-    path.remove_prefix(at + kDirectory.size());
+    const auto offset = [](std::int32_t standard, std::int32_t summer) {
+        return Seconds{std::chrono::milliseconds{standard + summer}};
+    };
+    std::vector<ZoneOffsets::Change> changes;
+    icu::TimeZoneTransition change;
+    for (UDate at = -1e15; at < kDistant && rules->getNextTransition(at, 0, change) != 0; at = change.getTime()) {
+        const auto add = [&](Instant from, const icu::TimeZoneRule& rule) {
+            changes.push_back({from, offset(rule.getRawOffset(), rule.getDSTSavings())});
+        };
+        if (changes.empty()) {
+            add(fromIcuDate(at), *change.getFrom());
+        }
+        add(fromIcuDate(change.getTime()), *change.getTo());
+    }
+    if (changes.empty()) {
+        changes.push_back({Instant{}, offset(zone->getRawOffset(), 0)});
+    }
+    return TimeZone(std::move(changes));
+}
+
+/// Read once for as long as the file stays the same: people ask for the time often.
+std::optional<TimeZone> zoneInFile(const fs::path& file) {
+    constexpr std::size_t kLargestFile = std::size_t{1} << 20U;
+    constexpr std::size_t kMostKept = 64;
+    struct Known {
+        FileStamp stamp;
+        std::optional<TimeZone> zone;
+    };
+    static std::mutex mutex;
+    static std::map<fs::path, Known> files;
+
+    const auto stamp = fileStamp(file);
+    if (!stamp) {
+        return std::nullopt;
+    }
+    const std::lock_guard lock(mutex);
+    if (const auto known = files.find(file); known != files.end() && known->second.stamp == *stamp) {
+        return known->second.zone;
+    }
+    const auto content = readFile(file, kLargestFile);
+    auto zone = content ? readZoneFile(*content) : std::nullopt;
+    if (files.size() >= kMostKept) {
+        files.clear();
+    }
+    files.insert_or_assign(file, Known{*stamp, zone});
+    return zone;
+}
+
+/// Whether it may be put behind the folder's path: names come out of what others print.
+bool isPlainName(std::string_view name) {
+    constexpr std::size_t kLongest = 255;
+    return !name.empty() && name.size() <= kLongest && name.front() != '/' && std::ranges::all_of(name, [](char c) {
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '/' || c == '_' ||
+               c == '-' || c == '+';
+    });
+}
+
+std::optional<TimeZone> zoneInFolder(std::string_view name) {
+    const fs::path folder = environmentValue("TZDIR").value_or("/usr/share/zoneinfo");
+    return isPlainName(name) ? zoneInFile(folder / name) : std::nullopt;
+}
+
+/// The name within a path such as "/usr/share/zoneinfo/posix/Europe/Berlin".
+std::string_view nameInPath(std::string_view path) {
+    constexpr std::string_view kFolder = "/zoneinfo/";
+    const auto at = path.rfind(kFolder);
+    path.remove_prefix(at == std::string_view::npos ? path.size() : at + kFolder.size());
     for (const std::string_view variant : {"posix/", "right/"}) {
         if (path.starts_with(variant)) {
             path.remove_prefix(variant.size());
         }
     }
-    return isTimeZoneName(path) ? std::optional(std::string(path)) : std::nullopt;
+    return path;
 }
 
-/// What the C library makes of `TZ` or /etc/localtime, as a fixed offset: right now, though not after the next change.
-std::string currentOffset() {
-    ::tzset();
-    const std::time_t now = std::time(nullptr);
-    std::tm local{};
-    if (::localtime_r(&now, &local) == nullptr || local.tm_gmtoff == 0) {
-        return "UTC";
-    }
-    const long minutes = std::abs(local.tm_gmtoff) / 60;
-    return fmt::format("GMT{}{:02}:{:02}", local.tm_gmtoff < 0 ? '-' : '+', minutes / 60, minutes % 60);
-}
-
-std::string zoneOfVariable(std::string_view value) {
+TimeZone zoneOfVariable(std::string_view value) {
     if (value.starts_with(':')) {
         value.remove_prefix(1);
     }
-    if (value.empty()) {
-        return "UTC";  // as the C library reads it
+    if (value.starts_with('/')) {
+        return timeZoneOfFile(value);
     }
-    if (isTimeZoneName(value)) {
-        return std::string(value);
-    }
-    return nameInPath(value).value_or(currentOffset());
-}
-
-/// A plain copy of a zone file has no name. ICU looks for its double among all zone files, which takes a while, so the
-/// answer is kept for as long as the file stays the same.
-std::string zoneOfCopy() {
-    static std::mutex mutex;
-    static struct stat known {};
-    static std::string answer;
-
-    struct stat current {};
-    if (::stat(kLocalTime, &current) != 0) {
-        return "UTC";
-    }
-    const std::lock_guard lock(mutex);
-    const bool same = !answer.empty() && current.st_ino == known.st_ino && current.st_dev == known.st_dev &&
-                      current.st_size == known.st_size && current.st_mtime == known.st_mtime;
-    if (!same) {
-        const std::unique_ptr<icu::TimeZone> detected(icu::TimeZone::detectHostTimeZone());
-        icu::UnicodeString id;
-        std::string name;
-        detected->getID(id).toUTF8String(name);
-        answer = isTimeZoneName(name) ? name : currentOffset();
-        known = current;
-    }
-    return answer;
-}
-
-std::string zoneOfFile() {
-    std::error_code error;
-    // The link itself says the name the user chose; resolved to the end, it may become an older spelling.
-    if (const fs::path target = fs::read_symlink(kLocalTime, error); !error) {
-        if (auto name = nameInPath(target.string())) {
-            return *name;
-        }
-        if (auto name = nameInPath(fs::canonical(kLocalTime, error).string())) {
-            return *name;
-        }
-    }
-    return zoneOfCopy();
+    // As the C library reads it: a name before a rule, and UTC for what is neither.
+    const auto named = timeZoneNamed(value);
+    return named ? *named : readZoneRule(value).value_or(TimeZone());
 }
 
 }  // namespace
 
-bool isTimeZoneName(std::string_view name) {
-    static const auto names = readZoneNames();
-    return names.contains(name);
+std::optional<TimeZone> timeZoneNamed(std::string_view name) {
+    if (auto zone = zoneInFolder(name)) {
+        return zone;
+    }
+    if (!isKnownToIcu(name)) {
+        return std::nullopt;
+    }
+    // Some systems leave out older names, which the client prints nevertheless: the file may have a newer one.
+    const icu::UnicodeString id = toIcuText(name);
+    for (std::int32_t i = 0, count = icu::TimeZone::countEquivalentIDs(id); i < count; ++i) {
+        std::string other;
+        if (auto zone = zoneInFolder(icu::TimeZone::getEquivalentID(id, i).toUTF8String(other))) {
+            return zone;
+        }
+    }
+    return zoneOfIcu(name);
 }
 
-std::string currentTimeZone() {
+TimeZone timeZoneOfFile(const fs::path& file) {
+    if (auto zone = zoneInFile(file)) {
+        return *zone;
+    }
+    std::error_code error;
+    // The link itself says the name the user chose; resolved to the end, it may become an older spelling.
+    for (const fs::path& path : {file, fs::read_symlink(file, error), fs::weakly_canonical(file, error)}) {
+        if (auto zone = timeZoneNamed(nameInPath(path.native()))) {
+            return *zone;
+        }
+    }
+    return {};
+}
+
+TimeZone currentTimeZone() {
     const char* variable = std::getenv("TZ");
-    return variable != nullptr ? zoneOfVariable(variable) : zoneOfFile();
+    return variable != nullptr ? zoneOfVariable(variable) : timeZoneOfFile("/etc/localtime");
 }
 
 }  // namespace vorn

@@ -173,7 +173,7 @@ TEST(Breakdown, KeepsTheRestLastAndSplitsFindings) {
     const UsageInsights insights{.periods = {{.label = "Last 24h",
                                               .requests = 1,
                                               .sessions = 2,
-                                              .findings = {{71, "Check models · it · pays"}, {5, "Plain"}}}}};
+                                              .findings = {{71, "check models · it · pays"}, {5, "Plain"}}}}};
     const auto printed = printedContent(insights, 9);
     const auto finding = [&](qsizetype at) {
         return printed.findings[at].value<PrintedFinding>();

@@ -8,6 +8,7 @@
 #include <fmt/format.h>
 
 #include "core/support/unicode/display_width.hpp"
+#include "core/wording/activity_text.hpp"
 #include "core/wording/answer_text.hpp"
 #include "core/wording/failure_text.hpp"
 #include "core/wording/format.hpp"
@@ -33,13 +34,6 @@ constexpr std::size_t kShortRowOverhead = 13;
 constexpr std::size_t kLabelCells = 10;
 constexpr std::size_t kNarrowestText = 12;
 constexpr std::size_t kWidestPeriod = 16;
-
-std::string capitalised(std::string text) {
-    if (!text.empty() && text[0] >= 'a' && text[0] <= 'z') {
-        text[0] = static_cast<char>(text[0] - 'a' + 'A');
-    }
-    return text;
-}
 
 /// Lays the answer out line by line.
 class StatusPage {
@@ -234,7 +228,7 @@ private:
             }
             paragraph("  " + label + " · ", counts, Ink::faint, Ink::strong);
             for (const auto& finding : period.findings) {
-                paragraph(fmt::format("  {:>5}  ", Format::percent(finding.percent)), capitalised(finding.text),
+                paragraph(fmt::format("  {:>5}  ", Format::percent(finding.percent)), Format::findingText(finding),
                           Ink::plain);
             }
             shares("Top skills: ", period.topSkills);

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "core/support/text.hpp"
 #include "core/support/unicode/locale_time.hpp"
 #include "core/wording/format.hpp"
 
@@ -45,6 +46,11 @@ std::string spokenActivity(Seconds span, const ActivitySummary::Bucket& busiest,
 std::string printedHeading(const UsageInsights::Period& period) {
     return joined({std::string("Claude Code"), period.requests ? count(*period.requests, "request") : "",
                    period.sessions ? count(*period.sessions, "session") : ""});
+}
+
+std::string findingText(const UsageInsights::Finding& finding) {
+    std::string text = finding.text;
+    return text.replace(0, 1, asciiUpper(text.substr(0, 1)));
 }
 
 std::string whyNothingPrinted(const UsageInsights::Period* period) {

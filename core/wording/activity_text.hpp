@@ -22,6 +22,8 @@ std::string spokenActivity(Seconds span, const ActivitySummary::Bucket& busiest,
 
 /// "Claude Code · 133 requests · 9 sessions"
 std::string printedHeading(const UsageInsights::Period& period);
+/// What the client printed behind the percentage, begun with a capital: "Of your usage came from …".
+std::string findingText(const UsageInsights::Finding& finding);
 /// Why no finding of the client is shown. `period`: the one chosen; null when none was printed.
 std::string whyNothingPrinted(const UsageInsights::Period* period);
 

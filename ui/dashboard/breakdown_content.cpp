@@ -43,7 +43,7 @@ QVariantList ranked(const std::vector<UsageInsights::Share>& printed) {
 }
 
 PrintedFinding split(const UsageInsights::Finding& finding) {
-    const QString text = QString::fromStdString(finding.text);
+    const QString text = QString::fromStdString(Format::findingText(finding));
     const qsizetype dot = text.indexOf(" · ");
     return {.percent = leftToRight(Format::percent(finding.percent)),
             .title = dot < 0 ? text : text.left(dot).trimmed(),

@@ -12,6 +12,7 @@
 #include "core/data/reset_plan_store.hpp"
 #include "core/data/shared_choices.hpp"
 #include "core/data/vorn_paths.hpp"
+#include "core/status_line/more_limits.hpp"
 #include "core/status_line/status_line_snapshot.hpp"
 #include "core/usage_command/claude_locator.hpp"
 #include "core/usage_command/client_question.hpp"
@@ -82,8 +83,15 @@ void Look::gather() {
     m_ledger.takeRecord(m_record, m_announced, now());
     m_ledger.setInsights(loadBreakdown(now()));
     m_asking.hasAnswered = m_record.lastProbeAt && !m_record.failure && m_record.readings.empty();
-    if (const auto snapshot = StatusLineSnapshot::read(VornPaths::statusLineSnapshot())) {
-        const Ledger::Taken taken = m_ledger.takeSnapshot(believable(snapshot->windows(), now()), now());
+    const auto snapshot = StatusLineSnapshot::read(VornPaths::statusLineSnapshot());
+    const auto more = readMoreLimits(VornPaths::moreLimits());
+    std::vector<UsageWindow> told = snapshot ? snapshot->windows() : std::vector<UsageWindow>();
+    if (more) {
+        told.insert(told.end(), more->limits.windows.begin(), more->limits.windows.end());
+        m_ledger.takeOthers(more->limits.others);
+    }
+    if (!told.empty()) {
+        const Ledger::Taken taken = m_ledger.takeSnapshot(believable(told, now()), now());
         m_moved = taken.moved;
         store(taken.toRecord);
         if (taken.isMemoryChanged) {

@@ -19,7 +19,7 @@ ModelParts makeModelParts() {
             .ticker = makeTimerTicker(),
             .probe = std::make_unique<BackgroundProbe>(),
             .activity = std::make_unique<BackgroundActivity>(LocalActivityScanner::defaultRoot()),
-            .snapshot = std::make_unique<SnapshotFile>(VornPaths::statusLineSnapshot()),
+            .snapshot = std::make_unique<SnapshotFile>(VornPaths::statusLineSnapshot(), VornPaths::moreLimits()),
             .history = std::make_unique<HistoryStore>(VornPaths::history(), HistoryStore::defaultRetention,
                                                       HistoryStore::defaultHeartbeat, kHistoryPatience),
             .resetPlan = ResetPlanStore(VornPaths::resetPlan()),

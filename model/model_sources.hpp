@@ -9,6 +9,7 @@
 #include "core/data/activity/activity_summary.hpp"
 #include "core/data/client_answer.hpp"
 #include "core/data/probe_failure.hpp"
+#include "core/status_line/more_limits.hpp"
 #include "core/status_line/status_line_snapshot.hpp"
 #include "core/support/file.hpp"
 #include "core/support/time.hpp"
@@ -46,6 +47,8 @@ public:
     /// Changes whenever the file's content does; empty when there is none.
     [[nodiscard]] virtual std::optional<FileStamp> stamp() const = 0;
     [[nodiscard]] virtual std::optional<StatusLineSnapshot> read() const = 0;
+    /// The limits beside the snapshot's, as they came last; they may be older than it.
+    [[nodiscard]] virtual std::optional<MoreLimits> readMore() const { return std::nullopt; }
 };
 
 }  // namespace vorn

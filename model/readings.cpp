@@ -62,6 +62,10 @@ bool Readings::readSnapshot() {
     const Instant now = m_clock.now();
     const auto snapshot = m_snapshot->read();
     std::vector<UsageWindow> windows = snapshot ? snapshot->windows() : std::vector<UsageWindow>();
+    if (auto more = m_snapshot->readMore()) {
+        std::ranges::move(believable(more->limits.windows, now), std::back_inserter(windows));
+        m_ledger.takeOthers(more->limits.others);
+    }
     std::erase_if(windows, [&](const UsageWindow& window) { return window.observedAt > now + kClockSlack; });
     if (windows.empty()) {
         return false;

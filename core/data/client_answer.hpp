@@ -14,7 +14,7 @@ namespace vorn {
 struct ClientAnswer {
     /// In the client's order, all from `DataSource::usageCommand`, observed at `fetchedAt`.
     std::vector<UsageWindow> windows;
-    OtherLimits others{};                     ///< From the same source, observed at `fetchedAt` as well.
+    std::optional<OtherLimits> others{};      ///< Likewise; absent: the form does not tell of them.
     std::optional<UsageInsights> insights{};  ///< Absent: it did not say; the last ones stand.
     /// When the figures were fetched from the service; never later than `answeredAt`. Earlier where the client answered
     /// from its cache.

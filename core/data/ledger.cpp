@@ -51,13 +51,29 @@ Ledger::Taken Ledger::takeAnswer(ClientAnswer answer, Instant now) {
     m_state.setInsights(std::move(answer.insights));
     giveNamesHeld(answer.windows);
     noteListed(answer);
-    m_others = std::move(answer.others);
+    if (answer.others) {
+        m_others = *std::move(answer.others);
+    }
     m_lastAnswer = answer.windows;
     return take({.readings = std::move(answer.windows)}, now);
 }
 
 Ledger::Taken Ledger::takeSnapshot(std::vector<UsageWindow> readings, Instant now) {
     return take({.readings = std::move(readings)}, now);
+}
+
+void Ledger::takeOthers(const OtherLimits& others) {
+    for (const OtherLimit& limit : others.limits) {
+        const auto known = std::ranges::find(m_others.limits, limit.name, &OtherLimit::name);
+        if (known == m_others.limits.end()) {
+            m_others.limits.push_back(limit);
+        } else if (limit.observedAt > known->observedAt) {
+            *known = limit;
+        }
+    }
+    if (others.credits && (!m_others.credits || others.credits->observedAt > m_others.credits->observedAt)) {
+        m_others.credits = others.credits;
+    }
 }
 
 Ledger::Taken Ledger::takeRecord(const ProbeRecord& record, std::set<WindowKind> announced, Instant now) {

@@ -42,6 +42,8 @@ public:
 
     /// An answer of the client to this program.
     Taken takeAnswer(ClientAnswer answer, Instant now);
+    /// Limits that are no windows, as another source told of them: what is newer of each counts.
+    void takeOthers(const OtherLimits& others);
     /// What the relay left.
     Taken takeSnapshot(std::vector<UsageWindow> readings, Instant now);
     /// An answer that another program was given, and the falls it saw. `announced`: those of the record's resets that

@@ -62,7 +62,7 @@ std::vector<MenuBarItem> shownItems(const Preferences& preferences) {
 AppDelegate::AppDelegate(std::optional<demo::Scenario> demo)
     : m_demo(demo),
       m_preferences(Preferences::standardStore()),
-      m_model(std::make_unique<UsageModel>(m_preferences, makeModelParts())),
+      m_model(std::make_unique<UsageModel>(m_preferences, makeModelParts(m_ticker))),
       m_loginItem(demo ? nullptr : LoginItem::system()),
       m_integrations(StatusLineConnection::current(), m_loginItem.get()),
       m_notificationCenter(NotificationCenter::system()),
@@ -159,6 +159,9 @@ void AppDelegate::connectDesktop() {
     connect(m_hotKey.get(), &HotKey::pressed, this, [this] { togglePopover(PopoverAnchor::inCorner(QCursor::pos())); });
     connect(m_wakeSignal.get(), &WakeSignal::woke, m_model.get(), &UsageModel::refreshForViewer);
     connect(m_panelBrightness.get(), &PanelBrightness::changed, this, &AppDelegate::updateStatusItem);
+    connect(&m_ticker, &QTimer::timeout, m_statusItem.get(), &StatusItem::tick);
+    connect(&m_ticker, &QTimer::timeout, m_hotKey.get(), &HotKey::tick);
+    m_ticker.start(std::chrono::ceil<std::chrono::milliseconds>(UsageModel::tickInterval));  // also in a demonstration
     if (m_notificationCenter) {
         connect(m_notificationCenter.get(), &NotificationCenter::activated, this, &AppDelegate::showPopover);
     }

@@ -80,6 +80,7 @@ private:
     [[nodiscard]] Shown wantedStatus() const;
 
     const std::optional<demo::Scenario> m_demo;
+    QTimer m_ticker;  ///< The one timer of an idle Vorn, for whatever is looked at regularly.
     Preferences m_preferences;
     std::unique_ptr<ChoicesFile> m_choices;
     std::unique_ptr<UsageModel> m_model;

@@ -8,6 +8,7 @@
 #include <QStringList>
 #include <chrono>
 #include <cstdio>
+#include <utility>
 
 #include "core/data/vorn_paths.hpp"
 #include "core/status_line/status_line_connection.hpp"
@@ -21,6 +22,8 @@
 namespace vorn {
 namespace {
 
+/// How long reading waits for the icon to be in the tray.
+constexpr std::chrono::milliseconds kTrayPatience{100};
 /// How long a panel may take to come up after login before somebody is told that there is none.
 constexpr std::chrono::seconds kHostPatience{20};
 /// By then everything was read and drawn once, with memory and library code that is not needed again.
@@ -102,14 +105,14 @@ void AppDelegate::finishLaunching() {
     updateStatusItem();
     m_notifier.requestAuthorization([this] { evaluateNotices(); });
     observePreferences();
-    startData();
+    // The icon's way over the bus takes several turns of the event loop. Reading would come between.
+    connect(m_statusItem.get(), &StatusItem::hostChanged, this, &AppDelegate::startData);
+    QTimer::singleShot(kTrayPatience, this, &AppDelegate::startData);
     m_integrations.refresh();
     if (!m_demo) {
         m_choices = std::make_unique<ChoicesFile>(m_preferences, VornPaths::sharedChoices());
     }
-    connect(&m_hostPatience, &QTimer::timeout, this, &AppDelegate::tellMissingHost);
-    m_hostPatience.setSingleShot(true);
-    m_hostPatience.start(kHostPatience);
+    QTimer::singleShot(kHostPatience, this, &AppDelegate::tellMissingHost);
     QTimer::singleShot(kSettled, this, [] { releaseUnusedMemory(); });
 }
 
@@ -178,6 +181,9 @@ void AppDelegate::observePreferences() {
 }
 
 void AppDelegate::startData() {
+    if (std::exchange(m_isStarted, true)) {
+        return;
+    }
     if (m_demo) {
         m_model->startDemo(demo::makeDemo(*m_demo, systemNow()));
     } else {

@@ -56,6 +56,7 @@ private:
     void connectDesktop();
     void fillMenu();
     void observePreferences();
+    /// Only the first call counts.
     void startData();
     void togglePopover(const PopoverAnchor& anchor);
     [[nodiscard]] PopoverAnchor anchorOfClick() const;
@@ -101,7 +102,7 @@ private:
     DashboardWindow m_dashboard;
     SettingsWindow m_settings;
     QPointer<QFileDialog> m_fileDialog;
-    QTimer m_hostPatience;
+    bool m_isStarted = false;
 };
 
 }  // namespace vorn

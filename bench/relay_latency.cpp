@@ -12,6 +12,7 @@
 #include <fstream>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <fcntl.h>
@@ -28,11 +29,13 @@ namespace fs = std::filesystem;
 using Milliseconds = std::chrono::duration<double, std::milli>;
 
 constexpr const char* kCat = "cat >/dev/null";
+constexpr std::string_view kTurnPrefix = "turn-";
 
 struct Variant {
     const char* name;
     std::vector<std::string> arguments;
     std::string input;
+    bool isTurn = false;  ///< Each run is told of another turn; else the status line is only drawn again.
     std::vector<double> milliseconds{};
 };
 
@@ -42,11 +45,19 @@ void require(bool condition, const char* what) {
     }
 }
 
+/// Of the same length, since it counts from a million.
+void takeNextTurn(std::string& input) {
+    constexpr std::size_t kDigits = 7;
+    const auto number = input.find(kTurnPrefix) + kTurnPrefix.size();
+    input.replace(number, kDigits, std::to_string(std::stol(input.substr(number, kDigits)) + 1));
+}
+
 /// As long as a real one, with limits or without.
 std::string sampleInput(bool withLimits) {
     nlohmann::json input = {{"session_id", "3ccd71b7-039b-4e7d-a37d-d0ec4587a01a"},
                             {"version", "2.1.330"},
                             {"model", {{"id", "claude-opus-5-5"}, {"display_name", "Opus 5.5"}}},
+                            {"prompt_id", "turn-1000000"},
                             {"transcript_path", std::string(900, 'p')}};
     if (withLimits) {
         input["rate_limits"] = {{"five_hour", {{"used_percentage", 23.4}, {"resets_at", 1795385906}}},
@@ -128,12 +139,16 @@ void measure(const fs::path& relay, int runs, const std::string& command, const 
         {"the command alone", {"/bin/sh", "-c", command}, limits},
         {"behind an empty static program", {ownDirectory() / "start_shell", command}, limits},
         {"relay, nothing to store", {relay, "--chain"}, sampleInput(false)},
-        {"relay, storing", {relay, "--chain"}, limits},
-        {"relay, storing, started by a shell", {"/bin/sh", "-c", "'" + relay.string() + "' --chain"}, limits},
+        {"relay, drawn again", {relay, "--chain"}, limits},
+        {"relay, storing", {relay, "--chain"}, limits, true},
+        {"relay, storing, started by a shell", {"/bin/sh", "-c", "'" + relay.string() + "' --chain"}, limits, true},
     };
     constexpr int kWarmUp = 20;
     for (int i = -kWarmUp; i < runs; ++i) {
         for (Variant& variant : variants) {
+            if (variant.isTurn) {
+                takeNextTurn(variant.input);
+            }
             const Milliseconds taken = run(variant);
             if (i >= 0) {
                 variant.milliseconds.push_back(taken.count());

@@ -1,15 +1,28 @@
 #include <nlohmann/json.hpp>
 
+#include "core/status_line/more_limits.hpp"
 #include "core/status_line/status_line_snapshot.hpp"
+#include "core/status_line/turn_memory.hpp"
 #include "fuzz/fuzz_target.hpp"
 #include "fuzz/reading_checks.hpp"
 
-/// The file in which the relay leaves its snapshot.
+/// The files in which the relay leaves what it was told.
 namespace vorn::fuzz {
 
 void checkInput(std::string_view input) {
     const auto file = scratch("read.json");
     writeFile(file, input);
+    if (const auto more = readMoreLimits(file)) {
+        for (const OtherLimit& limit : more->limits.others.limits) {
+            requireUtf8(limit.name);
+        }
+        require(more->write(scratch("limits.json")), "more limits are written");
+        require(readMoreLimits(scratch("limits.json")) == more, "more limits survive a way through their file");
+    }
+    const auto turns = scratch("turns.txt");
+    writeFile(turns, input);
+    require(placeTurn(turns, "{}", kNow).at <= kNow, "no turn is of the future");
+    require(!placeTurn(turns, "{}", kNow).isNew, "a turn is known again");
     const auto snapshot = StatusLineSnapshot::read(file);
     if (!snapshot) {
         return;

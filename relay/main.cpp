@@ -10,7 +10,7 @@
 
 #include "core/data/vorn_paths.hpp"
 #include "core/status_line/integration_record.hpp"
-#include "core/status_line/status_line_snapshot.hpp"
+#include "core/status_line/relayed_turn.hpp"
 #include "core/support/executable_path.hpp"
 #include "relay/signal_ignored.hpp"
 #include "relay/standard_input.hpp"
@@ -63,14 +63,10 @@ void chooseDirectory() noexcept try {
     // Then it is the usual one.
 }
 
-void keepSnapshot(std::string_view input) noexcept try {
+void keepTurn(std::string_view input) noexcept {
     // A file that may grow no further would otherwise end the process, and with it the status line.
     const SignalIgnored noLimitSignal(SIGXFSZ);
-    if (const auto snapshot = StatusLineSnapshot::from(input, systemNow())) {
-        snapshot->write(VornPaths::statusLineSnapshot());
-    }
-} catch (...) {
-    // Nothing that is wrong on our side may show in the status line.
+    leaveTurn(input, systemNow());
 }
 
 std::optional<std::string> commandToRun() noexcept try {
@@ -95,7 +91,7 @@ int relay() noexcept {
     const auto command = commandToRun();
     StandardInput input;
     if (const auto bytes = input.whole()) {
-        keepSnapshot(*bytes);
+        keepTurn(*bytes);
     }
     if (!command) {
         input.drain();

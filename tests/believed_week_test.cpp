@@ -85,7 +85,7 @@ private:
             m_windows.erase(found);
         }
         if (isUsed && !m_windows.contains(kind)) {
-            m_windows[kind] = {kind, 0, now + kind.length(), now};
+            m_windows.insert_or_assign(kind, UsageWindow{kind, 0, now + kind.length(), now});
         }
     }
 
@@ -191,8 +191,8 @@ private:
         moved += static_cast<int>(taken.moved.size());
     }
 
-    /// Nothing lies below the truth, every reset is believed once a fresh answer came after it, and a figure's time is
-    /// when it was true.
+    /// Nothing lies below the truth, every reset is believed once both sources told of a time after it, and a figure's
+    /// time is when it was true.
     void check(const Ledger& ledger, const Service& service, Instant now) {
         m_truth.emplace_back(now, service.windows());
         for (const UsageWindow& shown : ledger.windows(now)) {
@@ -208,13 +208,16 @@ private:
             const bool wasReset = std::ranges::any_of(service.resets, isReset);
             untrueAges += !wasReset && std::abs(shown.usedPercent - was->second.usedPercent) > 2 ? 1 : 0;
             for (const auto& [kind, at] : service.resets) {
-                const bool isFetchedAfter = m_lastFetched && *m_lastFetched > at + 2min;
-                lateResets += kind == shown.kind && isFetchedAfter && m_setting.relay && now - at < 1h &&
-                                      shown.usedPercent > was->second.usedPercent + 2
-                                  ? 1
-                                  : 0;
+                const bool isHigh =
+                    kind == shown.kind && now - at < 1h && shown.usedPercent > was->second.usedPercent + 2;
+                lateResets += isHigh && isToldByBoth(at) ? 1 : 0;
             }
         }
+    }
+
+    [[nodiscard]] bool isToldByBoth(Instant after) const {
+        return !m_snapshot.empty() && m_snapshot[0].observedAt >= after && m_lastFetched && *m_lastFetched >= after &&
+               m_snapshot[0].observedAt != *m_lastFetched;
     }
 
     using Moment = std::pair<Instant, std::map<WindowKind, UsageWindow>>;

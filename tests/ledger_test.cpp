@@ -110,8 +110,9 @@ TEST(Ledger, JudgesEarlyNewsByWhatWasBefore) {
     EXPECT_EQ(held(ledger), 5) << "shown at once";
     ProbeRecord other{.readings = {session(6, 2s)}};
     ledger.takeRecord(other, {WindowKind::week()}, kNow + 2s);
-    ledger.takeAnswer({.windows = {session(6, 70s), reading(WindowKind::week(), 20, 90h)}, .insights = insights},
-                      kNow + 70s);
+    UsageWindow week = reading(WindowKind::week(), 20, 90h);
+    week.observedAt = kNow + 70s;
+    ledger.takeAnswer({.windows = {session(6, 70s), week}, .insights = insights}, kNow + 70s);
     EXPECT_FALSE(ledger.hasBegun());
 
     const auto results = ledger.begin(std::vector{session(40), reading(WindowKind::week(), 80, 90h)}, kNow + 70s);

@@ -18,11 +18,28 @@ using test::kNow;
 ProbeRecord fullRecord() {
     ProbeRecord record{.lastProbeAt = kNow,
                        .readings = {test::reading(WindowKind::session(), 20.5, 3h),
-                                    test::reading(WindowKind::weekModel("Sonnet\x1b only"), 7, 90h)},
+                                    test::reading(WindowKind::weekModel("Sonnet\x1b"), 7, 90h)},
                        .expectedResets = {WindowKind::week(), WindowKind::weekModel("Opus")},
-                       .pendingDrops = {test::reading(WindowKind::session(), 3, 3h)}};
+                       .pendingDrops = {test::reading(WindowKind::session(), 3, 3h)},
+                       .others = {.limits = {{.name = "Spend limit",
+                                              .usedPercent = 101.5,
+                                              .used = 1.5,
+                                              .cap = 2,
+                                              .resetsAt = kNow + 3h,
+                                              .observedAt = kNow},
+                                             {.name = "Five hour opus", .observedAt = kNow}},
+                                  .credits = Credits{.isEnabled = true,
+                                                     .spent = 1540,
+                                                     .cap = 2000,
+                                                     .usedPercent = 77,
+                                                     .currency = "USD",
+                                                     .observedAt = kNow + 0.5s}},
+                       .missing = {{WindowKind::weekModel("Opus"), {.since = kNow - 60s, .until = kNow}}},
+                       .account = "3f2a"};
     record.readings[0].observedAt = kNow + 0.25s;
-    return record.afterFailure(kNow + 5.125s, {ProbeFailure::Kind::commandFailed, "one\ntwo"});
+    record = record.afterFailure(kNow + 5.125s, {ProbeFailure::Kind::commandFailed, "one\ntwo"});
+    record.figuresOf = kNow - 1.5s;
+    return record;
 }
 
 TEST(ProbeRecordStore, KeepsWhatIsToBeKnownNextTime) {

@@ -7,6 +7,7 @@
 #include <thread>
 
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -14,8 +15,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "core/data/limit_names.hpp"
+#include "core/status_line/more_limits.hpp"
 #include "core/status_line/status_line_snapshot.hpp"
 #include "core/support/descriptor.hpp"
+#include "core/support/file.hpp"
 #include "core/support/json.hpp"
 #include "tests/support/temporary_directory.hpp"
 
@@ -327,7 +331,10 @@ Seconds stressDuration() {
 TEST_F(Relay, ManyAtOnceLeaveOneWholeSnapshotThatOnlyGetsNewer) {
     const test::ScopedEnvironment home("VORN_HOME", m_home.path().c_str());
     const Launch run{.arguments = {VORN_BRIDGE, "--chain"}};
-    const fs::path input = m_scratch.write("input", kInput);
+    std::atomic<int> turns{0};
+    const auto nextTurn = [&] {
+        return R"({"prompt_id":)" + std::to_string(++turns) + "," + kInput.substr(1);
+    };
     const auto nothing = [] {
         return Descriptor(::open("/dev/null", O_WRONLY | O_CLOEXEC));
     };
@@ -337,8 +344,10 @@ TEST_F(Relay, ManyAtOnceLeaveOneWholeSnapshotThatOnlyGetsNewer) {
         std::mt19937 random(seed);
         const Descriptor sink = nothing();
         while (!stop) {
-            const Descriptor source(::open(input.c_str(), O_RDONLY | O_CLOEXEC));
-            const pid_t child = start(run, source.get(), sink.get(), sink.get());
+            Ends input = openEnds(Kind::pipe);
+            writeAll(input.write.get(), nextTurn());
+            input.write.reset();
+            const pid_t child = start(run, input.read.get(), sink.get(), sink.get());
             if (random() % 8 == 0) {
                 std::this_thread::sleep_for(std::chrono::microseconds(random() % 3000));
                 ::kill(child, SIGKILL);
@@ -368,13 +377,54 @@ TEST_F(Relay, ManyAtOnceLeaveOneWholeSnapshotThatOnlyGetsNewer) {
     writers.clear();
     RecordProperty("runs", finished);
     EXPECT_GT(changes, 10);
-    EXPECT_EQ(perform({.arguments = run.arguments, .input = kInput}), Outcome());
+    std::this_thread::sleep_for(1ms);  // which is what turns are counted in
+    EXPECT_EQ(perform({.arguments = run.arguments, .input = nextTurn()}), Outcome());
     EXPECT_GT(StatusLineSnapshot::read(snapshotFile())->observedAt, *newest);
     std::vector<std::string> names;
     for (const auto& entry : fs::directory_iterator(m_home.path())) {
         names.push_back(entry.path().filename());
     }
-    EXPECT_THAT(names, UnorderedElementsAre("statusline.json", "statusline.json.lock"));
+    std::erase_if(names, [](const std::string& name) {
+        return name.starts_with("statusline-turns.txt.vorn-new-");  // goes with one of the next turns
+    });
+    EXPECT_THAT(names, UnorderedElementsAre("statusline.json", "statusline.json.lock", "statusline-turns.txt",
+                                            "statusline-turns.txt.lock"));
+}
+
+TEST_F(Relay, AStatusLineThatIsDrawnAgainIsNoReading) {
+    const auto run = [this](const std::string& session, int turn, const char* more = "") {
+        const std::string input =
+            fmt::format(R"({{"session_id":"{}","cost":{{"total_api_duration_ms":{}}},"rate_limits":{{)"
+                        R"("five_hour":{{"used_percentage":{},"resets_at":1795385906}}{}}}}})",
+                        session, turn, turn, more);
+        EXPECT_EQ(perform({.arguments = {VORN_BRIDGE, "--chain"}, .input = input}), Outcome());
+        std::this_thread::sleep_for(2ms);
+        return StatusLineSnapshot::read(snapshotFile()).value();
+    };
+    const StatusLineSnapshot first = run("idle", 10);
+    EXPECT_EQ(run("idle", 10), first);
+    const StatusLineSnapshot second = run("busy", 20);
+    EXPECT_GT(second.observedAt, first.observedAt);
+    EXPECT_EQ(run("idle", 10), second) << "an older turn";
+    fs::remove(snapshotFile());
+    const StatusLineSnapshot again = run("busy", 20);
+    EXPECT_EQ(again, second) << "what is missing comes back, as old as it is";
+    const auto stamp = fileStamp(snapshotFile());
+    run("busy", 20);
+    EXPECT_EQ(fileStamp(snapshotFile()), stamp) << "nobody is woken for nothing";
+
+    for (const char* damage : {"", "garbage\n9 9\n", "99999999999999999999 1 1\n"}) {
+        m_home.write("statusline-turns.txt", damage);
+        EXPECT_GT(run("busy", 20).observedAt, second.observedAt);
+    }
+    fs::remove(m_home / "statusline-turns.txt");
+    fs::create_directory(m_home / "statusline-turns.txt");
+    EXPECT_EQ(run("busy", 30).rateLimits.fiveHour->usedPercentage, 30);
+    fs::remove(m_home / "statusline-turns.txt");
+
+    EXPECT_FALSE(fs::exists(m_home / "statusline-limits.json"));
+    run("busy", 40, R"(,"seven_day_opus":{"used_percentage":5})");
+    EXPECT_EQ(readMoreLimits(m_home / "statusline-limits.json")->limits.windows.at(0).kind, modelWeek("Opus"));
 }
 
 }  // namespace

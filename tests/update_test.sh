@@ -34,7 +34,7 @@ done
 expect "the client is asked although it failed twice a minute ago" test ! -e "$home/asked"
 for run in 1 2; do
     expect "a limit is missing" json "$home/status.$run" \
-        'sorted(w["kind"] for w in it["windows"]) == ["session", "week", "week:Sonnet only"]'
+        'sorted(w["kind"] for w in it["windows"]) == ["session", "week", "week:Sonnet"]'
     expect "the latest reading of the session is not used" json "$home/status.$run" \
         '[w["usedPercent"] for w in it["windows"] if w["kind"] == "session"] == [43.7]'
     expect "the fall that was seen once is believed" json "$home/status.$run" \

@@ -84,8 +84,7 @@ std::vector<Outcome> VornEngine::outcomes(std::span<const HistorySample> history
     std::map<std::string, Course> courses;
     for (const HistorySample& sample : samples) {
         if (const auto kind = sample.kind()) {
-            const bool isModel = kind->which() == WindowKind::Case::weekModel;
-            const WindowKind name = isModel ? modelWeek(kind->modelName()) : *kind;
+            const WindowKind name = canonical(*kind);
             courses.try_emplace(limitKey(name.key()), name, told).first->second.take(sample);
         }
     }

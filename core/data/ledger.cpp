@@ -121,7 +121,8 @@ Ledger::Taken Ledger::judge(const Early& news, Instant now) {
 void Ledger::judgeOne(const UsageWindow& reading, Taken& taken) {
     if (const auto found = m_state.windows().find(reading.kind); found != m_state.windows().end()) {
         const UsageWindow& held = found->second;
-        if (repeats(reading, held)) {
+        const auto drop = m_state.pendingDrops().find(reading.kind);
+        if (repeats(reading, held) || (drop != m_state.pendingDrops().end() && repeats(reading, drop->second))) {
             return;
         }
         if (hasMoved(reading, held)) {
@@ -187,7 +188,7 @@ WindowKind Ledger::nameHeld(WindowKind kind) const {
     if (kind.which() != WindowKind::Case::weekModel) {
         return kind;
     }
-    kind = modelWeek(kind.modelName());
+    kind = canonical(std::move(kind));
     for (const auto& [held, window] : m_state.windows()) {
         if (isSameLimit(held, kind)) {
             return held;

@@ -21,6 +21,10 @@ WindowKind modelWeek(std::string_view sourceName) {
     return WindowKind::weekModel(std::string(withoutOnly(sourceName)));
 }
 
+WindowKind canonical(WindowKind kind) {
+    return kind.which() == WindowKind::Case::weekModel ? modelWeek(kind.modelName()) : kind;
+}
+
 std::optional<WindowKind> windowKindOfMember(std::string_view member) {
     constexpr std::string_view kWeek = "seven_day";
     if (member == "five_hour") {

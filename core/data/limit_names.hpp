@@ -13,6 +13,9 @@ namespace vorn {
 /// The week of a model by the name that a source gives: without a trailing " only".
 WindowKind modelWeek(std::string_view sourceName);
 
+/// The kind under the name that its card shows.
+WindowKind canonical(WindowKind kind);
+
 /// The window that a member of the service's limits is about: `five_hour`, `seven_day`, and every other `seven_day_…`,
 /// the week of a model ("oauth_apps" becomes "Oauth apps"). Empty for any other member.
 std::optional<WindowKind> windowKindOfMember(std::string_view member);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/data/limit_names.hpp"
 #include "core/support/file.hpp"
 #include "core/support/json.hpp"
 
@@ -36,6 +37,13 @@ ProbeRecord::Missing decodeMissing(const nlohmann::json& value) {
             .until = decodeDate(requireMember(value, "until"), DateCoding::secondsSince1970)};
 }
 
+/// Earlier versions kept the name that the client printed.
+UsageWindow decodeReading(const nlohmann::json& value) {
+    UsageWindow reading = decodeUsageWindow(value, DateCoding::secondsSince1970);
+    reading.kind = canonical(std::move(reading.kind));
+    return reading;
+}
+
 ProbeRecord decode(const nlohmann::json& value) {
     ProbeRecord record;
     if (const auto* at = findMember(value, "probedAt")) {
@@ -47,13 +55,13 @@ ProbeRecord decode(const nlohmann::json& value) {
     record.consecutiveFailures = static_cast<int>(std::clamp<std::int64_t>(failures, 0, 1000));
     record.failure = decodeFailure(value);
     for (const auto& reading : arrayOf(value, "readings")) {
-        record.readings.push_back(decodeUsageWindow(reading, DateCoding::secondsSince1970));
+        record.readings.push_back(decodeReading(reading));
     }
     for (const auto& kind : arrayOf(value, "expectedResets")) {
-        record.expectedResets.insert(decodeWindowKind(kind));
+        record.expectedResets.insert(canonical(decodeWindowKind(kind)));
     }
     for (const auto& drop : arrayOf(value, "pendingDrops")) {
-        record.pendingDrops.push_back(decodeUsageWindow(drop, DateCoding::secondsSince1970));
+        record.pendingDrops.push_back(decodeReading(drop));
     }
     if (const auto* at = findMember(value, "figuresOf")) {
         record.figuresOf = decodeDate(*at, DateCoding::secondsSince1970);

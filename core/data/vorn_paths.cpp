@@ -81,6 +81,14 @@ fs::path statusLineSnapshot() {
     return root() / "statusline.json";
 }
 
+fs::path statusLineTurns() {
+    return root() / "statusline-turns.txt";
+}
+
+fs::path moreLimits() {
+    return root() / "statusline-limits.json";
+}
+
 fs::path resetPlan() {
     return root() / "reset-plan.json";
 }

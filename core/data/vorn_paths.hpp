@@ -20,6 +20,8 @@ std::filesystem::path history();             ///< history.jsonl
 std::filesystem::path integrationRecord();   ///< integration.json
 std::filesystem::path connectionNote();      ///< connection.json: what Vorn remembers of connecting
 std::filesystem::path statusLineSnapshot();  ///< statusline.json
+std::filesystem::path statusLineTurns();     ///< statusline-turns.txt: when the last turns of sessions were
+std::filesystem::path moreLimits();          ///< statusline-limits.json: what the status line told beside the snapshot
 std::filesystem::path resetPlan();           ///< reset-plan.json
 std::filesystem::path probeRecord();         ///< probe.json: when the client was last asked, and how it failed
 std::filesystem::path probingLock();         ///< probing.lock: held by the program that asks the client

@@ -6,6 +6,7 @@
 
 #include "core/support/file.hpp"
 #include "core/support/json.hpp"
+#include "core/support/stable_hash.hpp"
 
 namespace vorn {
 namespace fs = std::filesystem;
@@ -15,16 +16,6 @@ using nlohmann::json;
 
 constexpr std::size_t kLargest = std::size_t{1} << 20U;
 constexpr const char* kKinds[] = {"unknown", "settings", "otherHome", "backup"};
-
-std::uint64_t digestOf(std::string_view text) {
-    constexpr std::uint64_t kStart = 0xcbf29ce484222325U;
-    constexpr std::uint64_t kPrime = 0x100000001b3U;
-    std::uint64_t digest = kStart;
-    for (const char c : text) {
-        digest = (digest ^ static_cast<unsigned char>(c)) * kPrime;
-    }
-    return digest;
-}
 
 std::optional<Instant> dateIn(const json& object, const char* key) {
     const json* date = findMember(object, key);
@@ -80,7 +71,7 @@ json encode(const Provenance& provenance) {
 }  // namespace
 
 ConnectionNote::Settings ConnectionNote::describe(const fs::path& path, std::string_view text) {
-    return {.path = fs::absolute(path), .size = text.size(), .digest = digestOf(text)};
+    return {.path = fs::absolute(path), .size = text.size(), .digest = stableHash(text)};
 }
 
 bool ConnectionNote::isAsLeft(const fs::path& path, std::string_view text) const {

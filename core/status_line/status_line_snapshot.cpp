@@ -205,12 +205,6 @@ bool hasPercentage(const std::optional<StatusLineSnapshot::Limit>& limit) {
     return limit && limit->usedPercentage;
 }
 
-/// Whether calendars can show it. Anything else that a source may send is no time (or is in another unit).
-bool isPlausible(Instant instant) {
-    using namespace std::chrono;
-    return instant >= sys_days{year{1970} / January / 1} && instant < sys_days{year{10000} / January / 1};
-}
-
 template <typename T>
 void addMember(nlohmann::json& object, const char* key, const std::optional<T>& value) {
     if (value) {

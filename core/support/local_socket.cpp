@@ -17,6 +17,7 @@
 #include <unistd.h>
 
 #include "core/support/file.hpp"
+#include "core/support/stable_hash.hpp"
 
 namespace vorn {
 namespace fs = std::filesystem;
@@ -36,15 +37,6 @@ constexpr int kSendFlags = 0;  // the socket itself is told, in `prepare`
 
 [[noreturn]] void fail(const char* what) {
     throw std::system_error(errno, std::generic_category(), what);
-}
-
-/// FNV-1a: the same in every build and version.
-std::uint64_t stableHash(std::string_view text) {
-    std::uint64_t hash = 14695981039346656037U;
-    for (const char character : text) {
-        hash = (hash ^ static_cast<unsigned char>(character)) * 1099511628211U;
-    }
-    return hash;
 }
 
 /// The same text for all spellings of a path.

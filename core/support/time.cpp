@@ -115,6 +115,11 @@ Instant systemNow() {
     return std::chrono::system_clock::now();
 }
 
+bool isPlausible(Instant instant) {
+    using namespace std::chrono;
+    return instant >= sys_days{year{1970} / January / 1} && instant < sys_days{year{10000} / January / 1};
+}
+
 std::optional<Instant> parseIso8601(std::string_view text, Fraction fraction) {
     Reader reader(text);
     const std::chrono::year year{reader.number(4)};

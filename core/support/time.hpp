@@ -24,6 +24,9 @@ constexpr Instant instantSince1970(double seconds) {
     return Instant{Seconds{seconds}};
 }
 
+/// Whether it lies in the years 1970 to 9999. Anything else that a source may send is no time, or is in another unit.
+bool isPlausible(Instant instant);
+
 /// Whether an ISO 8601 text has to have fractions of a second.
 enum class Fraction : std::uint8_t { forbidden, optional, required };
 

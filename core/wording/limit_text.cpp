@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include "core/wording/format.hpp"
+#include "core/wording/phrase.hpp"
 
 namespace vorn::Format {
 
@@ -30,14 +31,11 @@ std::string spentText(const Credits& credits) {
 }
 
 std::string otherLimitText(const OtherLimit& limit, Instant now) {
-    std::string text = percent(limit.usedPercent) + " used";
-    if (limit.used && limit.cap) {
-        text += fmt::format(" · {:.0f} of {:.0f}", *limit.used, *limit.cap);
-    }
-    if (limit.resetsAt && *limit.resetsAt > now) {
-        text += " · resets in " + duration(*limit.resetsAt - now);
-    }
-    return text;
+    const bool isRunning = limit.resetsAt && *limit.resetsAt > now;
+    return joined(
+        {limit.used && limit.cap ? fmt::format("{:.0f} of {:.0f} used", *limit.used, *limit.cap) : std::string(),
+         isRunning ? "resets in " + duration(*limit.resetsAt - now) + ", " + clock(*limit.resetsAt, now)
+                   : std::string()});
 }
 
 std::vector<LimitLine> limitLines(const OtherLimits& others, Instant now) {

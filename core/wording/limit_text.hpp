@@ -15,7 +15,7 @@ std::string money(double hundredths, const std::string& currency);
 /// "$15.40 of $20.00 spent", without a cap "$15.40 spent".
 std::string spentText(const Credits& credits);
 
-/// "77% used · 1540 of 2000 · resets in 2d"; as much of it as is known.
+/// "1540 of 2000 used · resets in 2d, Wed 14:00"; as much of it as is known.
 std::string otherLimitText(const OtherLimit& limit, Instant now);
 
 /// One limit that is no window, as it is shown.

@@ -54,7 +54,7 @@ std::string movedText(const Outcome& outcome, Instant now) {
 }
 
 std::string dateAndTime(Instant instant) {
-    const std::string zone = currentTimeZone();
+    const TimeZone zone = currentTimeZone();
     return shortDate(instant, zone) + " " + shortTime(instant, zone);
 }
 

@@ -22,15 +22,15 @@ Column {
             required property otherLimit modelData
 
             width: list.width
-            implicitHeight: bar.visible ? bar.y + bar.height : text.y + text.height
+            implicitHeight: text.y + text.height
             Accessible.role: Accessible.ListItem
-            Accessible.name: modelData.title + " " + modelData.text + " " + modelData.percent
+            Accessible.name: modelData.title + " " + modelData.percent + " " + modelData.text
 
             Label {
                 id: title
 
                 anchors.left: parent.left
-                width: Math.min(implicitWidth, parent.width / 2)
+                width: Math.min(implicitWidth, parent.width - percent.width - Theme.sizes.gap)
                 elide: Text.ElideRight
                 semibold: true
                 text: row.modelData.title
@@ -38,12 +38,21 @@ Column {
             }
 
             Label {
-                id: text
+                id: percent
 
                 anchors.right: parent.right
                 anchors.baseline: title.baseline
-                width: Math.min(implicitWidth, parent.width - title.width - Theme.sizes.gap)
-                elide: Text.ElideRight
+                semibold: true
+                text: row.modelData.percent
+                Accessible.ignored: true
+            }
+
+            Label {
+                id: text
+
+                y: bar.visible ? bar.y + bar.height + Theme.sizes.near : title.height
+                width: parent.width
+                wrapMode: Text.Wrap
                 font.pixelSize: Theme.sizes.small
                 color: Theme.colors.secondText
                 text: row.modelData.text

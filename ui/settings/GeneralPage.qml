@@ -13,7 +13,7 @@ SettingsPage {
 
         SettingsRow {
             label: qsTr("Check usage every")
-            detail: qsTr("The status line adds live figures in between.")
+            detail: page.settings.content.isOften ? qsTr("The service may refuse to answer that often.") : qsTr("The status line adds live figures in between.")
 
             Picker {
                 name: qsTr("Check usage every")

@@ -12,12 +12,16 @@
 namespace vorn {
 namespace {
 
+/// Whoever asks every minute is refused for hours; this is what nobody was refused for.
+constexpr double kGentle = 3;  // minutes
+
 void showPreferences(const Preferences& preferences, SettingsContent& content) {
     const double stored = preferences.refreshMinutes();
     const std::vector<double> offered = offeredMinutes(stored);
     for (const double minutes : offered) {
         content.intervals << leftToRight(QStringLiteral("%1 min").arg(minutes, 0, 'g', 6).toStdString());
     }
+    content.isOften = stored < kGentle;
     content.interval = static_cast<int>(std::ranges::find(offered, stored) - offered.begin());
     for (const GlyphStyle style : kAllGlyphStyles) {
         content.styleTitles << QString::fromUtf8(title(style));

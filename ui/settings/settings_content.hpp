@@ -18,6 +18,7 @@ struct SettingsContent {
     Q_PROPERTY(QString storeProblem MEMBER storeProblem)
     Q_PROPERTY(QList<QString> intervals MEMBER intervals)
     Q_PROPERTY(int interval MEMBER interval)
+    Q_PROPERTY(bool isOften MEMBER isOften)
     Q_PROPERTY(bool launchAtLogin MEMBER launchAtLogin)
     Q_PROPERTY(bool canLaunchAtLogin MEMBER canLaunchAtLogin)
     Q_PROPERTY(QString loginText MEMBER loginText)
@@ -41,6 +42,7 @@ public:
     QString storeProblem;   ///< The problems are empty where there is none.
     QStringList intervals;  ///< "1 min", …, and with them the stored interval where it is another.
     int interval = 0;       ///< The stored one's place among them.
+    bool isOften = false;   ///< So often that the service may refuse.
     bool launchAtLogin = false;
     bool canLaunchAtLogin = false;
     QString loginText;  ///< Why it cannot be chosen; else empty.

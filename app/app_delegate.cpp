@@ -8,6 +8,7 @@
 #include <QStringList>
 #include <chrono>
 #include <cstdio>
+#include <utility>
 
 #include "core/data/vorn_paths.hpp"
 #include "core/status_line/status_line_connection.hpp"
@@ -21,6 +22,8 @@
 namespace vorn {
 namespace {
 
+/// How long reading waits for the icon to be in the tray.
+constexpr std::chrono::milliseconds kTrayPatience{100};
 /// How long a panel may take to come up after login before somebody is told that there is none.
 constexpr std::chrono::seconds kHostPatience{20};
 /// By then everything was read and drawn once, with memory and library code that is not needed again.
@@ -62,7 +65,7 @@ std::vector<MenuBarItem> shownItems(const Preferences& preferences) {
 AppDelegate::AppDelegate(std::optional<demo::Scenario> demo)
     : m_demo(demo),
       m_preferences(Preferences::standardStore()),
-      m_model(std::make_unique<UsageModel>(m_preferences, makeModelParts())),
+      m_model(std::make_unique<UsageModel>(m_preferences, makeModelParts(m_ticker))),
       m_loginItem(demo ? nullptr : LoginItem::system()),
       m_integrations(StatusLineConnection::current(), m_loginItem.get()),
       m_notificationCenter(NotificationCenter::system()),
@@ -102,14 +105,14 @@ void AppDelegate::finishLaunching() {
     updateStatusItem();
     m_notifier.requestAuthorization([this] { evaluateNotices(); });
     observePreferences();
-    startData();
+    // The icon's way over the bus takes several turns of the event loop. Reading would come between.
+    connect(m_statusItem.get(), &StatusItem::hostChanged, this, &AppDelegate::startData);
+    QTimer::singleShot(kTrayPatience, this, &AppDelegate::startData);
     m_integrations.refresh();
     if (!m_demo) {
         m_choices = std::make_unique<ChoicesFile>(m_preferences, VornPaths::sharedChoices());
     }
-    connect(&m_hostPatience, &QTimer::timeout, this, &AppDelegate::tellMissingHost);
-    m_hostPatience.setSingleShot(true);
-    m_hostPatience.start(kHostPatience);
+    QTimer::singleShot(kHostPatience, this, &AppDelegate::tellMissingHost);
     QTimer::singleShot(kSettled, this, [] { releaseUnusedMemory(); });
 }
 
@@ -159,6 +162,9 @@ void AppDelegate::connectDesktop() {
     connect(m_hotKey.get(), &HotKey::pressed, this, [this] { togglePopover(PopoverAnchor::inCorner(QCursor::pos())); });
     connect(m_wakeSignal.get(), &WakeSignal::woke, m_model.get(), &UsageModel::refreshForViewer);
     connect(m_panelBrightness.get(), &PanelBrightness::changed, this, &AppDelegate::updateStatusItem);
+    connect(&m_ticker, &QTimer::timeout, m_statusItem.get(), &StatusItem::tick);
+    connect(&m_ticker, &QTimer::timeout, m_hotKey.get(), &HotKey::tick);
+    m_ticker.start(std::chrono::ceil<std::chrono::milliseconds>(UsageModel::tickInterval));  // also in a demonstration
     if (m_notificationCenter) {
         connect(m_notificationCenter.get(), &NotificationCenter::activated, this, &AppDelegate::showPopover);
     }
@@ -175,6 +181,9 @@ void AppDelegate::observePreferences() {
 }
 
 void AppDelegate::startData() {
+    if (std::exchange(m_isStarted, true)) {
+        return;
+    }
     if (m_demo) {
         m_model->startDemo(demo::makeDemo(*m_demo, systemNow()));
     } else {

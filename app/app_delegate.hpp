@@ -56,6 +56,7 @@ private:
     void connectDesktop();
     void fillMenu();
     void observePreferences();
+    /// Only the first call counts.
     void startData();
     void togglePopover(const PopoverAnchor& anchor);
     [[nodiscard]] PopoverAnchor anchorOfClick() const;
@@ -80,6 +81,7 @@ private:
     [[nodiscard]] Shown wantedStatus() const;
 
     const std::optional<demo::Scenario> m_demo;
+    QTimer m_ticker;  ///< The one timer of an idle Vorn, for whatever is looked at regularly.
     Preferences m_preferences;
     std::unique_ptr<ChoicesFile> m_choices;
     std::unique_ptr<UsageModel> m_model;
@@ -100,7 +102,7 @@ private:
     DashboardWindow m_dashboard;
     SettingsWindow m_settings;
     QPointer<QFileDialog> m_fileDialog;
-    QTimer m_hostPatience;
+    bool m_isStarted = false;
 };
 
 }  // namespace vorn

@@ -67,7 +67,8 @@ void waitForReading(const UsageModel& model) {
 int renderLive(const std::filesystem::path& directory) {
     Preferences preferences(Preferences::standardStore());
     const ScratchHome scratch(directory);
-    UsageModel model(preferences, makeModelParts());
+    QTimer ticker;
+    UsageModel model(preferences, makeModelParts(ticker));
     model.start();
     waitForReading(model);
     const int status = renderSnapshots({.model = model, .preferences = preferences, .directory = directory});
@@ -78,7 +79,8 @@ int renderLive(const std::filesystem::path& directory) {
 int renderDemo(const std::filesystem::path& directory, demo::Scenario scenario) {
     Preferences preferences(Preferences::standardStore());
     preferences.detachFromStore();
-    UsageModel model(preferences, makeModelParts());
+    QTimer ticker;
+    UsageModel model(preferences, makeModelParts(ticker));
     model.startDemo(demo::makeDemo(scenario, systemNow()));
     return renderSnapshots({.model = model, .preferences = preferences, .directory = directory});
 }

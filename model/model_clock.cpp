@@ -1,7 +1,6 @@
 #include "model/model_clock.hpp"
 
 #include <QObject>
-#include <QTimer>
 #include <utility>
 
 namespace vorn {
@@ -15,17 +14,21 @@ public:
 /// Qt's timers follow the monotonic clock.
 class TimerTicker : public Ticker {
 public:
-    TimerTicker() { m_timer.setTimerType(Qt::PreciseTimer); }
+    explicit TimerTicker(QTimer& timer) : m_timer(timer) { m_timer.setTimerType(Qt::PreciseTimer); }
+    ~TimerTicker() override { TimerTicker::stop(); }
+    TimerTicker(const TimerTicker&) = delete;
+    TimerTicker& operator=(const TimerTicker&) = delete;
 
     void start(Seconds interval, std::function<void()> onTick) override {
-        m_timer.disconnect();
-        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, std::move(onTick));
+        stop();
+        m_calls = QObject::connect(&m_timer, &QTimer::timeout, &m_timer, std::move(onTick));
         m_timer.start(std::chrono::ceil<std::chrono::milliseconds>(interval));
     }
-    void stop() override { m_timer.stop(); }
+    void stop() override { QObject::disconnect(m_calls); }
 
 private:
-    QTimer m_timer;
+    QTimer& m_timer;
+    QMetaObject::Connection m_calls;
 };
 
 }  // namespace
@@ -34,8 +37,8 @@ std::unique_ptr<ModelClock> makeSystemClock() {
     return std::make_unique<SystemClock>();
 }
 
-std::unique_ptr<Ticker> makeTimerTicker() {
-    return std::make_unique<TimerTicker>();
+std::unique_ptr<Ticker> makeTimerTicker(QTimer& timer) {
+    return std::make_unique<TimerTicker>(timer);
 }
 
 }  // namespace vorn

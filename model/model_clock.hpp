@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QTimer>
 #include <functional>
 #include <memory>
 
@@ -24,7 +25,8 @@ public:
 };
 
 std::unique_ptr<ModelClock> makeSystemClock();
-/// A ticker driven by the event loop.
-std::unique_ptr<Ticker> makeTimerTicker();
+/// A ticker that listens to `timer` and sets its interval. Others may listen to it as well, so that a program that is
+/// idle wakes once for all of them: stopping ends only this one's calls. `timer` must outlive it.
+std::unique_ptr<Ticker> makeTimerTicker(QTimer& timer);
 
 }  // namespace vorn

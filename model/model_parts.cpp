@@ -14,9 +14,9 @@ constexpr std::chrono::milliseconds kHistoryPatience{2000};
 
 }  // namespace
 
-ModelParts makeModelParts() {
+ModelParts makeModelParts(QTimer& ticker) {
     return {.clock = makeSystemClock(),
-            .ticker = makeTimerTicker(),
+            .ticker = makeTimerTicker(ticker),
             .probe = std::make_unique<BackgroundProbe>(),
             .activity = std::make_unique<BackgroundActivity>(LocalActivityScanner::defaultRoot()),
             .snapshot = std::make_unique<SnapshotFile>(VornPaths::statusLineSnapshot(), VornPaths::moreLimits()),

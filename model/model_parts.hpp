@@ -26,7 +26,8 @@ struct ModelParts {
     std::optional<OutcomeStore> outcomes{};
 };
 
-/// The real clock, sources and stores of this user, at the places that `VornPaths` names now.
-ModelParts makeModelParts();
+/// The real clock, sources and stores of this user, at the places that `VornPaths` names now. `ticker` must outlive
+/// them.
+ModelParts makeModelParts(QTimer& ticker);
 
 }  // namespace vorn

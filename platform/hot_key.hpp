@@ -20,6 +20,8 @@ public:
     [[nodiscard]] virtual QString problem() const = 0;
     /// The keys as the desktop calls them, e.g. "Ctrl+Alt+P".
     [[nodiscard]] virtual QString keys() const = 0;
+    /// To be called every few seconds: tries again, now and then, what nothing announces.
+    virtual void tick() {}
 
 signals:
     void pressed();

@@ -39,6 +39,8 @@ public:
     [[nodiscard]] virtual bool hasHost() const = 0;
     /// Where it is on the screen, as far as the host tells.
     [[nodiscard]] virtual std::optional<QRect> geometry() const = 0;
+    /// To be called every few seconds: looks for a host that nothing announces.
+    virtual void tick() {}
 
 signals:
     /// A click with the main button.

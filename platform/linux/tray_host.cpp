@@ -23,14 +23,16 @@ const QString kLeftAddingPanel = QStringLiteral("org.xfce.Panel");
 
 /// How long the bus gets ahead of the embedding. A starting panel often offers the latter a moment earlier.
 constexpr auto kFirstLook = 2s;
-/// Nothing announces an embedding panel to a program without windows; asking costs one round trip to the X server.
-constexpr auto kLook = 5s;
+
+bool mayEmbed() {
+    return QGuiApplication::platformName() == QStringLiteral("xcb");
+}
 
 }  // namespace
 
 TrayHost::TrayHost() : m_bus(QDBusConnection::sessionBus()) {
-    m_embeddingTimer.setTimerType(Qt::CoarseTimer);
-    connect(&m_embeddingTimer, &QTimer::timeout, this, &TrayHost::lookForEmbedding);
+    m_firstLook.setSingleShot(true);
+    connect(&m_firstLook, &QTimer::timeout, this, &TrayHost::lookForEmbedding);
     awaitEmbedding();
     if (!m_bus.isConnected()) {
         return;
@@ -59,16 +61,22 @@ void TrayHost::askForOwner(const QString& name, std::function<void(bool)> answer
               [answer = std::move(answer)](const auto& reply) { answer(reply.isValid() && reply.value()); });
 }
 
-/// Looks again and again, but only while there is nothing better: each look wakes the processor.
 void TrayHost::awaitEmbedding() {
-    if (QGuiApplication::platformName() == QStringLiteral("xcb")) {
-        m_embeddingTimer.start(kFirstLook);
+    if (mayEmbed()) {
+        m_firstLook.start(kFirstLook);
+    }
+}
+
+/// Only while there is nothing better: each look costs a round trip to the X server.
+void TrayHost::tick() {
+    if (mayEmbed() && !m_isWatcherThere && !m_firstLook.isActive()) {
+        lookForEmbedding();
     }
 }
 
 void TrayHost::watcherCame() {
     m_isWatcherThere = true;
-    m_embeddingTimer.stop();
+    m_firstLook.stop();
     askForOwner(kLeftAddingPanel, [this, watcher = ++m_watchers](bool isThere) {
         if (m_isWatcherThere && watcher == m_watchers) {
             m_addsToTheLeft = isThere;
@@ -97,7 +105,6 @@ void TrayHost::hostsChanged() {
 }
 
 void TrayHost::lookForEmbedding() {
-    m_embeddingTimer.setInterval(kLook);
     // Qt remembers for good whether there was a watcher when it was first asked. It is asked only when there is none,
     // so that it always answers for embedding. Nothing tells how a panel that embeds orders its windows; the one that
     // was tried adds to the left.

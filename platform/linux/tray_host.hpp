@@ -26,6 +26,8 @@ public:
     [[nodiscard]] bool addsToTheLeft() const { return m_addsToTheLeft; }
     /// Whether somebody shows what is enrolled, rather than only keeping the list.
     [[nodiscard]] bool isShown() const { return m_kind == Kind::embedded || (m_kind == Kind::notifier && m_hasHost); }
+    /// To be called every few seconds: nothing announces a panel that embeds windows, nor its end.
+    void tick();
 
 signals:
     /// `kind` is another one, or the same one started anew and knows nothing of the items.
@@ -46,7 +48,7 @@ private:
     void lookForEmbedding();
 
     QDBusConnection m_bus;
-    QTimer m_embeddingTimer;
+    QTimer m_firstLook;
     Kind m_kind = Kind::none;
     bool m_hasHost = false;
     bool m_isWatcherThere = false;

@@ -26,6 +26,7 @@ public:
     void show(StatusContent content) override;
     [[nodiscard]] bool hasHost() const override { return m_host.isShown(); }
     [[nodiscard]] std::optional<QRect> geometry() const override;
+    void tick() override { m_host.tick(); }
 
 private:
     /// One cell: an item on the bus or an icon of Qt's, as the host has it.

@@ -62,13 +62,13 @@ X11Keyboard readKeyboard(xcb_connection_t* connection) {
 }  // namespace
 
 X11HotKey::X11HotKey(xcb_connection_t* connection, std::chrono::milliseconds retry)
-    : m_connection(connection), m_roots(rootWindows(connection)), m_keyboardEvents(keyboardEvents(connection)) {
-    m_retry.setInterval(retry);
-    m_retry.setTimerType(Qt::VeryCoarseTimer);
+    : m_connection(connection),
+      m_roots(rootWindows(connection)),
+      m_keyboardEvents(keyboardEvents(connection)),
+      m_retry(retry) {
     // A new layout is announced by several events.
     m_keyboardChanged.setInterval(0);
     m_keyboardChanged.setSingleShot(true);
-    connect(&m_retry, &QTimer::timeout, this, &X11HotKey::registerKeys);
     connect(&m_keyboardChanged, &QTimer::timeout, this, &X11HotKey::registerKeys);
     QCoreApplication::instance()->installNativeEventFilter(this);
     registerKeys();
@@ -89,6 +89,12 @@ QString X11HotKey::keys() const {
     return QStringLiteral("Ctrl+Alt+P");
 }
 
+void X11HotKey::tick() {
+    if (!isRegistered() && m_rest.hasExpired()) {
+        registerKeys();
+    }
+}
+
 void X11HotKey::registerKeys() {
     const bool wasRegistered = isRegistered();
     const auto wanted = hotKeyCombinations(readKeyboard(m_connection));
@@ -102,11 +108,7 @@ void X11HotKey::registerKeys() {
         m_combinations = isGranted ? wanted : std::vector<X11Key>();
     }
     xcb_flush(m_connection);
-    if (isRegistered()) {
-        m_retry.stop();
-    } else if (!m_retry.isActive()) {
-        m_retry.start();
-    }
+    m_rest.setRemainingTime(m_retry);
     if (isRegistered() != wasRegistered) {
         emit stateChanged();
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QAbstractNativeEventFilter>
+#include <QDeadlineTimer>
 #include <QTimer>
 #include <chrono>
 #include <cstdint>
@@ -20,7 +21,8 @@ namespace vorn {
 /// the key close it, which another client's key would not. Must not outlive the application object's event loop.
 class X11HotKey : public HotKey, private QAbstractNativeEventFilter {
 public:
-    /// How often a key that another program holds is tried again; the server does not tell when it is let go.
+    /// How long after a try a key that another program holds is tried again; the server does not tell when it is let
+    /// go.
     static constexpr std::chrono::milliseconds kRetry = std::chrono::minutes{1};
 
     explicit X11HotKey(xcb_connection_t* connection, std::chrono::milliseconds retry = kRetry);
@@ -29,6 +31,7 @@ public:
     [[nodiscard]] bool isRegistered() const override { return !m_combinations.empty(); }
     [[nodiscard]] QString problem() const override;
     [[nodiscard]] QString keys() const override;
+    void tick() override;
 
 private:
     bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
@@ -52,7 +55,8 @@ private:
     std::optional<std::uint8_t> m_keyboardEvents;  ///< The events' number of the server's keyboard extension.
     std::vector<X11Key> m_combinations;            ///< What is registered; empty while another program has it.
     std::optional<Held> m_held;
-    QTimer m_retry;
+    const std::chrono::milliseconds m_retry;
+    QDeadlineTimer m_rest;  ///< Until a key that another program holds is tried again.
     QTimer m_keyboardChanged;
 };
 

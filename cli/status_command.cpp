@@ -70,6 +70,7 @@ EvidenceRequest requestFor(const StatusArguments& arguments) {
         .probing = arguments.probe     ? Probing::always
                    : arguments.noProbe ? Probing::never
                                        : Probing::whenStale,
+        .wantsBreakdown = showsAll(arguments),
         .wholeWeek = arguments.rates,
         .withRatio = showsAll(arguments),
         .now = arguments.now};

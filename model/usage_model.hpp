@@ -56,6 +56,8 @@ public:
     void probeAnew();
     /// `probe` when the freshest reading is more than 60 s old.
     void refreshIfStale();
+    /// Whether somebody looks at the client's breakdown, for which it may have to be asked in another way.
+    void setBreakdownShown(bool isShown) { m_isBreakdownShown = isShown; }
     /// Everything that follows from the readings, for the present moment.
     void recompute();
     /// Replaces everything by invented data; from then on nothing is read or written.
@@ -130,6 +132,7 @@ private:
     int m_ticks = 0;  ///< Since the start.
     bool m_isProbing = false;
     bool m_owesProbe = false;  ///< When the running one has ended.
+    bool m_isBreakdownShown = false;
     bool m_isDemo = false;
 };
 

@@ -70,7 +70,8 @@ void addRoot(OwnFiles& result) {
     add(result, {.path = root,
                  .files = {VornPaths::history(), VornPaths::integrationRecord(), VornPaths::connectionNote(),
                            VornPaths::statusLineSnapshot(), VornPaths::resetPlan(), VornPaths::probeRecord(),
-                           VornPaths::probingLock(), VornPaths::sharedChoices(), VornPaths::breakdown()}});
+                           VornPaths::probingLock(), VornPaths::clientMemory(), VornPaths::sharedChoices(),
+                           VornPaths::breakdown()}});
     // A folder that holds somebody else's is told by that.
     std::erase_if(result.others, [&](const fs::path& path) {
         return std::ranges::any_of(inner, [&](const Folder& folder) { return folder.path == path; }) &&

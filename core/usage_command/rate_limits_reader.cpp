@@ -60,8 +60,8 @@ bool readScope(ondemand::value& value, std::string& scope) {
 
 bool readTold(ondemand::value& value, Told& told) {
     return forEachMember(value, [&](std::string_view key, ondemand::value member) {
-        if (key == "utilization" || key == "percent") {
-            told.percent = numberIn(member);
+        if (key == "utilization" || (key == "percent" && !told.percent)) {
+            told.percent = numberIn(member);  // the first with decimals
         } else if (key == "used" || key == "used_credits") {
             told.used = numberIn(member);
         } else if (key == "cap" || key == "limit" || key == "monthly_limit") {

@@ -148,6 +148,7 @@ void AppDelegate::connectWindows() {
         m_model->refreshForViewer();
         m_integrations.refresh();
     });
+    connect(&m_dashboard, &ViewWindow::closed, this, [this] { m_model->setBreakdownShown(false); });
     connect(&m_requests, &AppRequests::refresh, m_model.get(), &UsageModel::probe);
     connect(&m_requests, &AppRequests::openDashboard, this, &AppDelegate::openDashboard);
     connect(&m_requests, &AppRequests::openSettings, this, &AppDelegate::openSettings);
@@ -197,6 +198,7 @@ void AppDelegate::showPopover() {
 
 void AppDelegate::openDashboard() {
     m_popover.close();
+    m_model->setBreakdownShown(true);
     m_model->refreshForViewer();
     m_dashboard.open();
 }

@@ -72,7 +72,7 @@ struct Busy {
 class BusyProbe : public ProbeSource {
 public:
     explicit BusyProbe(Busy& busy) : m_busy(busy) {}
-    void run(const std::string&, std::function<void(Answer)> done) override {
+    void run(const ClientQuestion&, std::function<void(Answer)> done) override {
         for (UsageWindow& window : m_busy.reading.windows) {
             window.observedAt = m_busy.clock->at;
         }

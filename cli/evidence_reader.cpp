@@ -4,9 +4,9 @@
 #include <iterator>
 #include <utility>
 
-#include "cli/breakdown_file.hpp"
 #include "cli/probing_turn.hpp"
 #include "core/analysis/outcomes.hpp"
+#include "core/data/breakdown_file.hpp"
 #include "core/data/history/history_store.hpp"
 #include "core/data/ledger.hpp"
 #include "core/data/reset_plan_store.hpp"
@@ -150,7 +150,9 @@ bool Look::hasTurnedUp() const {
 }
 
 ClientAnswer Look::runClient() const {
-    const ClientQuestion question{.claudePath = m_request.claudePath.value_or(m_choices.claudePath)};
+    const ClientQuestion question{.claudePath = m_request.claudePath.value_or(m_choices.claudePath),
+                                  .wantsBreakdown = m_request.wantsBreakdown,
+                                  .storesNothing = !mayWrite()};
     return question.ask([this] { return now(); }, &m_cancellation);
 }
 

@@ -24,6 +24,8 @@ struct EvidenceRequest {
     Probing probing = Probing::whenStale;
     /// Age of the newest reading from which the client is asked; empty: as often as the application asks it.
     std::optional<Seconds> staleAfter = Seconds{60};
+    /// The breakdown is shown: where the client's best form does not tell it, the other one is asked for as well.
+    bool wantsBreakdown = false;
     bool storesNothing = false;  ///< For a home in which nothing may be written.
     bool wholeWeek = false;      ///< Read a week of local activity, not just what the session's rate needs.
     bool withRatio = true;       ///< Learn what a session costs of the week, which walks the whole history.

@@ -39,6 +39,14 @@ void requireSound(const WindowAssessment& assessment) {
     }
 }
 
+void requireSound(const std::vector<UsageInsights::Share>& shares) {
+    for (const auto& share : shares) {
+        require(std::isfinite(share.percent) && share.percent >= 0, "a share is a percentage");
+        require(!share.name.empty(), "a share has a name");
+        requireUtf8(share.name);
+    }
+}
+
 }  // namespace
 
 void requireSound(const UsageWindow& window) {
@@ -61,6 +69,22 @@ void requireSound(const UsageWindow& window) {
     if (window.resetsAt) {
         requireUtf8(Format::clock(*window.resetsAt, kNow) + formatIso8601Milliseconds(*window.resetsAt));
     }
+}
+
+void requireSound(const UsageInsights& insights) {
+    for (const auto& period : insights.periods) {
+        requireUtf8(period.label);
+        require(period.requests.value_or(0) >= 0 && period.sessions.value_or(0) >= 0, "counts are counts");
+        requireSound(period.topSkills);
+        requireSound(period.topSubagents);
+        for (const auto& finding : period.findings) {
+            require(std::isfinite(finding.percent) && finding.percent >= 0, "a finding has a percentage");
+            requireUtf8(finding.text);
+        }
+    }
+    constexpr auto kDates = DateCoding::secondsSince1970;
+    require(decodeUsageInsights(encode(insights, kDates), kDates) == insights,
+            "a breakdown is the same after a way through JSON");
 }
 
 void requireAssessable(std::span<const UsageWindow> windows, const HistoryIndex& history) {

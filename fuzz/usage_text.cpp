@@ -1,7 +1,3 @@
-#include <cmath>
-
-#include <nlohmann/json.hpp>
-
 #include "core/support/text.hpp"
 #include "core/usage_command/usage_command_parser.hpp"
 #include "fuzz/fuzz_target.hpp"
@@ -17,30 +13,6 @@ void requireResetInRange(const UsageWindow& window) {
     require(!window.resetsAt ||
                 (*window.resetsAt > sys_days{year{-1} / 1 / 1} && *window.resetsAt < sys_days{year{10001} / 1 / 1}),
             "a printed reset time has a year of four digits");
-}
-
-void requireSound(const std::vector<UsageInsights::Share>& shares) {
-    for (const auto& share : shares) {
-        require(std::isfinite(share.percent) && share.percent >= 0, "a share is a percentage");
-        require(!share.name.empty(), "a share has a name");
-        requireUtf8(share.name);
-    }
-}
-
-void requireSound(const UsageInsights& insights) {
-    for (const auto& period : insights.periods) {
-        requireUtf8(period.label);
-        require(period.requests.value_or(0) >= 0 && period.sessions.value_or(0) >= 0, "counts are counts");
-        requireSound(period.topSkills);
-        requireSound(period.topSubagents);
-        for (const auto& finding : period.findings) {
-            require(std::isfinite(finding.percent) && finding.percent >= 0, "a finding has a percentage");
-            requireUtf8(finding.text);
-        }
-    }
-    constexpr auto kDates = DateCoding::secondsSince1970;
-    require(decodeUsageInsights(encode(insights, kDates), kDates) == insights,
-            "a breakdown is the same after a way through JSON");
 }
 
 }  // namespace

@@ -5,7 +5,6 @@
 
 #include "core/data/vorn_paths.hpp"
 #include "core/support/file.hpp"
-#include "core/usage_command/client_question.hpp"
 #include "core/usage_command/probe_error.hpp"
 
 namespace vorn {
@@ -19,9 +18,9 @@ constexpr std::chrono::milliseconds kGrace{50};
 constexpr std::chrono::seconds kTurnPatience{3};
 
 /// Everything in here may take long: the search path may lead to a network drive.
-ProbeSource::Answer ask(const std::string& overridePath, const Cancellation& cancellation) {
+ProbeSource::Answer ask(const ClientQuestion& question, const Cancellation& cancellation) {
     const auto turn = FileLock::acquire(VornPaths::probingLock(), kTurnPatience);
-    return ClientQuestion{.claudePath = overridePath}.ask(systemNow, &cancellation);
+    return question.ask(systemNow, &cancellation);
 }
 
 }  // namespace
@@ -30,24 +29,23 @@ BackgroundProbe::~BackgroundProbe() {
     cancel();
 }
 
-void BackgroundProbe::run(const std::string& overridePath, std::function<void(Answer)> done) {
+void BackgroundProbe::run(const ClientQuestion& question, std::function<void(Answer)> done) {
     m_cancellation = std::make_shared<Cancellation>();
-    const bool isRunning =
-        m_queue.run([overridePath, done, cancellation = m_cancellation]() -> BackgroundQueue::Answer {
-            Answer answer;
-            try {
-                answer = ask(overridePath, *cancellation);
-            } catch (const Cancelled&) {
-                return nullptr;
-            } catch (const ProbeError& error) {
-                answer = error.failure();
-            } catch (const std::exception& error) {
-                answer = ProbeFailure{.kind = ProbeFailure::Kind::other, .detail = error.what()};
-            }
-            return [done, answer] {
-                done(answer);
-            };
-        });
+    const bool isRunning = m_queue.run([question, done, cancellation = m_cancellation]() -> BackgroundQueue::Answer {
+        Answer answer;
+        try {
+            answer = ask(question, *cancellation);
+        } catch (const Cancelled&) {
+            return nullptr;
+        } catch (const ProbeError& error) {
+            answer = error.failure();
+        } catch (const std::exception& error) {
+            answer = ProbeFailure{.kind = ProbeFailure::Kind::other, .detail = error.what()};
+        }
+        return [done, answer] {
+            done(answer);
+        };
+    });
     if (!isRunning) {
         done(ProbeFailure{.kind = ProbeFailure::Kind::launchFailed, .detail = "no thread could be started for it"});
     }

@@ -16,7 +16,7 @@ public:
     /// A client that runs is asked to terminate and soon killed, but not waited for: for that there is `shutDown`.
     ~BackgroundProbe() override;
 
-    void run(const std::string& overridePath, std::function<void(Answer)> done) override;
+    void run(const ClientQuestion& question, std::function<void(Answer)> done) override;
     void shutDown(std::chrono::milliseconds patience) override;
 
 private:

@@ -3,7 +3,6 @@
 #include <chrono>
 #include <functional>
 #include <optional>
-#include <string>
 #include <variant>
 
 #include "core/data/activity/activity_summary.hpp"
@@ -13,6 +12,7 @@
 #include "core/status_line/status_line_snapshot.hpp"
 #include "core/support/file.hpp"
 #include "core/support/time.hpp"
+#include "core/usage_command/client_question.hpp"
 
 /// Where the model gets its readings. Each of these works off the main thread where it may take long, is asked one
 /// thing at a time, and answers on the main thread exactly once, or not at all after its destruction. Destroying one
@@ -25,8 +25,7 @@ public:
     using Answer = std::variant<ClientAnswer, ProbeFailure>;
 
     virtual ~ProbeSource() = default;
-    /// `overridePath`: the executable the user chose; empty to look for one.
-    virtual void run(const std::string& overridePath, std::function<void(Answer)> done) = 0;
+    virtual void run(const ClientQuestion& question, std::function<void(Answer)> done) = 0;
     /// For the end of the process: gives up what is running and waits for its end, at most `patience`. No answer comes.
     virtual void shutDown(std::chrono::milliseconds patience) { static_cast<void>(patience); }
 };

@@ -131,8 +131,9 @@ void UsageModel::probe() {
     m_isProbing = true;
     m_conclusions.noteAsking(true);
     emit changed();
-    m_probe->run(m_preferences.claudePathOverride().toStdString(),
-                 [this](const ProbeSource::Answer& answer) { finishProbe(answer); });
+    const ClientQuestion question{.claudePath = m_preferences.claudePathOverride().toStdString(),
+                                  .wantsBreakdown = m_isBreakdownShown};
+    m_probe->run(question, [this](const ProbeSource::Answer& answer) { finishProbe(answer); });
 }
 
 void UsageModel::probeAnew() {

@@ -58,6 +58,8 @@ public:
     void refreshIfStale();
     /// The same unless the client was asked within two minutes: for a window that opens, and after a sleep.
     void refreshForViewer();
+    /// Whether somebody looks at the client's breakdown, for which it may have to be asked in another way.
+    void setBreakdownShown(bool isShown) { m_isBreakdownShown = isShown; }
     /// Forms the answer anew, for the present moment.
     void recompute();
     /// Replaces everything by invented data; from then on nothing is read or written.
@@ -135,6 +137,7 @@ private:
     int m_ticks = 0;  ///< Since the start.
     bool m_isProbing = false;
     bool m_owesProbe = false;  ///< When the running one has ended.
+    bool m_isBreakdownShown = false;
     bool m_isDemo = false;
 };
 

@@ -76,6 +76,11 @@ TEST_F(ProcessTest, GivesTheChildExactlyWhatWasAskedFor) {
     EXPECT_EQ(runProcess(request).standardOutput, "EMPTY=\nNAME=a = b\nc\n");
 
     EXPECT_EQ(runProcess(shell("ls; pwd")).standardOutput, "here\n" + m_directory.path().string() + "\n");
+    ProcessRequest fed = shell("cat; echo end");
+    fed.input = "one line\n";
+    EXPECT_EQ(runProcess(fed).standardOutput, "one line\nend\n");
+    fed.input = std::string(513, 'x');
+    EXPECT_THROW(runProcess(fed), LaunchError);
     const std::string session = runProcess(shell("cut -d' ' -f5,6 /proc/$$/stat; echo $$ $$")).standardOutput;
     EXPECT_EQ(session.substr(0, session.find('\n') + 1), session.substr(session.find('\n') + 1));
 }

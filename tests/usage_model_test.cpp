@@ -655,7 +655,7 @@ TEST_F(RealSources, LeaveNoClientBehindWhenTheProcessEnds) {
     const test::ChildWatch watch(m_directory / "pids");
     {
         BackgroundProbe probe;
-        probe.run(m_client, [](const auto&) { ADD_FAILURE() << "an answer to nobody"; });
+        probe.run({.claudePath = m_client}, [](const auto&) { ADD_FAILURE() << "an answer to nobody"; });
         waitFor([&] { return hasBegun(); });
         // It does not heed the request to terminate.
         EXPECT_LT(timed([&] { probe.shutDown(20s); }), 2000);

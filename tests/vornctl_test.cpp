@@ -93,9 +93,11 @@ protected:
         return status(options).at("windows").at(0).at("usedPercent");
     }
 
-    /// The client from now on, as a shell script.
+    /// The client from now on, as a shell script that knows the text alone.
     void client(const std::string& script) const {
-        m_dir.executable("bin/claude", fmt::format("cd '{}'; echo $$ >> pids; {}", m_dir.path().string(), script));
+        const char* const kTextAlone = "case \"$*\" in *stream-json*) echo unknown option >&2; exit 1; esac";
+        m_dir.executable("bin/claude",
+                         fmt::format("{}; cd '{}'; echo $$ >> pids; {}", kTextAlone, m_dir.path().string(), script));
     }
     void answers(const std::string& text) const {
         m_dir.write("answer.json", json{{"result", text}}.dump());

@@ -71,6 +71,7 @@ EvidenceRequest requestFor(const StatusArguments& arguments) {
                    : arguments.noProbe ? Probing::never
                                        : Probing::whenStale,
         .staleAfter = ::isatty(STDOUT_FILENO) == 1 ? 60s : 300s,  // a bar or a script asks again by itself
+        .wantsBreakdown = showsAll(arguments),
         .wholeWeek = arguments.rates,
         .withRatio = showsAll(arguments),
         .now = arguments.now};

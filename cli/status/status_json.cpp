@@ -118,7 +118,10 @@ json relayJson(const RelayState& relay, Instant now) {
 }
 
 json failureJson(const ProbeFailure& failure, std::optional<Instant> retryAt) {
-    json object = {{"kind", rawValue(failure.kind)}, {"message", description(failure)}};
+    json object = {{"kind", rawValue(failure.kind)},
+                   {"cause", rawValue(failure.cause)},
+                   {"message", description(failure)},
+                   {"text", Format::sentence(failure)}};
     if (const std::string whatToDo = Format::advice(failure); !whatToDo.empty()) {
         object["advice"] = whatToDo;
     }

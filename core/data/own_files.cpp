@@ -71,7 +71,8 @@ void addRoot(OwnFiles& result) {
                  .files = {VornPaths::history(), VornPaths::integrationRecord(), VornPaths::connectionNote(),
                            VornPaths::statusLineSnapshot(), VornPaths::statusLineTurns(), VornPaths::moreLimits(),
                            VornPaths::resetPlan(), VornPaths::probeRecord(), VornPaths::probingLock(),
-                           VornPaths::sharedChoices(), VornPaths::breakdown(), VornPaths::outcomes()}});
+                           VornPaths::clientMemory(), VornPaths::sharedChoices(), VornPaths::breakdown(),
+                           VornPaths::outcomes()}});
     // A folder that holds somebody else's is told by that.
     std::erase_if(result.others, [&](const fs::path& path) {
         return std::ranges::any_of(inner, [&](const Folder& folder) { return folder.path == path; }) &&

@@ -1,6 +1,8 @@
 #include "core/data/probe_failure.hpp"
 
+#include <algorithm>
 #include <array>
+#include <cstddef>
 
 namespace vorn {
 namespace {
@@ -49,6 +51,23 @@ std::optional<Kind> probeFailureKind(std::string_view rawValue) {
         }
     }
     return std::nullopt;
+}
+
+namespace {
+
+constexpr std::array<const char*, 7> kCauses{"unknown",      "notSignedIn",        "apiKey",       "noFiguresNow",
+                                             "clientTooOld", "interpreterMissing", "folderMissing"};
+
+}  // namespace
+
+const char* rawValue(ProbeFailure::Cause cause) {
+    return kCauses.at(static_cast<std::size_t>(cause));
+}
+
+ProbeFailure::Cause probeFailureCause(std::string_view rawValue) {
+    const auto* const found = std::ranges::find(kCauses, rawValue);
+    return found != kCauses.end() ? static_cast<ProbeFailure::Cause>(found - kCauses.begin())
+                                  : ProbeFailure::Cause::unknown;
 }
 
 std::string description(const ProbeFailure& failure) {

@@ -25,7 +25,10 @@ std::optional<ProbeFailure> decodeFailure(const nlohmann::json& value) {
         const std::string kind = decodeText(requireMember(*failure, "kind"));
         const auto* detail = findMember(*failure, "detail");
         if (const auto known = probeFailureKind(kind)) {
-            return ProbeFailure{.kind = *known, .detail = detail != nullptr ? decodeText(*detail) : ""};
+            const auto* cause = findMember(*failure, "cause");
+            return ProbeFailure{.kind = *known,
+                                .detail = detail != nullptr ? decodeText(*detail) : "",
+                                .cause = probeFailureCause(cause != nullptr ? decodeText(*cause) : "")};
         }
     }
     const auto* text = findMember(value, "lastError");
@@ -86,7 +89,9 @@ nlohmann::json encode(const ProbeRecord& record) {
         value["probedAt"] = encodeDate(*record.lastProbeAt, DateCoding::secondsSince1970);
     }
     if (record.failure) {
-        value["failure"] = {{"kind", rawValue(record.failure->kind)}, {"detail", record.failure->detail}};
+        value["failure"] = {{"kind", rawValue(record.failure->kind)},
+                            {"detail", record.failure->detail},
+                            {"cause", rawValue(record.failure->cause)}};
         value["lastError"] = description(*record.failure);
     }
     for (const UsageWindow& reading : record.readings) {

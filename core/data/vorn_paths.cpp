@@ -101,6 +101,10 @@ fs::path probingLock() {
     return root() / "probing.lock";
 }
 
+fs::path clientMemory() {
+    return root() / "client.json";
+}
+
 fs::path sharedChoices() {
     return root() / "choices.json";
 }

@@ -25,6 +25,7 @@ std::filesystem::path moreLimits();          ///< statusline-limits.json: what t
 std::filesystem::path resetPlan();           ///< reset-plan.json
 std::filesystem::path probeRecord();         ///< probe.json: when the client was last asked, and how it failed
 std::filesystem::path probingLock();         ///< probing.lock: held by the program that asks the client
+std::filesystem::path clientMemory();        ///< client.json: in which form the client can be asked
 std::filesystem::path sharedChoices();       ///< choices.json: what was chosen in the application and holds for vornctl
 std::filesystem::path outcomes();            ///< outcomes.jsonl: what happened to each limit, for a year
 std::filesystem::path breakdown();           ///< insights.json: what the client printed last below its limits

@@ -10,10 +10,15 @@
 
 namespace vorn {
 
-/// Asking the client once, in the best form that it knows. Blocks; meant for a thread of its own.
+/// Asking the client once, in the best form that it knows: for a report, else for the text of /usage. Blocks; meant for
+/// a thread of its own.
 struct ClientQuestion {
     std::optional<std::string> claudePath{};  ///< The executable that the user chose; absent or empty: look for one.
-    Seconds timeout{30};                      ///< For each process that is run for it.
+    /// Somebody looks at the breakdown: where the report does not tell it, the text is asked for as well, at most once
+    /// an hour.
+    bool wantsBreakdown = false;
+    bool storesNothing = false;  ///< What is learnt of the client is not kept for the next question.
+    Seconds timeout{30};         ///< For all that is run for it.
 
     /// `now` is asked after the client has ended. Throws ProbeError, or Cancelled when `cancellation` asked for it.
     [[nodiscard]] ClientAnswer ask(const std::function<Instant()>& now,

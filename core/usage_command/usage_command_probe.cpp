@@ -1,12 +1,11 @@
 #include "core/usage_command/usage_command_probe.hpp"
 
-#include <cstddef>
 #include <cstdlib>
 
-#include "core/data/vorn_paths.hpp"
 #include "core/support/file.hpp"
 #include "core/support/text.hpp"
 #include "core/usage_command/claude_locator.hpp"
+#include "core/usage_command/client_run.hpp"
 #include "core/usage_command/probe_error.hpp"
 #include "core/usage_command/usage_envelope.hpp"
 
@@ -14,19 +13,6 @@ namespace vorn {
 namespace {
 
 using Kind = ProbeError::Kind;
-
-constexpr std::size_t kSnippetBytes = 300;
-constexpr std::size_t kSnippetCharacters = 300;
-
-/// Of what a process printed: any bytes.
-std::string outputSnippet(std::string_view output) {
-    return repairUtf8(output.substr(0, kSnippetBytes));
-}
-
-/// Of a text out of JSON: valid UTF-8.
-std::string textSnippet(std::string_view text) {
-    return std::string(firstCodePoints(text, kSnippetCharacters));
-}
 
 /// Whether the text is the client's refusal to show plan limits to somebody who has no plan. The phrases are ASCII, and
 /// so is the folding: that of a Turkish locale would not find "api key" in "API KEY".
@@ -52,25 +38,11 @@ UsageCommandParser::Result UsageCommandProbe::run(const std::function<Instant()>
 
 std::string UsageCommandProbe::execute(const std::filesystem::path& executable, std::span<const std::string> arguments,
                                        Seconds timeout, const Cancellation* cancellation) {
-    ProcessResult result;
-    try {
-        result = runProcess({.executable = executable,
-                             .arguments = {arguments.begin(), arguments.end()},
-                             .environment = cleanEnvironment(),
-                             .workingDirectory = VornPaths::probeWorkingDirectory(),
-                             .timeout = timeout},
-                            cancellation);
-    } catch (const LaunchError& error) {
-        throw ProbeError(Kind::launchFailed, repairUtf8(error.what()));
-    }
-    if (result.end == ProcessResult::End::timedOut) {
-        throw ProbeError(Kind::timedOut);
-    }
-    if (result.end == ProcessResult::End::signalled || result.status != 0) {
-        const std::string& said = result.standardError.empty() ? result.standardOutput : result.standardError;
-        throw ProbeError(Kind::commandFailed, outputSnippet(said));
-    }
-    return std::move(result.standardOutput);
+    return outputOf(runClient({.executable = executable,
+                               .arguments = {arguments.begin(), arguments.end()},
+                               .environment = cleanEnvironment(),
+                               .timeout = timeout},
+                              cancellation));
 }
 
 UsageCommandParser::Result UsageCommandProbe::interpret(std::string_view output, Instant now) {

@@ -6,6 +6,8 @@ namespace vorn::Format {
 namespace {
 
 using Kind = ProbeFailure::Kind;
+using Cause = ProbeFailure::Cause;
+
 /// Blanks and whatever else cannot be seen.
 bool isBlank(char character) {
     return static_cast<unsigned char>(character) <= ' ';
@@ -24,12 +26,22 @@ std::string_view trimmed(std::string_view text) {
 }  // namespace
 
 std::string advice(const ProbeFailure& failure) {
-    if (failure.kind != Kind::commandFailed) {
+    if (failure.cause == Cause::interpreterMissing) {
+        return "Install " + failure.detail + ", or make it known where Vorn looks: a link in ~/.local/bin will do.";
+    }
+    if (failure.cause == Cause::folderMissing) {
+        return "Vorn runs it in an empty folder of its own; make its parent writable, or set VORN_HOME.";
+    }
+    if (failure.kind == Kind::timedOut) {
+        return "claude -p /usage in a terminal may tell what it waits for.";
+    }
+    if (failure.kind != Kind::commandFailed || failure.cause == Cause::noFiguresNow) {
         return {};
     }
     // 2.1.170 is the oldest client seen to know the option.
     if (failure.detail.find("unknown option '--safe-mode'") != std::string::npos) {
-        return "This Claude Code is too old for Vorn; update it to 2.1.170 or newer with: claude update";
+        return "This Claude Code is too old for Vorn; update it to 2.1.170 or newer with: claude update. Its status "
+               "line works with Vorn already: vornctl connect";
     }
     if (trimmed(failure.detail).empty()) {
         return "It ended without a word; claude -p /usage in a terminal may tell more.";
@@ -38,11 +50,30 @@ std::string advice(const ProbeFailure& failure) {
 }
 
 std::string sentence(const ProbeFailure& failure) {
+    switch (failure.cause) {
+        case Cause::notSignedIn:
+            return "Claude Code is not signed in to a plan here: run claude, then /login. With an API key there are no "
+                   "plan limits.";
+        case Cause::apiKey:
+            return "With an API key there are no plan limits.";
+        case Cause::noFiguresNow:
+            return "Claude Code could not get the figures just now.";
+        case Cause::interpreterMissing:
+            return "Claude Code is a script here that needs " + failure.detail + ", which Vorn does not find.";
+        case Cause::folderMissing:
+            return "Claude Code could not be run: " + failure.detail + " cannot be made.";
+        case Cause::clientTooOld:
+        case Cause::unknown:
+            break;
+    }
     const std::string text = description(failure);
     return std::string(trimmed(std::string_view(text).substr(0, text.find('\n'))));
 }
 
 std::string quoted(const ProbeFailure& failure) {
+    if (failure.cause != Cause::unknown && failure.cause != Cause::clientTooOld) {
+        return {};
+    }
     const std::string text = description(failure);
     const auto end = text.find('\n');
     return end == std::string::npos ? std::string() : std::string(trimmed(std::string_view(text).substr(end)));

@@ -80,9 +80,9 @@ private:
 class FakeProbe : public ProbeSource {
 public:
     explicit FakeProbe(World& world) : m_world(world) {}
-    void run(const std::string& overridePath, std::function<void(Answer)> done) override {
+    void run(const ClientQuestion& question, std::function<void(Answer)> done) override {
         m_world.probes.push_back(m_world.now);
-        m_world.overridePath = overridePath;
+        m_world.overridePath = question.claudePath.value_or("");
         if (m_world.client) {
             done(m_world.client());
         } else {

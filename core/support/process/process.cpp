@@ -44,6 +44,34 @@ void makeNonBlocking(int descriptor) {
     ::fcntl(descriptor, F_SETFL, ::fcntl(descriptor, F_GETFL) | O_NONBLOCK);
 }
 
+/// Out of the way of the descriptors 0 to 2, which the child gets rearranged: ours may have been closed.
+Descriptor aboveStandard(Descriptor descriptor) {
+    if (descriptor.get() > STDERR_FILENO) {
+        return descriptor;
+    }
+    Descriptor moved(::fcntl(descriptor.get(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
+    if (!moved.isOpen()) {
+        throw LaunchError(systemReason(errno));
+    }
+    return moved;
+}
+
+/// The reading end of a pipe that holds the whole input, so that nobody waits for whoever reads it; closed for none.
+Descriptor openInput(const std::string& content) {
+    constexpr std::size_t kMost = 512;
+    if (content.empty()) {
+        return {};
+    }
+    process_platform::Pipe pipe = process_platform::openPipe();
+    if (!pipe.readEnd.isOpen()) {
+        throw LaunchError(systemReason(errno));
+    }
+    if (content.size() > kMost || ::write(pipe.writeEnd.get(), content.data(), content.size()) < 0) {
+        throw LaunchError("the input does not fit into a pipe");
+    }
+    return aboveStandard(std::move(pipe.readEnd));
+}
+
 /// One of the child's outputs: our end of its pipe and what is kept of what came through.
 class Output {
 public:
@@ -80,18 +108,6 @@ public:
     }
 
 private:
-    /// Out of the way of the descriptors 0 to 2, which the child gets rearranged: ours may have been closed.
-    static Descriptor aboveStandard(Descriptor descriptor) {
-        if (descriptor.get() > STDERR_FILENO) {
-            return descriptor;
-        }
-        Descriptor moved(::fcntl(descriptor.get(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
-        if (!moved.isOpen()) {
-            throw LaunchError(systemReason(errno));
-        }
-        return moved;
-    }
-
     Descriptor m_readEnd;
     std::string m_text;
     std::size_t m_limit;
@@ -162,8 +178,13 @@ pid_t spawn(const ProcessRequest& request, const Descriptor& output, const Descr
     ::posix_spawnattr_setsigdefault(&attributes.get(), &signals);
     short flags = POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
 
+    const Descriptor input = openInput(request.input);
     FileActions actions;
-    ::posix_spawn_file_actions_addopen(&actions.get(), STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    if (input.isOpen()) {
+        ::posix_spawn_file_actions_adddup2(&actions.get(), input.get(), STDIN_FILENO);
+    } else {
+        ::posix_spawn_file_actions_addopen(&actions.get(), STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    }
     ::posix_spawn_file_actions_adddup2(&actions.get(), output.get(), STDOUT_FILENO);
     ::posix_spawn_file_actions_adddup2(&actions.get(), error.get(), STDERR_FILENO);
     if (!request.workingDirectory.empty()) {

@@ -58,6 +58,9 @@ struct ProcessRequest {
     std::vector<std::string> arguments;  ///< Without the program's own name.
     std::map<std::string, std::string> environment;  ///< The child's whole environment.
     std::filesystem::path workingDirectory;          ///< Empty for our own.
+    /// What the child reads on standard input before that ends: at most 512 bytes, which every pipe takes at once.
+    /// Empty for the null device.
+    std::string input{};
     Seconds timeout{30};
     std::size_t outputLimit = std::size_t{8} << 20U;  ///< Bytes kept of standard output; the rest is read and dropped.
     std::size_t errorLimit = std::size_t{64} << 10U;  ///< Bytes kept of standard error.
@@ -71,12 +74,12 @@ struct ProcessResult {
     std::string standardError;
 };
 
-/// Runs a child in a session of its own with the null device as standard input, drains both outputs while it runs, and
-/// returns when it has ended. After the time limit or a cancellation it is asked to terminate and killed 2 seconds
-/// (or the cancellation's grace) later. What it started goes with it: its session, its descendants in others, and
-/// whoever holds its outputs open. (A daemon goes unnoticed when it left the session, closed the outputs and lost its
-/// parent before.) No zombie and no descriptor is left behind, and the child inherits no descriptor of ours. Any
-/// thread; touches no signal handler and no other child. Throws LaunchError, Cancelled.
+/// Runs a child in a session of its own, drains both outputs while it runs, and returns when it has ended. After the
+/// time limit or a cancellation it is asked to terminate and killed 2 seconds (or the cancellation's grace) later. What
+/// it started goes with it: its session, its descendants in others, and whoever holds its outputs open. (A daemon goes
+/// unnoticed when it left the session, closed the outputs and lost its parent before.) No zombie and no descriptor is
+/// left behind, and the child inherits no descriptor of ours. Any thread; touches no signal handler and no other child.
+/// Throws LaunchError, Cancelled.
 ProcessResult runProcess(const ProcessRequest& request, const Cancellation* cancellation = nullptr);
 
 }  // namespace vorn

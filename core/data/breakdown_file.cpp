@@ -1,10 +1,10 @@
-#include "cli/breakdown_file.hpp"
+#include "core/data/breakdown_file.hpp"
 
 #include "core/data/vorn_paths.hpp"
 #include "core/support/file.hpp"
 #include "core/support/json.hpp"
 
-namespace vorn::cli {
+namespace vorn {
 namespace fs = std::filesystem;
 namespace {
 
@@ -42,4 +42,4 @@ void saveBreakdown(const std::optional<UsageInsights>& breakdown) {
     }
 }
 
-}  // namespace vorn::cli
+}  // namespace vorn

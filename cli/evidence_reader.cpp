@@ -264,7 +264,8 @@ Evidence EvidenceReader::read(const EvidenceRequest& request) {
             if (!m_scanner) {
                 m_scanner = std::make_unique<LocalActivityScanner>(LocalActivityScanner::defaultRoot(), *span);
             }
-            evidence.activity = std::make_shared<ActivitySummary>(m_scanner->scan(look.now()));
+            m_scanner->update(look.now());
+            evidence.activity = std::make_shared<ActivitySummary>(m_scanner->events(), m_scanner->refusals());
         }
         return evidence;
     }

@@ -42,6 +42,8 @@ public:
     [[nodiscard]] bool isOvertaken() const;
     void ask();
     [[nodiscard]] Evidence evidence() const;
+    /// What the transcripts tell of refused turns.
+    void takeRefusals(Evidence& evidence);
 
     [[nodiscard]] Instant now() const { return m_request.now.value_or(systemNow()); }
     [[nodiscard]] bool mayWrite() const { return !m_request.now && !m_request.storesNothing; }
@@ -232,6 +234,16 @@ Evidence Look::evidence() const {
     return evidence;
 }
 
+void Look::takeRefusals(Evidence& evidence) {
+    const auto& refusals = evidence.activity->refusals();
+    if (m_ledger.takeRefusals(refusals, now())) {
+        evidence.windows = m_ledger.windows(now());
+        if (mayWrite()) {
+            OutcomeStore(VornPaths::outcomes()).add(outcomesOf(refusals), now());
+        }
+    }
+}
+
 /// How far back the transcripts have to be read; empty when no rate needs them.
 std::optional<Seconds> lookback(const EvidenceRequest& request, const Evidence& evidence) {
     if (!evidence.useActivity) {
@@ -281,7 +293,9 @@ Evidence EvidenceReader::read(const EvidenceRequest& request) {
             if (!m_scanner) {
                 m_scanner = std::make_unique<LocalActivityScanner>(LocalActivityScanner::defaultRoot(), *span);
             }
-            evidence.activity = std::make_shared<ActivitySummary>(m_scanner->scan(look.now()));
+            m_scanner->update(look.now());
+            evidence.activity = std::make_shared<ActivitySummary>(m_scanner->events(), m_scanner->refusals());
+            look.takeRefusals(evidence);
         }
         return evidence;
     }

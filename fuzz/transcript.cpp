@@ -82,7 +82,8 @@ void checkInput(std::string_view input) {
     std::filesystem::create_directories(grown.parent_path());
     writeFile(path, input);
     writeFile(grown, "");
-    const auto events = LocalActivityScanner(scratch("projects"), kAlways).scan(kNow);
+    LocalActivityScanner whole(scratch("projects"), kAlways);
+    const auto events = whole.scan(kNow);
     requireSound(events);
 
     LocalActivityScanner scanner(grown.parent_path(), kAlways);
@@ -102,6 +103,7 @@ void checkInput(std::string_view input) {
     growTo(input.size());
     require(lines == markedLines(input), "every marked line is found once");
     require(scanner.events() == events, "how a transcript grew is no matter");
+    require(scanner.refusals() == whole.refusals(), "nor is it for refusals");
     const auto beginning = kAssistantMarker.text.substr(0, kAssistantMarker.first);
     if (input.size() < kMaximumTail / 2 && input.find(beginning) != std::string_view::npos) {
         requireIndependentOfBuffer(input, input.size() / 2);

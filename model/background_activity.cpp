@@ -17,7 +17,7 @@ struct BackgroundActivity::Scanner {
         if (!owesAnswer) {
             return std::nullopt;
         }
-        ActivitySummary summary(transcripts.events());
+        ActivitySummary summary(transcripts.events(), transcripts.refusals());
         owesAnswer = false;
         return summary;
     }

@@ -169,7 +169,10 @@ std::optional<std::string> UsageModel::lastProbeError() const {
 // ---- Local activity ----
 
 void UsageModel::scanActivity() {
-    m_activity.scan(m_clock->now(), [this] { recompute(); });
+    m_activity.scan(m_clock->now(), [this] {
+        m_readings.takeRefusals(activity().refusals());
+        recompute();
+    });
 }
 
 const ActivitySummary& UsageModel::activity() const {

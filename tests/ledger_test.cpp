@@ -239,7 +239,7 @@ TEST(Ledger, IsAtTheLimitWhenATurnWasRefused) {
     const auto used = [](const Ledger& ledger, Seconds after) {
         return ledger.windows(kNow + after).at(0).usedPercent;
     };
-    const RefusedTurn refused{.kind = kSession, .at = kNow + 60s, .resetsAt = kNow + 3h};
+    const RefusedTurn refused{.at = kNow + 60s, .kind = kSession, .resetsAt = kNow + 3h};
     Ledger ledger;
     ledger.begin(std::vector{session(93)}, kNow);
     EXPECT_TRUE(ledger.takeRefusals(std::span(&refused, 1), kNow + 70s));

@@ -168,6 +168,47 @@ TEST_F(LocalActivityScannerTest, keepsTheMostCompleteCopyOfAReply) {
     EXPECT_THAT(scan(), ElementsAre(11, 5, 6, 7, 3, 3));  // by time, then in the order read
 }
 
+/// What Claude Code writes for a turn that the service refused, but for members that do not matter.
+std::string refusedLine(Instant at, std::string_view quota, std::string_view more = R"("isApiErrorMessage":true,)") {
+    return fmt::format(
+        R"({{"isSidechain":false,"type":"assistant","timestamp":"{}","message":{{"id":"7a147430","model":"<synthetic>",)"
+        R"("usage":{{"input_tokens":0,"output_tokens":0}},"content":[{{"type":"text","text":"5-hour limit"}}]}},)"
+        R"("requestId":"req_x","apiError":"usage_limit_reached","quotaLimits":{},{}"cwd":"/home/ada"}})"
+        "\n",
+        formatIso8601Milliseconds(at), quota, more);
+}
+
+TEST_F(LocalActivityScannerTest, handsOutTurnsThatWereRefused) {
+    const Instant at = kNow - 1h;
+    const std::string rejected = R"({"status":"rejected","resetsAt":1795448693,"rateLimitType":"five_hour"})";
+    const fs::path file = write("a.jsonl", refusedLine(at, rejected) + Reply{}.line());
+    write("resumed.jsonl", refusedLine(at, rejected) + refusedLine(kNow - kWeek - 1s, rejected));
+    write("other.jsonl",
+          refusedLine(at, R"({"rateLimitType":"seven_day_opus","status":"rejected","resetsAt":1795448693000})") +
+              refusedLine(at, R"({"rateLimitType":"seven_day","status":"rejected","resetsAt":"?"})") +
+              // Not these, and nothing in them spoils anything.
+              refusedLine(at, R"({"rateLimitType":"five_hour","status":"allowed_warning","resetsAt":1})") +
+              refusedLine(at, R"({"rateLimitType":"overage","status":"rejected"})") + refusedLine(at, "7") +
+              refusedLine(at, R"({"status":["rejected"],"rateLimitType":{}})") +
+              refusedLine(at, rejected, R"("isApiErrorMessage":"true",)") + refusedLine(at, rejected, ""));
+    EXPECT_EQ(scan(), std::vector<std::int64_t>{10});
+    const RefusedTurn session{.at = at, .kind = WindowKind::session(), .resetsAt = instantSince1970(1795448693)};
+    EXPECT_THAT(m_scanner.refusals(), ElementsAre(session, RefusedTurn{.at = at, .kind = WindowKind::week()},
+                                                  RefusedTurn{.at = at, .kind = WindowKind::weekModel("Opus")}));
+
+    EXPECT_FALSE(m_scanner.update(kNow));
+    append(file, refusedLine(kNow, R"({"rateLimitType":"seven_day","status":"rejected"})"), kNow + 1s);
+    EXPECT_TRUE(m_scanner.update(kNow)) << "who polls is told";
+    EXPECT_EQ(m_scanner.refusals().size(), 4);
+    EXPECT_TRUE(m_scanner.update(kNow + kWeek - 1s));
+    EXPECT_EQ(m_scanner.refusals().size(), 1) << "kept as long as replies";
+
+    const std::string reply = Reply{.id = "msg_2"}.line();
+    write("b.jsonl",
+          reply.substr(0, reply.size() - 2) + R"(,"quotaLimits":{"status":5},"isApiErrorMessage":[]})" + "\n");
+    EXPECT_EQ(scan(), std::vector<std::int64_t>{10}) << "a reply is one, whatever it says of limits";
+}
+
 TEST_F(LocalActivityScannerTest, prefersTheFirstOfEqualCopiesWhateverIsReadFirst) {
     // The larger file is read first, but the smaller one has the first name.
     const std::string bulk(3U << 20U, ' ');

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <compare>
 #include <optional>
 #include <span>
 #include <vector>
@@ -9,14 +10,15 @@
 
 namespace vorn {
 
-/// The service refused a turn because a limit was reached: the exact moment at which that was so.
+/// A turn that the service refused since a limit was reached: at that moment its window was used up.
 struct RefusedTurn {
-    WindowKind kind;
     Instant at;
-    std::optional<Instant> resetsAt{};  ///< When there is room again; absent when the service did not say.
+    WindowKind kind;                    ///< Whose limit was reached.
+    std::optional<Instant> resetsAt{};  ///< When that window ends; absent when the client did not say.
 
     [[nodiscard]] Instant end() const { return resetsAt.value_or(at + kind.length()); }
 
+    auto operator<=>(const RefusedTurn&) const = default;  // NOLINT(modernize-use-nullptr): sees one in the default
     bool operator==(const RefusedTurn&) const = default;
 };
 

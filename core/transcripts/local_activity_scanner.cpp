@@ -64,8 +64,8 @@ std::vector<LocalActivityScanner::Job> LocalActivityScanner::findJobs(Instant cu
 /// Threads taking files from one list until none is left.
 class LocalActivityScanner::Reading {
 public:
-    Reading(std::vector<Job> jobs, Instant cutoff, EventStore& store)
-        : m_jobs(std::move(jobs)), m_cutoff(cutoff), m_store(store) {
+    Reading(std::vector<Job> jobs, Instant cutoff, EventStore& store, std::vector<RefusedTurn>& refusals)
+        : m_jobs(std::move(jobs)), m_cutoff(cutoff), m_store(store), m_refusals(refusals) {
         // A large file that is begun last would keep one thread busy while the others have nothing left.
         std::ranges::stable_sort(m_jobs, std::ranges::greater{}, &Job::bytes);
         for (const Job& job : m_jobs) {
@@ -131,7 +131,8 @@ private:
         }
         EventStore::Origin origin{.file = job.file};
         const auto handle = [&](std::string_view line) {
-            if (findMarker(kUsageMarker, line) == std::string_view::npos) {
+            if (findMarker(kUsageMarker, line) == std::string_view::npos &&
+                findMarker(kQuotaMarker, line) == std::string_view::npos) {
                 return;
             }
             if (line.size() <= TranscriptReader::kBufferSize) {
@@ -144,10 +145,15 @@ private:
         reader.read(file, job.cursor->position, handle, advance);
     }
 
-    void add(const std::optional<TranscriptReply>& reply, EventStore::Origin origin) {
-        if (reply && reply->timestamp >= m_cutoff) {
+    void add(const TranscriptLine& line, EventStore::Origin origin) {
+        const auto* const reply = std::get_if<TranscriptReply>(&line);
+        const auto* const refusal = std::get_if<RefusedTurn>(&line);
+        if (reply != nullptr && reply->timestamp >= m_cutoff) {
             const std::lock_guard lock(m_lock);
             m_store.add(*reply, origin);
+        } else if (refusal != nullptr && refusal->at >= m_cutoff) {
+            const std::lock_guard lock(m_lock);
+            m_refusals.push_back(*refusal);
         }
     }
 
@@ -158,17 +164,28 @@ private:
     std::atomic<std::uint64_t> m_bytesDone{0};
     std::mutex m_lock;  ///< Guards what follows.
     EventStore& m_store;
+    std::vector<RefusedTurn>& m_refusals;
     std::exception_ptr m_failure;
 };
 
 bool LocalActivityScanner::update(Instant now, const Progress& progress) {
     const std::lock_guard lock(m_lock);
     const Instant cutoff = now - m_lookback;
+    const std::vector<RefusedTurn> before = m_refusals;
     if (auto jobs = findJobs(cutoff); !jobs.empty()) {
-        Reading(std::move(jobs), cutoff, m_store).run(progress);
+        Reading(std::move(jobs), cutoff, m_store, m_refusals).run(progress);
     }
     m_store.dropBefore(cutoff);
-    return m_store.takeChanged();
+    std::erase_if(m_refusals, [&](const RefusedTurn& refusal) { return refusal.at < cutoff; });
+    // Resumed sessions have copies of a line.
+    std::ranges::sort(m_refusals);
+    m_refusals.erase(std::unique(m_refusals.begin(), m_refusals.end()), m_refusals.end());
+    return m_store.takeChanged() || m_refusals != before;
+}
+
+std::vector<RefusedTurn> LocalActivityScanner::refusals() {
+    const std::lock_guard lock(m_lock);
+    return m_refusals;
 }
 
 std::vector<ActivityEvent> LocalActivityScanner::events() {

@@ -20,6 +20,9 @@ inline constexpr Marker kAssistantMarker{.text = R"("type":"assistant")", .first
 /// Stands in every line that counts tokens.
 inline constexpr Marker kUsageMarker{.text = R"("usage")", .first = 1, .second = 6};
 
+/// Stands in the line of a turn that the service refused.
+inline constexpr Marker kQuotaMarker{.text = R"("quotaLimits")", .first = 1, .second = 6};
+
 /// Index of the first occurrence in `text`, or `std::string_view::npos`. Uses the widest vectors the machine has, and
 /// never reads outside `text`.
 std::size_t findMarker(const Marker& marker, std::string_view text);

@@ -3,6 +3,8 @@
 #include <cmath>
 #include <functional>
 
+#include "core/data/limit_names.hpp"
+
 namespace vorn {
 namespace {
 
@@ -28,12 +30,21 @@ struct Message {
     std::optional<Usage> usage;
 };
 
+/// Which limit stood in the way. Nothing in it spoils a line.
+struct Quota {
+    Text status;
+    Text limit;
+    std::optional<double> resetsAt;  ///< Seconds since 1970.
+};
+
 struct Line {
     Text type;
     Text timestamp;
     Text cwd;
     Text requestId;
     Message message;
+    Quota quota;
+    bool isError = false;
 };
 
 bool isNull(ondemand::value& value) {
@@ -142,7 +153,34 @@ bool read(ondemand::value& value, Message& message) {
     });
 }
 
+bool read(ondemand::value& value, Quota& quota) {
+    quota = {};
+    ondemand::object object;
+    if (value.get_object().get(object) != simdjson::SUCCESS) {
+        return true;
+    }
+    return readMembers(object, [&](std::string_view key, ondemand::value& member) {
+        double seconds = 0;
+        if (key == "resetsAt" && member.get_double().get(seconds) == simdjson::SUCCESS) {
+            quota.resetsAt = seconds;
+        } else if (key == "status") {
+            read(member, quota.status);
+        } else if (key == "rateLimitType") {
+            read(member, quota.limit);
+        }
+        return true;
+    });
+}
+
 bool readMember(std::string_view key, ondemand::value& value, Line& line) {
+    if (key == "quotaLimits") {
+        return read(value, line.quota);
+    }
+    if (key == "isApiErrorMessage") {
+        bool isError = false;
+        line.isError = value.get_bool().get(isError) == simdjson::SUCCESS && isError;
+        return true;
+    }
     if (key == "type") {
         return read(value, line.type);
     }
@@ -176,6 +214,21 @@ TokenCounts tokensOf(const Usage& usage) {
             .cacheWrite1h = usage.ephemeral1h.value_or(0)};
 }
 
+/// Empty when the line tells of no refusal, or of a limit that has no window.
+std::optional<RefusedTurn> refusalOf(const Line& line) {
+    const Quota& quota = line.quota;
+    if (!line.isError || quota.status != "rejected" || !line.timestamp) {
+        return std::nullopt;
+    }
+    const auto at = parseIso8601(*line.timestamp, Fraction::optional);
+    const auto kind = windowKindOfMember(quota.limit.value_or(""));
+    if (!at || !kind) {
+        return std::nullopt;
+    }
+    const auto reset = quota.resetsAt ? std::optional(instantSince1970(*quota.resetsAt)) : std::nullopt;
+    return RefusedTurn{.at = *at, .kind = *kind, .resetsAt = reset && isPlausible(*reset) ? reset : std::nullopt};
+}
+
 /// Of the ids joined by ":", or of the one that is there. `scratch` is memory to build the text in.
 std::optional<ReplyKey> keyOf(const Text& messageId, const Text& requestId, std::string& scratch) {
     if (!messageId && !requestId) {
@@ -192,17 +245,10 @@ std::optional<ReplyKey> keyOf(const Text& messageId, const Text& requestId, std:
     return ReplyKey{.low = hash(std::string_view(scratch).substr(1)), .high = hash(scratch)};
 }
 
-}  // namespace
-
-std::optional<TranscriptReply> TranscriptLineParser::parse(std::string_view text) {
-    ondemand::document document;
-    Line line;
-    const simdjson::padded_string_view padded(text, text.size() + kPadding);
-    if (m_parser.iterate(padded).get(document) != simdjson::SUCCESS || !read(document, line)) {
-        return std::nullopt;
-    }
+/// `scratch` as in `keyOf`.
+std::optional<TranscriptReply> replyOf(const Line& line, std::string& scratch) {
     const Message& message = line.message;
-    if (line.type != "assistant" || !line.timestamp || !message.usage || message.model == "<synthetic>") {
+    if (!line.timestamp || !message.usage || message.model == "<synthetic>") {
         return std::nullopt;
     }
     const auto timestamp = parseIso8601(*line.timestamp, Fraction::required);
@@ -214,7 +260,24 @@ std::optional<TranscriptReply> TranscriptLineParser::parse(std::string_view text
                            .model = message.model.value_or("unknown"),
                            .cwd = line.cwd.value_or(""),
                            .tokens = tokens,
-                           .key = keyOf(message.id, line.requestId, m_key)};
+                           .key = keyOf(message.id, line.requestId, scratch)};
+}
+
+}  // namespace
+
+TranscriptLine TranscriptLineParser::parse(std::string_view text) {
+    ondemand::document document;
+    Line line;
+    const simdjson::padded_string_view padded(text, text.size() + kPadding);
+    if (m_parser.iterate(padded).get(document) != simdjson::SUCCESS || !read(document, line) ||
+        line.type != "assistant") {
+        return {};
+    }
+    if (const auto reply = replyOf(line, m_key)) {
+        return *reply;
+    }
+    const auto refusal = refusalOf(line);
+    return refusal ? TranscriptLine(*refusal) : TranscriptLine();
 }
 
 }  // namespace vorn

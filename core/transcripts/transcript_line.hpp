@@ -4,10 +4,12 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <variant>
 
 #include <simdjson.h>
 
 #include "core/data/activity/activity_event.hpp"
+#include "core/data/refused_turn.hpp"
 
 namespace vorn {
 
@@ -30,15 +32,18 @@ struct TranscriptReply {
 /// No reply has more tokens than this: a line that says so is damaged. Sums of such counts do not overflow.
 inline constexpr std::int64_t kMaximumTokens = 0xFFFF'FFFF;
 
-/// Reads replies out of transcript lines. Not for two threads at once.
+/// What a line is: something else, a reply, or what stands in the place of one that the service refused.
+using TranscriptLine = std::variant<std::monostate, TranscriptReply, RefusedTurn>;
+
+/// Reads transcript lines. Not for two threads at once.
 class TranscriptLineParser {
 public:
     /// This many bytes after a line must be readable; their values do not matter.
     static constexpr std::size_t kPadding = simdjson::SIMDJSON_PADDING;
 
-    /// Empty for a line that is no reply, has used no tokens, or is damaged. JSON null counts as an absent field,
-    /// of two fields with one name the last counts, a wrong type spoils the line, and 12.0 is the whole number 12.
-    std::optional<TranscriptReply> parse(std::string_view line);
+    /// A reply has used tokens; a damaged line is something else. JSON null counts as an absent field, of two fields
+    /// with one name the last counts, a wrong type spoils the line, and 12.0 is the whole number 12.
+    TranscriptLine parse(std::string_view line);
 
 private:
     simdjson::ondemand::parser m_parser;

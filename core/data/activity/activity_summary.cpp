@@ -44,7 +44,9 @@ bool isNumber(std::string_view piece) {
 
 }  // namespace
 
-ActivitySummary::ActivitySummary(std::vector<ActivityEvent> events) : m_events(std::move(events)) {
+ActivitySummary::ActivitySummary(std::vector<ActivityEvent> events, std::vector<RefusedTurn> refusals)
+    : m_events(std::move(events)), m_refusals(std::move(refusals)) {
+    std::ranges::sort(m_refusals);
     if (!std::ranges::is_sorted(m_events, {}, &ActivityEvent::timestamp)) {
         std::ranges::stable_sort(m_events, {}, &ActivityEvent::timestamp);
     }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "core/data/activity/activity_event.hpp"
+#include "core/data/refused_turn.hpp"
 
 namespace vorn {
 
@@ -31,9 +32,11 @@ public:
 
     ActivitySummary() = default;
     /// Sorts by time; equal times keep their order.
-    explicit ActivitySummary(std::vector<ActivityEvent> events);
+    explicit ActivitySummary(std::vector<ActivityEvent> events, std::vector<RefusedTurn> refusals = {});
 
     [[nodiscard]] const std::vector<ActivityEvent>& events() const { return m_events; }
+    /// The turns that the service refused, by time. No question below counts them.
+    [[nodiscard]] const std::vector<RefusedTurn>& refusals() const { return m_refusals; }
     [[nodiscard]] std::optional<Instant> lastEventAt() const;
 
     /// The events with `since` <= time < `until`; empty when `until` lies first.
@@ -56,7 +59,9 @@ public:
     /// in every identifier there is.
     static std::string modelFamily(std::string_view model);
 
-    bool operator==(const ActivitySummary& other) const { return m_events == other.m_events; }
+    bool operator==(const ActivitySummary& other) const {
+        return m_events == other.m_events && m_refusals == other.m_refusals;
+    }
 
 private:
     [[nodiscard]] std::size_t indexOf(Instant instant) const;
@@ -65,6 +70,7 @@ private:
                                                                            Instant since) const;
 
     std::vector<ActivityEvent> m_events;
+    std::vector<RefusedTurn> m_refusals;
     std::vector<double> m_sixtiethsUpTo;  ///< [i]: sixty times the weight of the first i events; empty without events.
 };
 

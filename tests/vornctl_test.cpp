@@ -201,9 +201,18 @@ TEST_F(VornctlTest, TellsWhyTheClientGaveNothing) {
          "claude /usage failed: one\n  two [31mthree\n"},
         {"too old", "echo \"error: unknown option '--safe-mode'\" >&2; exit 1",
          "claude /usage failed: error: unknown option '--safe-mode'\n"
-         "This Claude Code is too old for Vorn; update it to 2.1.170 or newer with: claude update\n"},
+         "This Claude Code is too old for Vorn; update it to 2.1.170 or newer with: claude update. Its "
+         "status line works with Vorn already: vornctl connect\n"},
         {"no plan", "echo '{\"result\": \"/usage is only available for subscription plans\"}'",
-         "Claude Code isn't signed in with a Pro or Max subscription, so there are no plan limits to show.\n"},
+         "Claude Code is not signed in to a plan here: run claude, then /login. With an API key there are no plan "
+         "limits.\n"},
+        {"no figures", "echo '{\"result\": \"You are currently using your subscription to power your usage\"}'",
+         "Claude Code could not get the figures just now.\n"},
+        {"an interpreter", "exec /usr/bin/env no-such-interpreter",
+         "Claude Code is a script here that needs no-such-interpreter, which Vorn does not find.\n"
+         "Install no-such-interpreter, or make it known where Vorn looks: a link in ~/.local/bin will do.\n"},
+        {"an envelope", "echo '{\"is_error\": true, \"result\": \"Overloaded\"}'; exit 1",
+         "claude /usage failed: Overloaded\n"},
     };
     for (const auto& [name, script, error] : cases) {
         client(script);
@@ -256,7 +265,8 @@ TEST_F(VornctlTest, AnswersWhereTheClientOrTheSystemMisbehaves) {
     m_environment["VORN_HOME"] = m_dir / "answer.json";
     const ProcessResult result = run("status");
     EXPECT_EQ(result.status, 1);
-    EXPECT_THAT(result.standardError, AllOf(StartsWith("Couldn't run claude: "), EndsWith(": Not a directory\n")));
+    EXPECT_THAT(result.standardError,
+                AllOf(StartsWith("Couldn't run claude: "), HasSubstr(": Not a directory\nVorn runs it in an ")));
     EXPECT_EQ(run("plan bank 2").status, 1);
 }
 

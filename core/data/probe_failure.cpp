@@ -55,8 +55,8 @@ std::optional<Kind> probeFailureKind(std::string_view rawValue) {
 
 namespace {
 
-constexpr std::array<const char*, 7> kCauses{"unknown",      "notSignedIn",        "apiKey",       "noFiguresNow",
-                                             "clientTooOld", "interpreterMissing", "folderMissing"};
+constexpr std::array<const char*, 8> kCauses{"unknown",      "notSignedIn",        "apiKey",        "noFiguresNow",
+                                             "clientTooOld", "interpreterMissing", "folderMissing", "saidWhy"};
 
 }  // namespace
 

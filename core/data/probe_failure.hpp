@@ -26,13 +26,15 @@ struct ProbeFailure {
         apiKey,              ///< With which there are no plan limits.
         noFiguresNow,        ///< The service refused the client, which has nothing that is recent enough.
         clientTooOld,        ///< It does not know what Vorn asks.
-        interpreterMissing,  ///< detail: the name of what should run the client's script.
-        folderMissing,       ///< The empty folder to run it in could not be made; detail: its path.
+        interpreterMissing,  ///< subject: the name of what should run the client's script.
+        folderMissing,       ///< The empty folder to run it in could not be made.
+        saidWhy,             ///< subject: what the client said in the form that is for programs.
     };
 
     Kind kind = Kind::other;
     std::string detail{};  ///< As it came, with whatever control characters the client printed.
     Cause cause = Cause::unknown;
+    std::string subject{};
     bool operator==(const ProbeFailure&) const = default;
 };
 

@@ -26,9 +26,11 @@ std::optional<ProbeFailure> decodeFailure(const nlohmann::json& value) {
         const auto* detail = findMember(*failure, "detail");
         if (const auto known = probeFailureKind(kind)) {
             const auto* cause = findMember(*failure, "cause");
+            const auto* subject = findMember(*failure, "subject");
             return ProbeFailure{.kind = *known,
                                 .detail = detail != nullptr ? decodeText(*detail) : "",
-                                .cause = probeFailureCause(cause != nullptr ? decodeText(*cause) : "")};
+                                .cause = probeFailureCause(cause != nullptr ? decodeText(*cause) : ""),
+                                .subject = subject != nullptr ? decodeText(*subject) : ""};
         }
     }
     const auto* text = findMember(value, "lastError");
@@ -91,7 +93,8 @@ nlohmann::json encode(const ProbeRecord& record) {
     if (record.failure) {
         value["failure"] = {{"kind", rawValue(record.failure->kind)},
                             {"detail", record.failure->detail},
-                            {"cause", rawValue(record.failure->cause)}};
+                            {"cause", rawValue(record.failure->cause)},
+                            {"subject", record.failure->subject}};
         value["lastError"] = description(*record.failure);
     }
     for (const UsageWindow& reading : record.readings) {

@@ -46,12 +46,15 @@ ProbeFailure launchFailure(const std::filesystem::path& executable, std::string 
     std::error_code error;
     const auto folder = VornPaths::probeWorkingDirectory();
     if (!std::filesystem::is_directory(folder, error)) {
-        return {.kind = Kind::launchFailed, .detail = folder.string(), .cause = Cause::folderMissing};
+        return {.kind = Kind::launchFailed, .detail = std::move(reason), .cause = Cause::folderMissing};
     }
     std::string interpreter = interpreterOf(executable);
     if (!interpreter.empty() && std::filesystem::exists(executable, error) &&
         !std::filesystem::exists(interpreter, error)) {
-        return {.kind = Kind::launchFailed, .detail = std::move(interpreter), .cause = Cause::interpreterMissing};
+        return {.kind = Kind::launchFailed,
+                .detail = std::move(reason),
+                .cause = Cause::interpreterMissing,
+                .subject = std::move(interpreter)};
     }
     return {.kind = Kind::launchFailed, .detail = std::move(reason)};
 }
@@ -60,21 +63,23 @@ ProbeFailure commandFailure(const ProcessResult& result) {
     constexpr int kNotFound = 127;  // says env, too
     constexpr std::string_view kEnv = "env: ";
     const std::string& error = result.standardError;
-    if (result.end == ProcessResult::End::exited && result.status == kNotFound &&
-        error.find(kEnv) != std::string::npos) {
+    ProbeFailure failure{.kind = Kind::commandFailed,
+                         .detail = outputSnippet(error.empty() ? result.standardOutput : error)};
+    const bool hasEnded = result.end == ProcessResult::End::exited;
+    if (hasEnded && result.status == kNotFound && error.find(kEnv) != std::string::npos) {
         std::string name = error.substr(error.find(kEnv) + kEnv.size());
         name.resize(std::min(name.find(": "), name.size()));
         std::erase_if(name, [](char c) { return c == '\'' || static_cast<unsigned char>(c) >= 0x80U; });  // quotes
-        return {.kind = Kind::commandFailed, .detail = std::move(name), .cause = Cause::interpreterMissing};
+        failure.cause = Cause::interpreterMissing;
+        failure.subject = outputSnippet(name);
+    } else if (error.find("unknown option '--safe-mode'") != std::string::npos) {
+        failure.cause = Cause::clientTooOld;
+    } else if (const auto envelope = error.empty() ? readUsageEnvelope(result.standardOutput) : std::nullopt;
+               envelope && !envelope->result.empty()) {
+        failure.cause = Cause::saidWhy;
+        failure.subject = textSnippet(envelope->result);
     }
-    if (error.find("unknown option '--safe-mode'") != std::string::npos) {
-        return {.kind = Kind::commandFailed, .detail = outputSnippet(error), .cause = Cause::clientTooOld};
-    }
-    if (const auto envelope = error.empty() ? readUsageEnvelope(result.standardOutput) : std::nullopt;
-        envelope && !envelope->result.empty()) {
-        return {.kind = Kind::commandFailed, .detail = textSnippet(envelope->result)};
-    }
-    return {.kind = Kind::commandFailed, .detail = outputSnippet(error.empty() ? result.standardOutput : error)};
+    return failure;
 }
 
 }  // namespace

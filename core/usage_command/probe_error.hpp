@@ -22,7 +22,8 @@ public:
     [[nodiscard]] Kind kind() const noexcept { return m_failure.kind; }
     [[nodiscard]] const std::string& payload() const noexcept { return m_failure.detail; }
 
-    bool operator==(const ProbeError& other) const { return m_failure == other.m_failure; }
+    /// Whatever is known of the cause.
+    bool operator==(const ProbeError& other) const { return kind() == other.kind() && payload() == other.payload(); }
 
 private:
     ProbeFailure m_failure;

@@ -27,13 +27,10 @@ std::string_view trimmed(std::string_view text) {
 
 std::string advice(const ProbeFailure& failure) {
     if (failure.cause == Cause::interpreterMissing) {
-        return "Install " + failure.detail + ", or make it known where Vorn looks: a link in ~/.local/bin will do.";
+        return "Install " + failure.subject + ", or make it known where Vorn looks: a link in ~/.local/bin will do.";
     }
     if (failure.cause == Cause::folderMissing) {
         return "Vorn runs it in an empty folder of its own; make its parent writable, or set VORN_HOME.";
-    }
-    if (failure.kind == Kind::timedOut) {
-        return "claude -p /usage in a terminal may tell what it waits for.";
     }
     if (failure.kind != Kind::commandFailed || failure.cause == Cause::noFiguresNow) {
         return {};
@@ -59,9 +56,11 @@ std::string sentence(const ProbeFailure& failure) {
         case Cause::noFiguresNow:
             return "Claude Code could not get the figures just now.";
         case Cause::interpreterMissing:
-            return "Claude Code is a script here that needs " + failure.detail + ", which Vorn does not find.";
+            return "Claude Code is a script here that needs " + failure.subject + ", which Vorn does not find.";
+        case Cause::saidWhy:
+            return "claude /usage failed: " +
+                   std::string(trimmed(failure.subject.substr(0, failure.subject.find('\n'))));
         case Cause::folderMissing:
-            return "Claude Code could not be run: " + failure.detail + " cannot be made.";
         case Cause::clientTooOld:
         case Cause::unknown:
             break;
@@ -71,7 +70,9 @@ std::string sentence(const ProbeFailure& failure) {
 }
 
 std::string quoted(const ProbeFailure& failure) {
-    if (failure.cause != Cause::unknown && failure.cause != Cause::clientTooOld) {
+    const bool hasOwnSentence = failure.cause != Cause::unknown && failure.cause != Cause::clientTooOld &&
+                                failure.cause != Cause::folderMissing;
+    if (hasOwnSentence) {
         return {};
     }
     const std::string text = description(failure);

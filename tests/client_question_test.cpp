@@ -137,6 +137,41 @@ TEST_F(ClientQuestionTest, TriesOnceWhatAClientDoesNotKnow) {
     EXPECT_EQ(outcome(), "text: text");
 }
 
+TEST_F(ClientQuestionTest, KnowsWhenFiguresWereTrue) {
+    const ScopedEnvironment directory("CLAUDE_CONFIG_DIR", m_dir.path().c_str());
+    const auto keeps = [&](double session, Instant fetchedAt) {
+        const json limits = {{"five_hour", {{"utilization", session}, {"resets_at", "2026-11-23T15:33:16.000Z"}}},
+                             {"seven_day", {{"utilization", 61.2}, {"resets_at", "2026-11-26T21:03:16.000Z"}}}};
+        m_dir.write(".claude.json", json{{"cachedUsageUtilization",
+                                          {{"fetchedAtMs", secondsSince1970(fetchedAt) * 1000},
+                                           {"accountUuid", "8e4ff3"},
+                                           {"utilization", limits}}}}
+                                        .dump());
+    };
+    answers(sample("model-week-and-credits"));
+    EXPECT_EQ(ask().fetchedAt, kNow) << "a client that keeps nothing";
+    keeps(42.5, kNow - 20min);
+    const ClientAnswer old = ask();
+    EXPECT_EQ(old.fetchedAt, kNow - 20min);
+    EXPECT_EQ(old.answeredAt, kNow);
+    EXPECT_EQ(old.windows.at(0).observedAt, kNow - 20min);
+    EXPECT_EQ(old.others.value().credits.value().observedAt, kNow - 20min);
+    EXPECT_TRUE(old.isStale());
+    EXPECT_TRUE(!old.account.empty() && old.account.find("8e4ff3") == std::string::npos);
+    keeps(42.5, kNow + 1h);
+    EXPECT_EQ(ask().fetchedAt, kNow);
+    // Where a fresh answer was once not kept, an old time says no more than that the figures are no older.
+    keeps(40, kNow - 20min);
+    EXPECT_EQ(ask().fetchedAt, kNow);
+    keeps(42.5, kNow - 20min);
+    EXPECT_EQ(ask().fetchedAt, kNow - 20min);
+    EXPECT_FALSE(ask().isStale());
+    for (const char* damaged : {"", "[", "{\"cachedUsageUtilization\":{\"fetchedAtMs\":\"1\",\"utilization\":[]}}"}) {
+        m_dir.write(".claude.json", damaged);
+        EXPECT_EQ(ask().fetchedAt, kNow) << damaged;
+    }
+}
+
 TEST_F(ClientQuestionTest, EndsInTimeWhicheverFormHangs) {
     client("echo $$ >>pids; exec sleep 60");
     EXPECT_EQ(outcome({.timeout = 0.3s}), "report: timedOut");

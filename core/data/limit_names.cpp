@@ -22,7 +22,10 @@ WindowKind modelWeek(std::string_view sourceName) {
 }
 
 WindowKind canonical(WindowKind kind) {
-    return kind.which() == WindowKind::Case::weekModel ? modelWeek(kind.modelName()) : kind;
+    if (kind.which() == WindowKind::Case::weekModel) {
+        return modelWeek(kind.modelName());
+    }
+    return kind;
 }
 
 std::optional<WindowKind> windowKindOfMember(std::string_view member) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstddef>
 #include <utility>
 
 namespace vorn {
@@ -47,10 +48,10 @@ Seconds YearlyOffsets::offset(Instant instant) const {
     // A rule may place a change days before or after its year. Of two at the same moment the later year's counts:
     // that is how a summer time without an end is written.
     std::array<ZoneOffsets::Change, 6> changes;
-    for (int i = 0; i < 3; ++i) {
-        const year in = current + std::chrono::years{i - 1};
-        changes[static_cast<std::size_t>(2 * i)] = {startOf(summer->begin, in) - standard, summer->offset};
-        changes[static_cast<std::size_t>(2 * i + 1)] = {startOf(summer->end, in) - summer->offset, standard};
+    for (std::size_t i = 0; i < 3; ++i) {
+        const year in = current + std::chrono::years{static_cast<int>(i) - 1};
+        changes[2 * i] = {startOf(summer->begin, in) - standard, summer->offset};
+        changes[2 * i + 1] = {startOf(summer->end, in) - summer->offset, standard};
     }
     std::ranges::stable_sort(changes, {}, &ZoneOffsets::Change::from);
     const auto next = std::ranges::upper_bound(changes, instant, {}, &ZoneOffsets::Change::from);

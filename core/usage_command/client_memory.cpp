@@ -97,6 +97,12 @@ void ClientMemory::noteBreakdown(Instant now) {
     save();
 }
 
+void ClientMemory::noteMissingNote() {
+    if (std::exchange(m_notesEachAnswer, false)) {
+        save();
+    }
+}
+
 void ClientMemory::load() try {
     const std::lock_guard lock(held().mutex);
     json note;
@@ -109,6 +115,8 @@ void ClientMemory::load() try {
     }
     m_textUntil = dateIn(note, "textUntil");
     m_breakdownAt = dateIn(note, "breakdownAt");
+    const json* const notesEach = findMember(note, "notesEachAnswer");
+    m_notesEachAnswer = notesEach == nullptr || *notesEach != false;
 } catch (const DecodingError&) {
     // As good as none: the client is tried again.
 }
@@ -123,6 +131,9 @@ void ClientMemory::save() const {
     }
     if (m_breakdownAt) {
         note["breakdownAt"] = encodeDate(*m_breakdownAt, DateCoding::secondsSince1970);
+    }
+    if (!m_notesEachAnswer) {
+        note["notesEachAnswer"] = false;
     }
     const std::lock_guard lock(held().mutex);
     try {

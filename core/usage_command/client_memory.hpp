@@ -27,6 +27,10 @@ public:
     [[nodiscard]] bool mayAskForBreakdown(Instant now) const;
     void noteBreakdown(Instant now);
 
+    /// Whether it notes the time of each answer that it fetches, as far as is known: some versions do so now and then.
+    [[nodiscard]] bool notesEachAnswer() const { return m_notesEachAnswer; }
+    void noteMissingNote();
+
 private:
     void load();
     void save() const;
@@ -35,6 +39,7 @@ private:
     Keeping m_keeping;
     std::optional<Instant> m_textUntil;
     std::optional<Instant> m_breakdownAt;
+    bool m_notesEachAnswer = true;
 };
 
 }  // namespace vorn

@@ -31,6 +31,9 @@ constexpr Seconds kUnknownFor = std::chrono::days{7};
 constexpr Seconds kUncertainFor = std::chrono::days{1};
 constexpr Seconds kHangingFor = 1h;
 
+/// What is older in the client's state is of another question.
+constexpr Seconds kYoung = 1min;
+
 /// The largest plan has seven. What is kept of an answer has to be read back by everybody.
 constexpr std::size_t kMostWindows = 100;
 constexpr std::size_t kLongestName = 1000;  // characters
@@ -130,6 +133,20 @@ public:
           m_deadline(Clock::now() + std::chrono::duration_cast<Clock::duration>(question.timeout)),
           m_memory(m_client, question.storesNothing ? ClientMemory::Keeping::nothing : ClientMemory::Keeping::all) {}
 
+    /// With the time at which its figures were true, as far as the client tells it.
+    ClientAnswer datedAnswer() {
+        ClientAnswer told = answer();
+        if (const auto cached = readCachedUsage(clientStateFile())) {
+            if (!cached->isIn(told) && told.answeredAt - cached->fetchedAt > kYoung) {
+                m_memory.noteMissingNote();  // a fresh answer, and the one before it is still there
+            }
+            dateAnswer(told, *cached);
+            told.isFetchedAtCertain = m_memory.notesEachAnswer();
+        }
+        return told;
+    }
+
+private:
     ClientAnswer answer() {
         if (!m_memory.mayAskForReport(m_now())) {
             return askForText();
@@ -146,7 +163,6 @@ public:
         return told;
     }
 
-private:
     using Clock = std::chrono::steady_clock;
 
     ProcessResult run(const std::vector<std::string>& arguments, const std::string& input = {}) const {
@@ -237,11 +253,7 @@ ClientAnswer ClientQuestion::ask(const std::function<Instant()>& now, const Canc
     if (!client) {
         throw ProbeError(Kind::claudeNotFound);
     }
-    ClientAnswer told = Conversation(*this, *std::move(client), now, cancellation).answer();
-    if (const auto cached = readCachedUsage(clientStateFile())) {
-        dateAnswer(told, *cached);
-    }
-    return told;
+    return Conversation(*this, *std::move(client), now, cancellation).datedAnswer();
 }
 
 }  // namespace vorn

@@ -46,7 +46,8 @@ bool forEachElement(ondemand::value& value, Take take) {
     }
     for (auto each : array) {
         ondemand::value element;
-        if (std::move(each).get(element) != simdjson::SUCCESS || !take(element)) {
+        const auto error = std::move(each).get(element);  // NOLINT(performance-move-const-arg): it wants an rvalue
+        if (error != simdjson::SUCCESS || !take(element)) {
             return false;
         }
     }
